@@ -1,0 +1,73 @@
+#include "classify/progress.hpp"
+
+namespace quorin::classify {
+
+namespace {
+
+Ref elapsed_since(Object stamp) {
+    return text_of(subtract(now(), stamp));
+}
+
+Ref rows_of(Object column) {
+    return text_of(item(column.attr("shape"_py), 0));
+}
+
+}  // namespace
+
+Ref capped_rows(Object column) {
+    Ref rows = item(column.attr("shape"_py), 0);
+    return less(50, rows) ? whole(50) : std::move(rows);
+}
+
+void Progress::column(Object X) {
+    if (!wanted()) return;
+    const Ref first_rows = item(X, range_list(capped_rows(X)));
+    print(concat({"numpy_whatis(): Starting. Column: "_py, text_of(first_rows), "\n\n"_py}));
+    start_time_ = now();
+}
+
+void Progress::scan_starts(Object XX) {
+    if (!wanted()) return;
+    dtype_start_time_ = now();
+    print(concat({"numpy_whatis():Start finding dtype on"_py, rows_of(XX), " rows"_py}));
+}
+
+void Progress::scan_ends(Object XX) const {
+    if (!wanted()) return;
+    print(concat({"numpy_whatis():Ending finding dtype on"_py, rows_of(XX),
+                  " rows\nelapsed_time: numpy_isin_elapsed_end(s): "_py, elapsed_since(dtype_start_time_.get())}));
+}
+
+void Progress::datetime_starts(Object check_limit) {
+    if (!wanted()) return;
+    print(concat(
+        {"numpy_whatis():Starting checking datetime property  on"_py, text_of(check_limit), " rows"_py}));
+    datetime_start_time_ = now();
+}
+
+void Progress::datetime_ends(Object check_limit) const {
+    if (!wanted()) return;
+    print(concat({"numpy_whatis():Ending checking datetime property  on"_py, text_of(check_limit),
+                  " rows\nelapsed_time(s): "_py, elapsed_since(datetime_start_time_.get())}));
+}
+
+void Progress::order_and_gaps(Object check_limit) const {
+    const auto check = [&](Name starting, Name ending, Name stamp) {
+        if (!wanted()) return;
+        Local started{stamp};
+        print(concat({starting, text_of(check_limit), " rows"_py}));
+        started = now();
+        print(concat({ending, text_of(check_limit), " rows\nelapsed_time(s): "_py, elapsed_since(started.get())}));
+    };
+    check("numpy_whatis():Starting checking monotonic property  on "_py,
+          "numpy_whatis():Ending checking monotonic property on "_py, "monotonic_start_time"_py);
+    check("numpy_whatis():Starting checking contiguous property  on "_py,
+          "numpy_whatis():Ending checking contiguous property on "_py, "contiguous_start_time"_py);
+}
+
+void Progress::end() const {
+    if (!wanted()) return;
+    print(concat({"numpy_whatis():Ending_\nelapsed_time(s): "_py, elapsed_since(start_time_.get())}));
+}
+
+}  // namespace quorin::classify

@@ -1,0 +1,49 @@
+// Gathering: one walk over the distinct values of a column, which counts what it sees. The verdict is drawn elsewhere.
+#pragma once
+
+#include "classify/kinds.hpp"
+
+#include <optional>
+
+namespace quorin::classify {
+
+struct Scan {
+    explicit Scan(Object missing_rows);
+
+    // Walks over XX, ascending distinct values, and their numbers of occurrences. Values found to be markers are
+    // appended to `missing_values_list`.
+    void run(Object XX, Object xx_xounts, Object missing_values_list);
+
+    Kind dtype_str = Kind::unknown;  // the running class: that of the last value classified
+    bool found_nonmissing_flag = false;
+    bool found_int_str_flag = false;
+    bool found_float_str_flag = false;
+    bool found_string_flag = false;
+    KindCounts dtypes_cnt;           // by distinct value
+    KindCounts dtypes_weighted_cnt;  // by occurrence
+    Ref start_missing_string_values_list;
+    Ref weird_new_missing_values_list;
+
+  private:
+    // A copy of the running class and of the two lists that stops following them at some point.
+    struct Frozen {
+        Kind dtype_str3 = Kind::unknown;
+        bool dtype_str3_stop_flag = false;
+        Ref start_missing_string_values_list3;
+        Ref weird_new_missing_values_list3;
+    };
+
+    bool is_marker(Object elt) const;
+    void classify_text(Object XX, Py_ssize_t i, Object elt);
+    void number_text_found(Kind kind, Object XX, Py_ssize_t i);
+    void classify_value(Object elt);
+    void value_found(Kind kind);
+    void follow_kind();
+    void apply_stop_rule();
+    [[nodiscard]] bool number_text_seen() const { return found_int_str_flag || found_float_str_flag; }
+
+    std::optional<Kind> dtype_str_found_;
+    Frozen frozen_;
+};
+
+}  // namespace quorin::classify

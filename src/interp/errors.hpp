@@ -1,0 +1,76 @@
+// Errors between C++ and the interpreter: a failing call throws, one wall turns the throw back into the
+// interpreter's null, and every wall that an exception passes leaves an entry in its traceback.
+#pragma once
+
+#include "interp/ref.hpp"
+
+#include <new>
+
+namespace quorin {
+
+// Thrown while the interpreter's error indicator is set. Knows the line of the call that failed.
+class PythonError {
+  public:
+    explicit PythonError(Where where) noexcept : where_(where) {}
+    [[nodiscard]] Where where() const noexcept { return where_; }
+    [[nodiscard]] static bool matches(PyObject* type) noexcept { return PyErr_ExceptionMatches(type) != 0; }
+
+  private:
+    Where where_;
+};
+
+struct Format {
+    const char* text;
+    Where where;
+    Format(const char* format, Where line = Where::current()) noexcept : text(format), where(line) {}
+};
+
+// Raises in one line, with the culprit in it: fail(PyExc_NameError, "name '%U' is not defined", name).
+template <class... Parts>
+[[noreturn]] void fail(PyObject* type, Format format, Parts... parts) {
+    PyErr_Format(type, format.text, parts...);
+    throw PythonError(format.where);
+}
+
+// Raises an exception object that was made beforehand.
+[[noreturn]] void raise(Object exception, Where where = Where::current());
+
+// Adds the entry "File <C++ file>, line <line>, in <routine>" to the traceback of the pending error.
+void add_traceback(const char* routine, Where where) noexcept;
+
+// The exception that a routine handles. While this lives the interpreter counts it as being handled: whatever is
+// raised meanwhile names it as its context, as inside an except block.
+class Handling {
+  public:
+    // Takes the pending error over; `routine` gets its entry in the traceback, as in any caller it passed.
+    Handling(const PythonError& error, const char* routine);
+    ~Handling();
+    Handling(const Handling&) = delete;
+    Handling& operator=(const Handling&) = delete;
+    Handling(Handling&&) = delete;
+    Handling& operator=(Handling&&) = delete;
+
+    [[nodiscard]] Object exception() const noexcept { return exception_; }
+
+  private:
+    Ref exception_;
+    PyObject* outer_type_ = nullptr;
+    PyObject* outer_value_ = nullptr;
+    PyObject* outer_traceback_ = nullptr;
+};
+
+// The wall. Runs `body`, which gives a Ref, for the interpreter.
+template <class Body>
+PyObject* behind_wall(const char* routine, Body&& body) noexcept {
+    try {
+        return body().give();
+    } catch (const PythonError& error) {
+        add_traceback(routine, error.where());
+    } catch (const std::bad_alloc&) {
+        PyErr_NoMemory();
+        add_traceback(routine, Where::current());
+    }
+    return nullptr;
+}
+
+}  // namespace quorin

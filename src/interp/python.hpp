@@ -1,0 +1,52 @@
+// The interpreter's header and the few places where its versions differ.
+#pragma once
+
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <cstdint>
+#include <source_location>
+
+namespace quorin {
+
+using Where = std::source_location;
+
+// Keyword names of a vectorcall stand in a tuple, their values behind the positional arguments.
+inline PyObject* vectorcall(PyObject* callee, PyObject* const* arguments, std::size_t positional, PyObject* names) {
+#if PY_VERSION_HEX >= 0x03090000
+    return PyObject_Vectorcall(callee, arguments, positional, names);
+#elif PY_VERSION_HEX >= 0x03080000
+    return _PyObject_Vectorcall(callee, arguments, positional, names);
+#else
+    return _PyObject_FastCallKeywords(callee, arguments, static_cast<Py_ssize_t>(positional), names);
+#endif
+}
+
+// A process-wide unique number of the running interpreter, or -1 with an error set.
+inline std::int64_t running_interpreter() {
+#if PY_VERSION_HEX >= 0x03090000
+    return PyInterpreterState_GetID(PyInterpreterState_Get());
+#else
+    return PyInterpreterState_GetID(PyThreadState_Get()->interp);
+#endif
+}
+
+// The characters of a text, side by side.
+struct Characters {
+    const void* data = nullptr;  // null with an error set, where an old interpreter cannot bring them together
+    Py_ssize_t length = 0;
+    int width = 0;  // bytes for each
+};
+
+// The interpreter's macros cast in C's way, in our lines.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wold-style-cast"
+inline Characters characters_of(PyObject* text) {
+#if PY_VERSION_HEX < 0x030C0000
+    if (PyUnicode_READY(text) < 0) return {};
+#endif
+    return {PyUnicode_DATA(text), PyUnicode_GET_LENGTH(text), static_cast<int>(PyUnicode_KIND(text))};
+}
+#pragma GCC diagnostic pop
+
+}  // namespace quorin

@@ -1,0 +1,56 @@
+#include "interp/space.hpp"
+
+#include "interp/errors.hpp"
+#include "interp/operations.hpp"
+
+namespace quorin {
+
+namespace {
+
+PyObject* names = nullptr;
+
+// Borrowed, or null without an error.
+PyObject* look_up(PyObject* dictionary, At name) {
+    PyObject* found = PyDict_GetItemWithError(dictionary, name.name.text);
+    if (found == nullptr && PyErr_Occurred() != nullptr) throw PythonError(name.where);
+    return found;
+}
+
+}  // namespace
+
+Object module_names() noexcept {
+    return names;
+}
+
+void use_module_names(Object dictionary) noexcept {
+    PyObject* old = std::exchange(names, Ref::share(dictionary).give());
+    Py_XDECREF(old);
+}
+
+Ref global(At name) {
+    PyObject* found = look_up(names, name);
+    if (found == nullptr) found = look_up(PyEval_GetBuiltins(), name);
+    if (found == nullptr) {
+        fail(PyExc_NameError, Format("name '%U' is not defined", name.where), name.name.text);
+    }
+    return Ref::share(found);
+}
+
+void print(const Operand& what, Where where) {
+    global(At("print"_py, where))({what.object}, {}, where);
+}
+
+Ref now(Where where) {
+    return global(At("time"_py, where)).call(At("time"_py, where));
+}
+
+void fail_unbound(Name variable, Where where) {
+    fail(PyExc_UnboundLocalError, Format("local variable '%U' referenced before assignment", where), variable.text);
+}
+
+Object Local::get(Where where) const {
+    if (!value_) fail_unbound(name_, where);
+    return value_;
+}
+
+}  // namespace quorin

@@ -1,0 +1,102 @@
+#include "interp/operations.hpp"
+#include "interp/space.hpp"
+#include "missing/missing.hpp"
+
+namespace quorin::missing {
+
+namespace {
+
+struct Found {
+    Ref masks = list({});
+    Ref markers = list({});
+};
+
+// One pass over the column for each marker, in the order of the list.
+Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) {
+    Found found;
+    const Ref markers = iterate(missing_values_list);
+    while (const Ref missing_value = next(markers)) {
+        Local numpy_isin_start{"numpy_isin_start"_py};
+        if (truth(debug)) {
+            numpy_isin_start = now();
+            print(concat({"\n\nnumpy_compute_missing_indicator():Checking for missing_value="_py,
+                          text_of(missing_value)}));
+        }
+        const Ref missing_mask = global("numpy_isin"_py)({X, list({missing_value})});
+        const Ref missing_value_found = global("np"_py).call("any"_py, {missing_mask});
+        if (truth(missing_value_found)) {
+            append(found.markers, missing_value);
+            append(found.masks, missing_mask);
+            if (truth(stop_at_one_missing_value_flag)) break;
+        }
+        if (truth(debug)) {
+            print(concat({"numpy_compute_missing_indicator():missing_value="_py, text_of(missing_value), " found: "_py,
+                          text_of(missing_value_found), "\nelapsed_time: numpy_isin_elapsed_end(s): "_py,
+                          text_of(subtract(now(), numpy_isin_start.get()))}));
+        }
+    }
+    return found;
+}
+
+// The first mask itself where it is the only one.
+Ref cumulated(Object masks) {
+    Ref cum_missing_mask_arr;
+    const Ref iterator = iterate(masks);
+    while (Ref missing_mask_arr = next(iterator)) {
+        cum_missing_mask_arr =
+            cum_missing_mask_arr ? either(cum_missing_mask_arr, missing_mask_arr) : std::move(missing_mask_arr);
+    }
+    return cum_missing_mask_arr;
+}
+
+}  // namespace
+
+constinit const Definition numpy_compute_missing_indicator{
+    .name = "numpy_compute_missing_indicator",
+    .parameters = {{"X"}, {"missing_values_list"}, {"stop_at_one_missing_value_flag", false}, {"debug", false}},
+    .doc = R"(Tests a column against candidate missing-value markers, one by one.
+
+Parameters
+----------
+X : numpy.ndarray of shape (n,) or (n, 1)
+missing_values_list : list
+    Candidate markers, in the order in which they are tried.
+stop_at_one_missing_value_flag : bool
+    Stop at the first marker that occurs.
+debug : bool
+    Print progress and elapsed seconds.
+
+Returns
+-------
+cum_missing_mask_arr : numpy.ndarray of bool, shape (n,)
+    True where a cell holds a marker that was found.
+missing_masks_list : list
+    The mask of each marker found; where none was found, the n false values of the first result one by one.
+missing_reference_values_exist_list : list
+    The markers found, in the order of `missing_values_list`.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import numpy_compute_missing_indicator
+>>> mask, masks, markers = numpy_compute_missing_indicator(
+...     np.array(["a", "?", ""], dtype=object), ["?", "", "-", np.nan])
+>>> mask, markers
+(array([False,  True,  True]), ['?', ''])
+)",
+    .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
+        if (truth(debug)) {
+            const Ref rows = item(X.attr("shape"_py), 0);
+            const Ref row_limit = less(rows, 50) ? Ref::share(rows) : whole(50);
+            print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(item(X, range_list(row_limit))),
+                          "\n\n"_py}));
+        }
+        Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
+        if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
+        const Ref shape = tuple({item(X.attr("shape"_py), 0)});
+        const Ref nothing = global("np"_py).call("zeros"_py, {shape}, {{"dtype"_py, &PyBool_Type}});
+        return tuple({nothing, list_of(nothing), list({})});
+    },
+};
+
+}  // namespace quorin::missing

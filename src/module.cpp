@@ -1,0 +1,190 @@
+// The module's entry and its start-up: everything is bound in the order in which it stands here.
+#include "classify/classify.hpp"
+#include "features/features.hpp"
+#include "frame/frame.hpp"
+#include "interp/errors.hpp"
+#include "interp/lifecycle.hpp"
+#include "interp/numpy.hpp"
+#include "interp/operations.hpp"
+#include "interp/routine.hpp"
+#include "interp/space.hpp"
+#include "missing/missing.hpp"
+#include "transform/transform.hpp"
+
+#include <span>
+
+namespace quorin {
+
+namespace {
+
+using Routines = std::span<const Definition* const>;
+
+constexpr const Definition* module_routines[] = {
+    &transform::numpy_select_columns,
+    &transform::numpy_flatten_column,
+    &transform::numpy_permute_array,
+    &transform::numpy_floatstr2float,
+    &frame::setValueOrDefault,
+    &transform::numpy_boolean2float,
+    &transform::convert_float32,
+    &classify::numpy_whatis,
+    &transform::numpy_remove_second_dim,
+    &frame::isint,
+    &missing::numpy_compute_missing_indicator,
+    &missing::numpy_isin,
+    &missing::indicator_mask,
+    &missing::get_unique_values,
+    &frame::isfloat,
+    &transform::numpy_column_float2str,
+    &frame::QSR_raise_exception,
+};
+
+constexpr const Definition* fcplus_methods[] = {
+    &features::is_column_constant,
+    &features::is_column_string_in_datetime_format,
+    &features::is_column_epoch,
+    &features::is_column_longitude,
+    &features::is_column_latitude,
+    &features::is_column_distance,
+};
+
+// import <module> as <name>
+void import_module(Object names, const char* module, Name name) {
+    set_item(names, name, Ref::take(PyImport_ImportModule(module)));
+}
+
+// from <module> import <name>
+void import_from(Object names, const char* module, Name name) {
+    const Ref fromlist = list({name});
+    const Ref source = Ref::take(PyImport_ImportModuleLevel(module, names.get(), names.get(), fromlist.get(), 0));
+    const Ref found = Ref::adopt(PyObject_GetAttr(source.get(), name.text));
+    if (!found) {
+        if (!PythonError::matches(PyExc_AttributeError)) throw PythonError(Where::current());
+        PyErr_Clear();
+        fail(PyExc_ImportError, "cannot import name '%U' from '%s'", name.text, module);
+    }
+    set_item(names, name, found);
+}
+
+void import_everything(Object names) {
+    import_from(names, "quorin_libs.utils.fc_methods", "FC"_py);
+    import_module(names, "numbers", "numbers"_py);
+    import_module(names, "random", "random"_py);
+    import_module(names, "time", "time"_py);
+    import_module(names, "traceback", "traceback"_py);
+    import_from(names, "collections", "Counter"_py);
+    import_module(names, "numpy", "np"_py);
+    import_module(names, "pandas", "pd"_py);
+    import_module(names, "six", "six"_py);
+    import_module(names, "logging", "logging"_py);
+    import_module(names, "hashlib", "hashlib"_py);
+    connect_numpy();
+}
+
+// Binds each routine under its own name; one of a name that is there already takes its place.
+void define(Object names, Routines routines) {
+    for (const Definition* routine : routines) {
+        const Ref name = Ref::take(PyUnicode_InternFromString(routine->name));
+        set_item(names, name, make_routine(*routine, nullptr));
+    }
+}
+
+Ref as_static_method(const Ref& routine) {
+    return Object(&PyStaticMethod_Type)({routine});
+}
+
+// The names that a class statement starts with.
+Ref class_names(Object names, Name name, Name doc) {
+    Ref members = Ref::take(PyDict_New());
+    set_item(members, "__module__"_py, item(names, "__name__"_py));
+    set_item(members, "__qualname__"_py, name);
+    set_item(members, "__doc__"_py, doc);
+    return members;
+}
+
+void define_class(Object names, Name name, Object members) {
+    set_item(names, name, Object(&PyType_Type)({name, tuple({}), members}));
+}
+
+void define_fcplus(Object names) {
+    const Ref members = class_names(names, "FCplus"_py, "Tests of what a column or a whole table holds."_py);
+    for (const Definition* method : fcplus_methods) {
+        const Ref name = Ref::take(PyUnicode_InternFromString(method->name));
+        set_item(members, name, as_static_method(make_routine(*method, "FCplus")));
+    }
+    define_class(names, "FCplus"_py, members);
+}
+
+void define_datasets(Object names) {
+    define_class(names, "DatasetS"_py, class_names(names, "DatasetS"_py, "Holder of one table."_py));
+}
+
+void start_up(Object names) {
+    import_everything(names);
+    const Ref nan = item(names, "np"_py).attr("nan"_py);
+    set_item(names, "global_missing_values_reference_list"_py, list({"?"_py, ""_py, "-"_py, nan}));
+    set_item(names, "logger"_py, item(names, "logging"_py).call("getLogger"_py));
+    ready_routine_type();
+    define(names, module_routines);
+    define_fcplus(names);
+    define_datasets(names);
+    set_item(names, "__test__"_py, Ref::take(PyDict_New()));
+}
+
+// The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too.
+void register_module(Object module) {
+    const Object modules = PyImport_GetModuleDict();
+    const Object qualified_name = "quorin_libs.utils.exportable_utils"_py.text;
+    if (!contains(modules, qualified_name)) set_item(modules, qualified_name, module);
+}
+
+constexpr const char* init_name = "init quorin_libs.utils.exportable_utils";
+
+int execute(PyObject* module) {
+    const Ref done = Ref::adopt(behind_wall(init_name, [&] {
+        StartUp start_up_once;
+        const Object names = PyModule_GetDict(module);
+        use_module_names(names);
+        check_version("quorin_libs.utils.exportable_utils");
+        set_item(names, "__builtins__"_py, Ref::take(PyImport_ImportModule("builtins")));
+        register_module(module);
+        start_up(names);
+        start_up_once.succeeded();
+        return Ref::none();
+    }));
+    return done ? 0 : -1;
+}
+
+PyObject* create(PyObject* spec, PyModuleDef* definition) {
+    return behind_wall(init_name, [&] {
+        claim_interpreter();
+        // An interpreter that has marked a module as executed leaves importlib.reload() without effect and without a
+        // word. It sets the mark only where there is a place for state; without one it asks `execute` again.
+        definition->m_size = -1;
+        return Ref::take(PyModule_NewObject(Ref::take(PyObject_GetAttrString(spec, "name")).get()));
+    });
+}
+
+PyModuleDef_Slot slots[] = {
+    {Py_mod_create, reinterpret_cast<void*>(create)},
+    {Py_mod_exec, reinterpret_cast<void*>(execute)},
+#if PY_VERSION_HEX >= 0x030C0000
+    // Nothing here works in a second interpreter, of whatever kind. Saying otherwise lets `create` give its own reason.
+    {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},
+#endif
+    {0, nullptr},
+};
+
+PyModuleDef module_definition = {
+    PyModuleDef_HEAD_INIT, "exportable_utils", "Column profiling for automated machine learning.",
+    0, nullptr, slots, nullptr, nullptr, nullptr,
+};
+
+}  // namespace
+
+}  // namespace quorin
+
+PyMODINIT_FUNC PyInit_exportable_utils() {
+    quorin::module_definition.m_size = 0;
+    return PyModuleDef_Init(&quorin::module_definition);
+}
