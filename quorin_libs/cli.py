@@ -1,0 +1,235 @@
+"""The command ``quorin-profile``: reads a delimited text file, prints its columns' profile."""
+
+from __future__ import annotations
+
+import argparse
+import csv
+import os
+import sys
+import time
+from typing import IO, Any, NoReturn, Sequence
+
+from quorin_libs.terminal import printable
+
+__all__ = ["main"]
+
+PROGRAM = "quorin-profile"
+
+# Exit statuses beside 0. A shell reports an interrupted program as 128 + SIGINT.
+CANNOT_WRITE = 1
+BAD_INPUT = 2
+INTERRUPTED = 130
+
+_DESCRIPTION = """\
+Profile the columns of a delimited text file: what each holds, and which of its
+values stand for missing. Every cell is taken as the text it is.
+"""
+
+_EPILOG = """\
+columns of the table:
+  kind      char_str: text; int_str, float_str: numbers written as text;
+            missing: nothing but missing values
+  markers   the listed missing-value markers that occur
+  new       markers on no list, discovered from the column's other values
+  missing   cells that hold any of these markers, and their share
+  distinct  different values among the other cells
+  flags     constant, unique, date-like
+
+exit status: 0 profiled, 1 the output cannot be written, 2 bad input or usage
+"""
+
+
+def main(argv: Sequence[str] | None = None) -> int:
+    """Run the command and return its exit status.
+
+    Parameters
+    ----------
+    argv : sequence of str, optional
+        The arguments without the program's name; by default those of the process.
+
+    Examples
+    --------
+    >>> main(["no-such-file.csv"])
+    2
+    """
+    try:
+        options = _parser().parse_args(argv)
+        return _profile(options)
+    except SystemExit as stop:
+        return stop.code if isinstance(stop.code, int) else 0
+    except KeyboardInterrupt:
+        return INTERRUPTED
+
+
+class _Parser(argparse.ArgumentParser):
+    """Says what is wrong in one line, and writes its help as the command writes everything."""
+
+    def print_help(self, file: Any = None) -> NoReturn:
+        raise SystemExit(_write(self.format_help()))
+
+    def error(self, message: str) -> NoReturn:
+        _say(f"{message} (see {PROGRAM} --help)")
+        raise SystemExit(BAD_INPUT)
+
+
+class _Version(argparse.Action):
+    """Looks the version up when it is asked for: that is slower than all the rest of the parser."""
+
+    def __call__(
+        self,
+        parser: argparse.ArgumentParser,
+        namespace: argparse.Namespace,
+        values: str | Sequence[Any] | None,
+        option_string: str | None = None,
+    ) -> None:
+        from quorin_libs import __version__
+
+        raise SystemExit(_write(f"{PROGRAM} {__version__}\n"))
+
+
+def _parser() -> argparse.ArgumentParser:
+    parser = _Parser(
+        prog=PROGRAM,
+        description=_DESCRIPTION,
+        epilog=_EPILOG,
+        formatter_class=argparse.RawDescriptionHelpFormatter,
+        allow_abbrev=False,
+    )
+    parser.add_argument("file", metavar="FILE", help="the file to read; - for standard input")
+    parser.add_argument(
+        "--delimiter",
+        type=_delimiter,
+        metavar="CHAR",
+        help="a single character, or comma, semicolon, tab, bar, pipe, space, colon; by default "
+        "the one of the first four that cuts the first 100 records into equally many cells",
+    )
+    parser.add_argument(
+        "--encoding",
+        default="utf-8-sig",
+        metavar="NAME",
+        help="the file's encoding (default: utf-8, with or without byte order mark)",
+    )
+    parser.add_argument(
+        "--markers",
+        type=_markers,
+        metavar="LIST",
+        help="the missing-value markers, instead of the default '?,,-'. Separated by commas and "
+        "quoted as in a CSV file; nothing between two commas is the empty text, and so is an "
+        "empty LIST. A LIST that begins with - is given as --markers=LIST",
+    )
+    parser.add_argument("--json", action="store_true", help="print JSON instead of a table")
+    parser.add_argument("--version", action=_Version, nargs=0, help="print the version and leave")
+    return parser
+
+
+def _delimiter(text: str) -> str:
+    from quorin_libs.reading import parse_delimiter
+
+    try:
+        return parse_delimiter(text)
+    except ValueError as error:
+        raise argparse.ArgumentTypeError(str(error)) from None
+
+
+def _markers(text: str) -> list[str]:
+    if not text:
+        return [""]
+    if len(text.splitlines()) > 1:
+        raise argparse.ArgumentTypeError(f"{text!r} is more than one line")
+    try:
+        return next(csv.reader([text], strict=True))
+    except csv.Error as error:
+        raise argparse.ArgumentTypeError(f"{text!r}: {error}") from None
+
+
+def _profile(options: argparse.Namespace) -> int:
+    # Imported here so that --help, --version and wrong usage answer at once.
+    from quorin_libs.profiling import profile_table
+    from quorin_libs.reading import InputError, read_table
+    from quorin_libs.rendering import render_json, render_table
+
+    try:
+        source = _standard_input() if options.file == "-" else options.file
+        table = read_table(source, options.delimiter, options.encoding)
+    except InputError as error:
+        _say(str(error))
+        return BAD_INPUT
+    for note in table.notes:
+        _say(f"{table.source}: note: {note}")
+    progress = _Progress()
+    try:
+        profile = profile_table(table, options.markers, progress)
+    finally:
+        progress.clear()
+    if options.json:
+        return _write(render_json(profile))
+    return _write(render_table(profile, getattr(sys.stdout, "encoding", None) or "utf-8"))
+
+
+def _standard_input() -> IO[bytes]:
+    from quorin_libs.reading import InputError
+
+    # None when the process was started with standard input closed.
+    if sys.stdin is None:
+        raise InputError("standard input: closed")
+    return sys.stdin.buffer
+
+
+def _say(message: str) -> None:
+    """Print one line on standard error, whatever characters the message quotes."""
+    if sys.stderr is not None:
+        encoding = getattr(sys.stderr, "encoding", None) or "utf-8"
+        print(f"{PROGRAM}: {printable(message, encoding)}", file=sys.stderr)
+
+
+def _write(text: str) -> int:
+    if sys.stdout is None:
+        _say("standard output: closed")
+        return CANNOT_WRITE
+    try:
+        sys.stdout.write(text)
+        sys.stdout.flush()
+    except BrokenPipeError:
+        # The reader has seen enough. What is still buffered must not fail again at exit.
+        _discard_standard_output()
+    except OSError as error:
+        _discard_standard_output()
+        _say(f"standard output: {error.strerror or error}")
+        return CANNOT_WRITE
+    return 0
+
+
+def _discard_standard_output() -> None:
+    sink = os.open(os.devnull, os.O_WRONLY)
+    try:
+        os.dup2(sink, sys.stdout.fileno())
+    finally:
+        os.close(sink)
+
+
+class _Progress:
+    """A counter on standard error, when that is a terminal and the work takes its time."""
+
+    # Seconds before the first line and between two lines: shorter than a reader gets impatient,
+    # longer than a glance.
+    PATIENCE = 0.5
+
+    def __init__(self) -> None:
+        self._shown = ""
+        self._next = time.monotonic() + self.PATIENCE
+        self._terminal = sys.stderr is not None and sys.stderr.isatty()
+
+    def __call__(self, done: int, total: int) -> None:
+        if self._terminal and time.monotonic() >= self._next:
+            self._next = time.monotonic() + self.PATIENCE
+            self._show(f"{PROGRAM}: {done} of {total} columns")
+
+    def clear(self) -> None:
+        if self._shown:
+            self._show("")
+
+    def _show(self, text: str) -> None:
+        blanks = " " * (len(self._shown) - len(text))
+        sys.stderr.write("\r" + text + blanks + ("" if text else "\r"))
+        sys.stderr.flush()
+        self._shown = text

@@ -1,0 +1,159 @@
+"""The profile of a table: what each column holds, and which of its texts stand for missing."""
+
+from __future__ import annotations
+
+from dataclasses import dataclass
+from typing import Any, Callable, Sequence
+
+import numpy as np
+
+from quorin_libs.reading import Table
+from quorin_libs.utils import exportable_utils
+
+__all__ = ["ColumnProfile", "TableProfile", "profile_column", "profile_table"]
+
+Progress = Callable[[int, int], None]
+
+
+@dataclass(frozen=True)
+class ColumnProfile:
+    """What is known about one column.
+
+    Attributes
+    ----------
+    name : str
+    kind : str
+        The classifier's word: ``missing``, ``char_str`` (text), ``int_str`` (integers written as
+        text), ``float_str`` (decimal numbers written as text), or ``Unknown``.
+    markers : tuple of str
+        The listed markers that occur in the column.
+    new_markers : tuple of str
+        Texts that are on no list and that the column's other values give away as markers.
+    rows : int
+        Number of cells.
+    missing : int
+        Cells that hold one of ``markers`` or ``new_markers``.
+    distinct : int
+        Different values among the cells that are not missing.
+    date_like : bool
+        The values read as dates or times.
+    """
+
+    name: str
+    kind: str
+    markers: tuple[str, ...]
+    new_markers: tuple[str, ...]
+    rows: int
+    missing: int
+    distinct: int
+    date_like: bool
+
+    @property
+    def missing_share(self) -> float | None:
+        """Missing cells as a fraction of all cells; ``None`` for a column without rows."""
+        return self.missing / self.rows if self.rows else None
+
+    @property
+    def constant(self) -> bool:
+        """The column has rows and at most one value."""
+        return self.rows > 0 and self.distinct <= 1
+
+    @property
+    def unique(self) -> bool:
+        """Two or more cells hold a value, and no two of them the same."""
+        return self.distinct > 1 and self.distinct == self.rows - self.missing
+
+
+@dataclass(frozen=True)
+class TableProfile:
+    """The profiles of a table's columns, in the table's order, and where the table came from."""
+
+    source: str
+    delimiter: str
+    rows: int
+    columns: tuple[ColumnProfile, ...]
+    notes: tuple[str, ...] = ()
+
+
+def profile_table(
+    table: Table,
+    markers: Sequence[str] | None = None,
+    progress: Progress | None = None,
+) -> TableProfile:
+    """Profile every column of a table of texts.
+
+    Parameters
+    ----------
+    table : Table
+        As :func:`quorin_libs.read_table` returns it.
+    markers : sequence of str, optional
+        The texts that count as missing wherever they occur. By default the module's own list
+        ``global_missing_values_reference_list``: ``?``, the empty text and ``-``. An empty
+        sequence leaves only what the classifier discovers.
+    progress : callable, optional
+        Called as ``progress(done, total)`` before each column and after the last.
+
+    Returns
+    -------
+    TableProfile
+
+    Examples
+    --------
+    >>> import io
+    >>> from quorin_libs import read_table
+    >>> profile = profile_table(read_table(io.BytesIO(b"n\\n4\\n?\\n7\\n*\\n")))
+    >>> column = profile.columns[0]
+    >>> column.kind, column.markers, column.new_markers, column.missing
+    ('int_str', ('?',), ('*',), 2)
+    """
+    total = len(table.names)
+    profiles: list[ColumnProfile] = []
+    for name, column in zip(table.names, table.columns):
+        if progress is not None:
+            progress(len(profiles), total)
+        profiles.append(profile_column(name, column, markers))
+    if progress is not None:
+        progress(total, total)
+    return TableProfile(table.source, table.delimiter, table.rows, tuple(profiles), table.notes)
+
+
+def profile_column(
+    name: str, column: np.ndarray[Any, Any], markers: Sequence[str] | None = None
+) -> ColumnProfile:
+    """Profile one object array of ``str``; ``markers`` as for :func:`profile_table`.
+
+    Examples
+    --------
+    >>> import numpy as np
+    >>> profile_column("n", np.array(["1", "2", ""], dtype=object)).missing_share
+    0.3333333333333333
+    """
+    if len(column) == 0:
+        # The classifier needs a first row to look at. No row holds a value, so: missing.
+        return ColumnProfile(name, "missing", (), (), 0, 0, 0, False)
+    found, kind, statistics = exportable_utils.numpy_whatis(
+        column, _reference_list(markers), return_stats_flag=True
+    )
+    values = statistics["unique_values"].tolist()
+    counts = dict(zip(values, statistics["unique_values_counts"].tolist()))
+    # Listed markers were taken out before the distinct values were counted; new ones were not.
+    known = tuple(marker for marker in found if marker not in counts)
+    new = tuple(marker for marker in found if marker in counts)
+    return ColumnProfile(
+        name=name,
+        kind=kind,
+        markers=known,
+        new_markers=new,
+        rows=len(column),
+        missing=int(statistics["missing_mask"].sum()) + sum(counts[marker] for marker in new),
+        distinct=len(values) - len(new),
+        date_like=bool(statistics["datetime_column_flag"]),
+    )
+
+
+def _reference_list(markers: Sequence[str] | None) -> list[Any]:
+    if markers is None:
+        return list(exportable_utils.global_missing_values_reference_list)
+    # NaN matches no text. It keeps the list from being empty, which the classifier takes for
+    # "no list given" and then reports no mask.
+    return list(dict.fromkeys(markers)) or [np.nan]
