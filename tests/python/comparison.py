@@ -1,0 +1,172 @@
+"""Run the model and the module on the same arguments and say where they differ."""
+
+from __future__ import annotations
+
+import contextlib
+import io
+import logging
+import re
+import time
+import warnings
+from typing import Any, Dict, Iterator, List, Optional, Tuple
+
+import quorin_libs.utils.exportable_utils as module
+from description import Describer
+from recipes import call
+from reference import ns as model
+
+ADDRESS = re.compile(r"(?<= at )0x[0-9a-fA-F]{6,16}")
+TRACEBACK = "Traceback (most recent call last):\n"
+TAIL = "\nExiting ..."
+# Old numpy warns where its aliases of built-in types are looked up; both sides may avoid that.
+ALIAS = re.compile(r"`np\.(float|int|bool)` is a deprecated alias")
+
+
+class Tally:
+    """How many comparisons this process has made."""
+
+    cases = 0
+
+
+class Records(logging.Handler):
+    def __init__(self) -> None:
+        super().__init__(level=0)
+        self.seen: List[Tuple[str, str]] = []
+
+    def emit(self, record: logging.LogRecord) -> None:
+        self.seen.append((record.levelname, normal_text(record.getMessage())))
+
+
+class Clock:
+    """Stands for `time.time`: every reading is a quarter of a second later."""
+
+    def __init__(self) -> None:
+        self.now = 1000.0
+
+    def __call__(self) -> float:
+        self.now += 0.25
+        return self.now
+
+
+def normal_text(text: str) -> str:
+    """Without addresses, and of an appended traceback only its frame and its last line."""
+    if TRACEBACK in text and text.endswith(TAIL):
+        head, _, body = text[: -len(TAIL)].partition(TRACEBACK)
+        text = head + TRACEBACK + "..." + body.rstrip("\n").rpartition("\n")[2] + "\n" + TAIL
+    return ADDRESS.sub("0x?", text)
+
+
+@contextlib.contextmanager
+def replaced(namespace: Any, names: Dict[str, Any]) -> Iterator[None]:
+    """Put other objects under some names (`FC` or `FCplus.is_numerical`) for a while."""
+    before = []
+    for dotted, value in names.items():
+        owner, name = find_owner(namespace, dotted)
+        before.append((owner, name, vars(owner)[name]))
+        setattr(owner, name, value)
+    try:
+        yield
+    finally:
+        for owner, name, value in reversed(before):
+            setattr(owner, name, value)
+
+
+def find_owner(namespace: Any, dotted: str) -> Tuple[Any, str]:
+    owner, _, name = dotted.rpartition(".")
+    return (getattr(namespace, owner) if owner else namespace), name
+
+
+def find_routine(namespace: Any, dotted: str) -> Any:
+    owner, name = find_owner(namespace, dotted)
+    return getattr(owner, name)
+
+
+@contextlib.contextmanager
+def observed(frozen: bool) -> Iterator[Dict[str, Any]]:
+    """Collect what is printed, logged and warned about; stop the clock when asked to."""
+    seen: Dict[str, Any] = {}
+    records = Records()
+    root = logging.getLogger()
+    level, handlers = root.level, root.handlers
+    real_time = time.time
+    printed = io.StringIO()
+    try:
+        with contextlib.redirect_stdout(printed), warnings.catch_warnings(record=True) as warned:
+            warnings.simplefilter("always")
+            root.handlers = [records]
+            root.setLevel(logging.DEBUG)
+            if frozen:
+                time.time = Clock()  # type: ignore[assignment]
+            yield seen
+    finally:
+        time.time = real_time
+        root.handlers = handlers
+        root.setLevel(level)
+        seen["printed"] = normal_text(printed.getvalue())
+        seen["logged"] = records.seen
+        seen["warned"] = [
+            (w.category.__name__, normal_text(str(w.message)))
+            for w in warned
+            if not ALIAS.search(str(w.message))
+        ]
+
+
+def outcome(
+    namespace: Any,
+    name: str,
+    args: Tuple[Any, ...],
+    kwargs: Dict[str, Any],
+    trace: Optional[Any] = None,
+) -> Dict[str, Any]:
+    """All that one call shows: result or error, output, log, warnings, arguments afterwards."""
+    built_args, built_kwargs = call(args, kwargs)
+    describer = Describer()
+    describer.register(built_args, built_kwargs)
+    routine = find_routine(namespace, name)
+    names = {} if trace is None else trace.wrappers(namespace, describer)
+    result, error = None, None
+    with replaced(namespace, names):
+        routine = find_routine(namespace, name)
+        with observed(frozen="debug" in kwargs) as seen:
+            try:
+                result = routine(*built_args, **built_kwargs)
+            except Exception as e:
+                error = e
+    with warnings.catch_warnings():
+        warnings.simplefilter("ignore")
+        if error is not None:
+            seen["error"] = (type(error), normal_text(str(error)), len(error.args))
+        else:
+            seen["result"] = describer.describe(result)
+        seen["arguments"] = describer.describe((built_args, built_kwargs))
+    if trace is not None:
+        seen["calls"] = trace.take()
+    return seen
+
+
+def show_call(name: str, args: Tuple[Any, ...], kwargs: Dict[str, Any]) -> str:
+    parts = [repr(arg) for arg in args]
+    parts += ["{}={!r}".format(key, value) for key, value in kwargs.items()]
+    return "{}({})".format(name, ", ".join(parts))
+
+
+def compare(
+    name: str,
+    args: Tuple[Any, ...] = (),
+    kwargs: Optional[Dict[str, Any]] = None,
+    trace: Optional[Any] = None,
+) -> Dict[str, Any]:
+    """Fail unless model and module show the same; hand back what they show."""
+    kwargs = kwargs or {}
+    Tally.cases += 1
+    expected = outcome(model, name, args, kwargs, trace)
+    found = outcome(module, name, args, kwargs, trace)
+    if expected != found:
+        lines = [show_call(name, args, kwargs)]
+        for key in sorted(set(expected) | set(found)):
+            if expected.get(key) != found.get(key):
+                lines.append("  {}".format(key))
+                lines.append("    model:  {!r}".format(expected.get(key)))
+                lines.append("    module: {!r}".format(found.get(key)))
+        raise AssertionError("\n".join(lines))
+    return expected

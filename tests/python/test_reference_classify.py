@@ -1,0 +1,59 @@
+"""Model and module agree on the column classifier."""
+
+from __future__ import annotations
+
+from columns import array_layouts, columns, flags, marked, markers
+from comparison import compare
+from hypothesis import strategies as st
+from properties import property_test
+from tracing import Trace
+
+TEXT_KINDS = [
+    "numbers as text",
+    "numbers and lone signs",
+    "numbers and words",
+    "nearly numbers",
+    "words",
+    "any text",
+    "text and missing",
+]
+options = st.fixed_dictionaries(
+    {},
+    optional={
+        "stop_at_one_missing_value_flag": flags,
+        "use_dtype_str1_flag": flags,
+        "return_stats_flag": flags,
+    },
+)
+
+
+@property_test(weight=4, case=marked(columns(array_layouts, TEXT_KINDS)), more=options)
+def test_text_columns(case, more):
+    X, values = case
+    compare("numpy_whatis", (X, values), more)
+    compare("numpy_whatis", (X, values, False, False, False))
+
+
+@property_test(weight=4, case=marked(), more=options, traced=st.booleans())
+def test_any_column(case, more, traced):
+    X, values = case
+    trace = Trace() if traced else None
+    compare("numpy_whatis", (X,), trace=trace)
+    compare("numpy_whatis", (X, values), more, trace=trace)
+    known = {"return_stats_flag": True, "use_dtype_str1_flag": False}
+    compare("numpy_whatis", (X, values or ["?"]), known)
+
+
+@property_test(
+    weight=1, case=marked(markers=markers), more=options, debug=flags, traced=st.booleans()
+)
+def test_messages(case, more, debug, traced):
+    X, values = case
+    trace = Trace() if traced else None
+    compare("numpy_whatis", (X, values), dict(more, debug=debug), trace)
+    compare("numpy_whatis", (X,), {"debug": True})
+
+
+@property_test(weight=1, X=columns(array_layouts, TEXT_KINDS), answer=flags, stats=flags)
+def test_date_answer_is_handed_on(X, answer, stats):
+    compare("numpy_whatis", (X, ["?"]), {"return_stats_flag": stats}, Trace(["FC"]))

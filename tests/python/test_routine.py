@@ -1,0 +1,495 @@
+"""The routine object: what it says of itself, how it is called, kept, copied and bound."""
+
+from __future__ import annotations
+
+import copy
+import functools
+import inspect
+import pickle
+import pydoc
+import textwrap
+import types
+import typing
+import weakref
+
+import numpy as np
+import pytest
+import quorin_libs.utils.exportable_utils as eu
+from fresh import run_fresh
+from interface_table import MODULE, PRESENT, REQUIRED, routine, row_id, stored
+
+every_routine = pytest.mark.parametrize("row", PRESENT, ids=row_id)
+STATIC = [row for row in PRESENT if row.static]
+
+
+@every_routine
+def test_names(row):
+    found = routine(eu, row)
+    assert found.__name__ == row.name
+    assert found.__qualname__ == row.qualname
+    assert found.__module__ == MODULE
+
+
+@every_routine
+def test_docstring(row):
+    doc = routine(eu, row).__doc__
+    assert isinstance(doc, str)
+    assert doc.strip()
+
+
+@every_routine
+def test_defaults(row):
+    defaults = routine(eu, row).__defaults__
+    assert defaults == row.defaults
+    assert [type(value) for value in defaults or ()] == [type(d) for d in row.defaults or ()]
+
+
+@every_routine
+def test_annotations(row):
+    annotations = routine(eu, row).__annotations__
+    assert type(annotations) is dict
+    assert list(annotations) == list(row.annotations)
+    for name, value in row.annotations.items():
+        assert annotations[name] is value or annotations[name] == value == "set"
+
+
+@every_routine
+def test_type_hints(row):
+    hints = {name: set if value == "set" else value for name, value in row.annotations.items()}
+    assert typing.get_type_hints(routine(eu, row)) == hints
+
+
+@every_routine
+def test_signature_parameters(row):
+    parameters = inspect.signature(routine(eu, row)).parameters
+    assert list(parameters) == row.names
+    for name, default in row.parameters:
+        expected = inspect.Parameter.empty if default is REQUIRED else default
+        assert parameters[name].default is expected or parameters[name].default == expected
+        kinds = inspect.Parameter
+        expected = kinds.POSITIONAL_ONLY if row.one else kinds.POSITIONAL_OR_KEYWORD
+        assert parameters[name].kind is expected
+
+
+@every_routine
+def test_signature_annotations(row):
+    signature = inspect.signature(routine(eu, row))
+    empty = inspect.Parameter.empty
+    for name in row.names:
+        assert signature.parameters[name].annotation == row.annotations.get(name, empty)
+    assert signature.return_annotation == row.annotations.get("return", empty)
+
+
+@every_routine
+def test_signature_through_the_class(row):
+    owner = eu if row.owner == "module" else getattr(eu, row.owner)
+    assert inspect.signature(getattr(owner, row.name)) == inspect.signature(routine(eu, row))
+
+
+@every_routine
+def test_help(row):
+    found = routine(eu, row)
+    assert inspect.isroutine(found)
+    text = pydoc.plain(pydoc.render_doc(found))
+    assert row.name + "".join(str(inspect.signature(found)).split()) in "".join(text.split())
+    assert inspect.getdoc(found).splitlines()[0] in text
+
+
+def test_help_of_the_module_lists_every_routine():
+    text = pydoc.plain(pydoc.render_doc(eu))
+    for row in PRESENT:
+        assert row.name + "(" in text
+
+
+@every_routine
+def test_repr_names_the_routine(row):
+    assert row.name in repr(routine(eu, row))
+
+
+@every_routine
+def test_pickle(row):
+    found = routine(eu, row)
+    for protocol in range(pickle.HIGHEST_PROTOCOL + 1):
+        data = pickle.dumps(found, protocol)
+        assert pickle.loads(data) is found
+        assert pickle._loads(data) is found
+        assert pickle._loads(pickle._dumps(found, protocol)) is found
+
+
+def test_unpickling_imports_the_module(tmp_path):
+    found = [routine(eu, row) for row in PRESENT]
+    code = """
+    import pickle
+    answer([routine.__qualname__ for routine in pickle.loads({!r})])
+    """
+    for protocol in (0, pickle.HIGHEST_PROTOCOL):
+        names = run_fresh(code.format(pickle.dumps(found, protocol)), tmp_path)
+        assert names == [row.qualname for row in PRESENT]
+
+
+@every_routine
+def test_copy(row):
+    found = routine(eu, row)
+    assert copy.copy(found) is found
+    assert copy.deepcopy([found]) == [found]
+    assert copy.deepcopy(found) is found
+
+
+@every_routine
+def test_weak_references(row):
+    found = routine(eu, row)
+    reference = weakref.ref(found)
+    assert reference() is found
+    assert weakref.ref(found) is reference
+
+
+@every_routine
+def test_hash_and_equality(row):
+    found = routine(eu, row)
+    assert hash(found) == hash(found)
+    assert {found: row.number}[found] == row.number
+    assert [other.number for other in PRESENT if routine(eu, other) == found] == [row.number]
+
+
+@every_routine
+def test_callable_and_no_instance_needed(row):
+    assert callable(routine(eu, row))
+    owner = eu if row.owner == "module" else getattr(eu, row.owner)
+    assert getattr(owner, row.name) is routine(eu, row)
+
+
+@pytest.mark.parametrize("row", STATIC, ids=row_id)
+def test_static_method_is_the_same_object_through_class_and_instance(row):
+    owner = getattr(eu, row.owner)
+    found = stored(eu, row).__func__
+    assert getattr(owner, row.name) is found
+    if owner is eu.FCplus:
+        assert getattr(owner(), row.name) is found
+    assert getattr(type("Derived", (owner,), {}), row.name) is found
+
+
+@every_routine
+def test_wrapping(row):
+    found = routine(eu, row)
+    wrapper = functools.wraps(found)(lambda *args: args)
+    assert (wrapper.__name__, wrapper.__qualname__) == (row.name, row.qualname)
+    assert wrapper.__doc__ == found.__doc__
+    assert wrapper.__annotations__ == row.annotations
+    assert wrapper.__wrapped__ is found
+    assert inspect.signature(wrapper) == inspect.signature(found)
+
+
+# Binding.
+
+
+class Holder:
+    setValueOrDefault = eu.setValueOrDefault
+    isint = eu.isint
+    indicator_mask = eu.indicator_mask
+
+    def __int__(self):
+        return 7
+
+
+def test_bound_where_it_is_stored_bare_in_a_class():
+    holder = Holder()
+    bound = holder.setValueOrDefault
+    assert isinstance(bound, types.MethodType)
+    assert bound.__self__ is holder
+    assert bound.__func__ is eu.setValueOrDefault
+    assert bound() is holder
+    assert bound(5) is holder
+    assert bound(def_value=5) is holder
+    assert holder.isint() is True
+    assert Holder.setValueOrDefault is eu.setValueOrDefault
+    assert Holder.setValueOrDefault(None, 5) == 5
+    assert inspect.ismethod(bound)
+    assert list(inspect.signature(bound).parameters) == ["def_value"]
+
+
+@pytest.mark.parametrize(
+    "call, text",
+    [
+        (
+            lambda h: h.setValueOrDefault(1, 2),
+            "setValueOrDefault() takes at most 2 positional arguments (3 given)",
+        ),
+        (
+            lambda h: h.setValueOrDefault(variable=1),
+            "setValueOrDefault() got multiple values for keyword argument 'variable'",
+        ),
+        (
+            lambda h: h.setValueOrDefault(other=1),
+            "setValueOrDefault() got an unexpected keyword argument 'other'",
+        ),
+        (
+            lambda h: h.indicator_mask(),
+            "indicator_mask() takes exactly 2 positional arguments (1 given)",
+        ),
+        (lambda h: h.isint(1), "isint() takes exactly one argument (2 given)"),
+        (lambda h: h.isint(value=1), "isint() takes no keyword arguments"),
+    ],
+)
+def test_wrong_calls_of_bound_routines_count_the_instance(call, text):
+    with pytest.raises(TypeError) as caught:
+        call(Holder())
+    assert str(caught.value) == text
+
+
+def test_descriptor_protocol():
+    holder = Holder()
+    get = type(eu.isint).__get__
+    assert get(eu.isint, holder, Holder).__self__ is holder
+    assert get(eu.isint, None, Holder) is eu.isint
+
+
+# Calls that succeed: every way of writing the arguments reaches the same parameters.
+
+
+class Text(str):
+    pass
+
+
+def spelled(name):
+    """An equal text that is another object, as a keyword from a file would be."""
+    return "".join(list(name))
+
+
+@pytest.mark.parametrize(
+    "args, kwargs, expected",
+    [
+        ((1,), {}, 1),
+        ((1, 2), {}, 1),
+        ((None, 2), {}, 2),
+        ((None,), {}, None),
+        ((None,), {"def_value": 2}, 2),
+        ((), {"variable": None, "def_value": 2}, 2),
+        ((), {"def_value": 2, "variable": None}, 2),
+        ((), {"variable": 1}, 1),
+        ((None,), {spelled("def_value"): 2}, 2),
+        ((None,), {Text("def_value"): 2}, 2),
+    ],
+)
+def test_positional_or_keyword(args, kwargs, expected):
+    call = eu.setValueOrDefault
+    assert call(*args, **kwargs) == expected
+    assert call.__call__(*args, **kwargs) == expected
+    assert functools.partial(call, *args)(**kwargs) == expected
+    assert functools.partial(call, **kwargs)(*args) == expected
+
+
+def test_written_calls():
+    call = eu.setValueOrDefault
+    assert call(None, 2) == 2
+    assert call(None, def_value=2) == 2
+    assert call(variable=None, def_value=2) == 2
+    assert call(def_value=2, variable=None) == 2
+    assert call(*[None], def_value=2) == 2
+    assert call(None, **{"def_value": 2}) == 2
+
+
+def test_calls_from_c():
+    assert list(map(eu.isint, ["1", "x", 2.5])) == [True, False, True]
+    assert list(map(eu.setValueOrDefault, [None, 1], [2, 3])) == [2, 1]
+    assert list(filter(eu.isfloat, ["1.5", "x"])) == ["1.5"]
+    assert sorted(["x", "1"], key=eu.isint) == ["x", "1"]
+    assert np.vectorize(eu.isint)(["1", "x"]).tolist() == [True, False]
+
+
+ENDLESS = {
+    "through a slot": """
+        class Endless: __int__ = eu.isint
+        call = lambda: eu.isint(Endless())
+        """,
+    "through a float slot": """
+        class Endless: __float__ = eu.isfloat
+        call = lambda: eu.isfloat(Endless())
+        """,
+    "through a partial": """
+        eu.numpy_flatten_column = functools.partial(eu.numpy_isin, values_reference_list=[1])
+        call = lambda: eu.numpy_isin([1], [1])
+        """,
+    "through the class": """
+        eu.FC = eu.FCplus
+        eu.FCplus.is_epoch = staticmethod(eu.FCplus.is_column_epoch)
+        call = lambda: eu.FCplus.is_column_epoch(1)
+        """,
+}
+
+
+@pytest.mark.parametrize("how", sorted(ENDLESS))
+def test_endless_recursion_is_an_error(tmp_path, how):
+    head = "import functools\nimport {} as eu\n".format(MODULE)
+    tail = """
+    try:
+        call()
+    except RecursionError as error:
+        answer(str(error))
+    """
+    code = head + textwrap.dedent(ENDLESS[how]) + textwrap.dedent(tail)
+    assert run_fresh(code, tmp_path).startswith("maximum recursion depth exceeded")
+
+
+def test_six_parameters_in_any_spelling(monkeypatch):
+    seen = []
+    monkeypatch.setattr(eu.np, "unique", lambda *args: seen.append(args))
+    y = np.array([1])
+    eu.get_unique_values(y, None, 1, 2, 3, True)
+    eu.get_unique_values(return_counts=3, return_inverse=2, return_index=1, y=y)
+    eu.get_unique_values(y, [], 1, return_counts=3, return_inverse=2)
+    assert seen == [(y, 1, 2, 3)] * 3
+
+
+@every_routine
+def test_arguments_are_not_kept(row):
+    """A call that is refused leaves its keyword dictionary as it was."""
+    kwargs = {"unexpected": 1}
+    with pytest.raises(TypeError):
+        routine(eu, row)(*[0] * row.required, **kwargs)
+    assert kwargs == {"unexpected": 1}
+
+
+# Wrong calls.
+
+
+def count_text(row, given):
+    if given < row.required:
+        expected, word = row.required, "at least"
+    else:
+        expected, word = len(row.parameters), "at most"
+    if row.required == len(row.parameters):
+        word = "exactly"
+    return "{}() takes {} {} positional argument{} ({} given)".format(
+        row.name, word, expected, "" if expected == 1 else "s", given
+    )
+
+
+def wrong_calls_of_one_parameter(row):
+    yield (), {}, row.name + "() takes exactly one argument (0 given)"
+    yield (1, 2), {}, row.name + "() takes exactly one argument (2 given)"
+    yield (1, 2, 3), {}, row.name + "() takes exactly one argument (3 given)"
+    yield (), {row.names[0]: 1}, row.name + "() takes no keyword arguments"
+    yield (1,), {row.names[0]: 1}, row.name + "() takes no keyword arguments"
+    yield (1,), {"unexpected": 1}, row.name + "() takes no keyword arguments"
+
+
+def wrong_calls_of_more(row):
+    names, size, required = row.names, len(row.parameters), row.required
+    for given in range(required):
+        yield (0,) * given, {}, count_text(row, given)
+        yield (0,) * given, {"unexpected": 1}, count_text(row, given)
+        optional = {name: 0 for name in names[required:]}
+        yield (0,) * given, optional, count_text(row, given)
+        for missing in range(given, required):
+            others = names[given:missing] + names[missing + 1 :]
+            yield (0,) * given, {name: 0 for name in others}, count_text(row, missing)
+            others = names[given:missing] + ["unexpected"]
+            yield (0,) * given, {name: 0 for name in others}, count_text(row, missing)
+    for given in (size + 1, size + 3):
+        yield (0,) * given, {}, count_text(row, given)
+        yield (0,) * given, {names[0]: 0}, count_text(row, given)
+    for keyword in ("unexpected", names[0] + "_", names[-1].upper() + "x", "\u00e4\u20ac", ""):
+        text = "{}() got an unexpected keyword argument '{}'".format(row.name, keyword)
+        yield (0,) * required, {keyword: 1}, text
+        yield (0,) * size, {keyword: 1}, text
+        every = {name: 0 for name in names}
+        every[keyword] = 1
+        yield (), every, text
+    for index, name in enumerate(names):
+        text = "{}() got multiple values for keyword argument '{}'".format(row.name, name)
+        yield (0,) * max(required, index + 1), {name: 1}, text
+        yield (0,) * size, {spelled(name): 1}, text
+
+
+WRONG_CALLS = [
+    (row, args, kwargs, text)
+    for row in PRESENT
+    for args, kwargs, text in (
+        wrong_calls_of_one_parameter(row) if row.one else wrong_calls_of_more(row)
+    )
+]
+
+
+def written(call, args, kwargs):
+    """Call as source code would, with the keywords written out."""
+    if not all(name.isidentifier() for name in kwargs):
+        return call(*args, **kwargs)
+    words = ["a[{}]".format(i) for i in range(len(args))]
+    words += ["{0}=k[{0!r}]".format(name) for name in kwargs]
+    return eval("call({})".format(", ".join(words)), {"call": call, "a": args, "k": kwargs})
+
+
+SHAPES = {
+    "unpacked": lambda call, args, kwargs: call(*args, **kwargs),
+    "written": written,
+    "partial": lambda call, args, kwargs: functools.partial(call, *args, **kwargs)(),
+    "partial keywords": lambda call, args, kwargs: functools.partial(call, **kwargs)(*args),
+    "slot": lambda call, args, kwargs: call.__call__(*args, **kwargs),
+}
+
+
+@pytest.mark.parametrize("shape", sorted(SHAPES))
+@every_routine
+def test_wrong_calls(row, shape):
+    calls = [wrong for wrong in WRONG_CALLS if wrong[0] is row]
+    assert calls
+    for _, args, kwargs, text in calls:
+        with pytest.raises(TypeError) as caught:
+            SHAPES[shape](routine(eu, row), args, kwargs)
+        assert str(caught.value) == text, (args, kwargs)
+
+
+@pytest.mark.parametrize(
+    "call, text",
+    [
+        (
+            lambda: eu.numpy_select_columns(),
+            "numpy_select_columns() takes exactly 2 positional arguments (0 given)",
+        ),
+        (
+            lambda: eu.numpy_select_columns(columns_indices_list=[0]),
+            "numpy_select_columns() takes exactly 2 positional arguments (0 given)",
+        ),
+        (
+            lambda: eu.numpy_select_columns(X=[0], other=1),
+            "numpy_select_columns() takes exactly 2 positional arguments (1 given)",
+        ),
+        (
+            lambda: eu.setValueOrDefault(),
+            "setValueOrDefault() takes at least 1 positional argument (0 given)",
+        ),
+        (
+            lambda: eu.setValueOrDefault(1, 2, 3),
+            "setValueOrDefault() takes at most 2 positional arguments (3 given)",
+        ),
+        (
+            lambda: eu.numpy_whatis(debug=True),
+            "numpy_whatis() takes at least 1 positional argument (0 given)",
+        ),
+        (
+            lambda: eu.QSR_raise_exception(1, 2, 3, 4, 5, 6),
+            "QSR_raise_exception() takes at most 5 positional arguments (6 given)",
+        ),
+        (
+            lambda: eu.FCplus.is_column_longitude(name="x"),
+            "is_column_longitude() takes at least 1 positional argument (0 given)",
+        ),
+        (
+            lambda: eu.FCplus.is_column_epoch(column=[]),
+            "is_column_epoch() takes no keyword arguments",
+        ),
+    ],
+)
+def test_wrong_calls_spelled_out(call, text):
+    with pytest.raises(TypeError) as caught:
+        call()
+    assert str(caught.value) == text
+
+
+@pytest.mark.parametrize("row", [r for r in PRESENT if not r.one], ids=row_id)
+@pytest.mark.parametrize("key", [1, None, b"X", ("X",)])
+@pytest.mark.parametrize("shape", ["unpacked", "slot"])
+def test_keywords_must_be_texts(row, key, shape):
+    with pytest.raises(TypeError) as caught:
+        SHAPES[shape](routine(eu, row), (0,) * row.required, {key: 2})
+    assert str(caught.value) == "keywords must be strings"
