@@ -1,0 +1,109 @@
+# make run         profile the example table
+# make test        the kernel tests, the whole Python suite, the examples in docstrings
+# make lint        every formatter, linter and type checker; each must be silent
+# make matrix      the suite on every CPython from 3.7 on that this machine has (ROWS="3.7.16 3.13.0")
+# make asan        the suites under AddressSanitizer and UndefinedBehaviorSanitizer
+# make coverage    the suites under gcov; fails below COVERAGE_MIN per cent of the lines of src/
+# make fuzz        the property tests with CASES examples each (and another SEED, if one is given)
+# make format      rewrite the sources as `make lint` wants them
+# make clean       remove everything that was made here
+#
+# Needed: Python 3.7 or later with venv, a C++20 compiler, PyPI. All else is fetched into .venv.
+
+PYTHON ?= python3
+COVERAGE_MIN ?= 95
+CASES ?= 10000
+SEED ?=
+ROWS ?=
+PYTEST_ARGS ?=
+
+VENV := .venv
+BIN := $(VENV)/bin
+export PATH := $(CURDIR)/$(BIN):$(PATH)
+export PIP_DISABLE_PIP_VERSION_CHECK := 1
+
+.DELETE_ON_ERROR:
+.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-tidy format matrix asan coverage fuzz clean
+$(shell mkdir -p build)
+
+SOURCES := $(shell find src -name "*.cpp" -o -name "*.hpp")
+CXX_FILES := $(SOURCES) $(wildcard tests/kernels/*.[ch]pp)
+
+# ---- the environment, a stamp for each layer --------------------------------------------------
+
+$(VENV)/.tools: pyproject.toml scripts/requirements.py
+	test -x $(BIN)/python || $(PYTHON) -m venv $(VENV)
+	$(BIN)/python scripts/requirements.py build > $(VENV)/build.txt
+	$(BIN)/python -m pip install --quiet --requirement $(VENV)/build.txt
+	touch $@
+
+# An editable install: the package's Python files are used where they lie, so only a change of what
+# is compiled asks for a new one. It works from any directory, this checkout included. No build
+# isolation and a lasting build directory, so that only what changed is compiled.
+$(VENV)/.package: $(VENV)/.tools CMakeLists.txt $(SOURCES)
+	SKBUILD_BUILD_DIR=build/editable $(BIN)/python -m pip install --quiet --no-build-isolation --editable .
+	touch $@
+
+$(VENV)/.test $(VENV)/.dev: $(VENV)/.%: $(VENV)/.tools
+	$(BIN)/python scripts/requirements.py $* > $(VENV)/$*.txt
+	$(BIN)/python -m pip install --quiet --requirement $(VENV)/$*.txt
+	touch $@
+
+# ---- using it ---------------------------------------------------------------------------------
+
+run: $(VENV)/.package
+	$(BIN)/quorin-profile examples/elements.csv
+
+test: $(VENV)/.package $(VENV)/.test kernels
+	$(BIN)/pytest $(PYTEST_ARGS)
+	$(BIN)/pytest --doctest-modules --pyargs quorin_libs
+
+kernels: $(VENV)/.tools
+	cmake --preset kernels > build/kernels.log || { cat build/kernels.log; exit 1; }
+	cmake --build --preset kernels
+	build/kernels/tests/kernels/kernel_tests
+
+fuzz: $(VENV)/.package $(VENV)/.test
+	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) \
+	  $(BIN)/pytest $(wildcard tests/python/test_reference_*.py) $(PYTEST_ARGS)
+
+matrix:
+	scripts/matrix $(ROWS)
+
+# ---- instrumented builds ----------------------------------------------------------------------
+
+asan: $(VENV)/.package $(VENV)/.test
+	scripts/staged_suite asan
+
+coverage: $(VENV)/.package $(VENV)/.test $(VENV)/.dev
+	scripts/staged_suite coverage
+	$(BIN)/gcovr --root . --filter src/ --object-directory build/coverage \
+	  --merge-lines --exclude-throw-branches --print-summary --fail-under-line $(COVERAGE_MIN)
+
+# ---- looks ------------------------------------------------------------------------------------
+
+# Apart from each other, so that `make -k lint` shows what each of them has to say.
+lint: lint-ruff lint-format lint-types lint-tidy
+
+lint-ruff: $(VENV)/.dev
+	$(BIN)/ruff check .
+
+lint-format: $(VENV)/.dev
+	$(BIN)/ruff format --check .
+	$(BIN)/clang-format --dry-run -Werror $(CXX_FILES)
+
+lint-types: $(VENV)/.package $(VENV)/.dev
+	$(BIN)/mypy
+
+lint-tidy: $(VENV)/.tools $(VENV)/.dev
+	cmake --preset dev > build/dev.log || { cat build/dev.log; exit 1; }
+	scripts/tidy build/dev
+
+format: $(VENV)/.dev
+	$(BIN)/ruff check --fix .
+	$(BIN)/ruff format .
+	$(BIN)/clang-format -i $(CXX_FILES)
+
+clean:
+	rm -rf $(VENV) build dist .pytest_cache .mypy_cache .ruff_cache .hypothesis
+	find quorin_libs tests scripts -name __pycache__ -type d -prune -exec rm -rf {} +
