@@ -1,5 +1,6 @@
 // The module's entry and its start-up: everything is bound in the order in which it stands here.
 #include "classify/classify.hpp"
+#include "dataset/dataset.hpp"
 #include "features/features.hpp"
 #include "frame/frame.hpp"
 #include "interp/errors.hpp"
@@ -22,14 +23,22 @@ using Routines = std::span<const Definition* const>;
 constexpr const Definition* module_routines[] = {
     &transform::numpy_select_columns,
     &transform::numpy_flatten_column,
+    &transform::numpy_replace_values,
     &transform::numpy_permute_array,
     &transform::numpy_floatstr2float,
     &frame::setValueOrDefault,
     &transform::numpy_boolean2float,
+    &transform::compress_string,
+    &transform::compress_str_column,
     &transform::convert_float32,
+    &classify::numpy_get_categories_into_list,
     &classify::numpy_whatis,
+    &classify::numpy_get_categories,
     &transform::numpy_remove_second_dim,
     &frame::isint,
+    &classify::numpy_is_column_monotonic_increasing,
+    &classify::numpy_is_column_monotonic_decreasing,
+    &classify::numpy_isintstr,
     &missing::numpy_compute_missing_indicator,
     &missing::numpy_isin,
     &missing::indicator_mask,
@@ -37,16 +46,54 @@ constexpr const Definition* module_routines[] = {
     &frame::isfloat,
     &transform::numpy_column_float2str,
     &frame::QSR_raise_exception,
+    &transform::numpy_putmask,
 };
 
 constexpr const Definition* fcplus_methods[] = {
+    &features::is_column_datetime,
+    &features::is_num_column_categorical,
+    &features::is_column_categorical,
+    &features::find_categorical_columns,
+    &features::is_numerical,
+    &features::find_numerical_columns,
+    &features::is_dataset_for_classification,
+    &features::is_dataset_preprocessed,
+    &features::is_dataset_missing,
+    &features::get_dataset_missing_columns,
+    &features::is_dataset_numeric,
+    &features::get_dataset_non_numeric_columns,
+    &features::check_statistics,
+    &features::is_column_missing,
+    &features::is_column_sex,
+    &features::is_column_height,
+    &features::is_column_weight,
+    &features::is_column_age,
+    &features::is_column_timestamp,
+    &features::is_column_positive,
+    &features::is_column_non_negative,
+    &features::is_column_not_all_non_negative,
+    &features::is_column_lt80pc_unique_int,
     &features::is_column_constant,
+    &features::is_column_categorical_mult_cats,
+    &features::is_column_not_categorical,
+    &features::is_column_string,
     &features::is_column_string_in_datetime_format,
     &features::is_column_epoch,
     &features::is_column_longitude,
     &features::is_column_latitude,
     &features::is_column_distance,
+    &features::getClasses,
 };
+
+constexpr const Definition* routines_between_classes[] = {&classify::numpy_is_column_datetime};
+
+constexpr const Definition* datasets_methods[] = {
+    &dataset::init_from_file,
+    &dataset::init_from_table,
+    &dataset::AddNewColumns,
+};
+
+constexpr const Definition* datasets_static_methods[] = {&dataset::GetTargetType};
 
 // import <module> as <name>
 void import_module(Object names, const char* module, Name name) {
@@ -81,16 +128,16 @@ void import_everything(Object names) {
     connect_numpy();
 }
 
-// Binds each routine under its own name; one of a name that is there already takes its place.
-void define(Object names, Routines routines) {
-    for (const Definition* routine : routines) {
-        const Ref name = Ref::take(PyUnicode_InternFromString(routine->name));
-        set_item(names, name, make_routine(*routine, nullptr));
-    }
-}
+enum class Stored { bare, as_static_method };
 
-Ref as_static_method(const Ref& routine) {
-    return Object(&PyStaticMethod_Type)({routine});
+// Binds each routine under its own name; one of a name that is there already takes its place.
+void define(Object names, Routines routines, const char* owner = nullptr, Stored stored = Stored::bare) {
+    for (const Definition* definition : routines) {
+        const Ref name = Ref::take(PyUnicode_InternFromString(definition->name));
+        Ref routine = make_routine(*definition, owner);
+        if (stored == Stored::as_static_method) routine = Object(&PyStaticMethod_Type)({routine});
+        set_item(names, name, routine);
+    }
 }
 
 // The names that a class statement starts with.
@@ -108,15 +155,15 @@ void define_class(Object names, Name name, Object members) {
 
 void define_fcplus(Object names) {
     const Ref members = class_names(names, "FCplus"_py, "Tests of what a column or a whole table holds."_py);
-    for (const Definition* method : fcplus_methods) {
-        const Ref name = Ref::take(PyUnicode_InternFromString(method->name));
-        set_item(members, name, as_static_method(make_routine(*method, "FCplus")));
-    }
+    define(members, fcplus_methods, "FCplus", Stored::as_static_method);
     define_class(names, "FCplus"_py, members);
 }
 
 void define_datasets(Object names) {
-    define_class(names, "DatasetS"_py, class_names(names, "DatasetS"_py, "Holder of one table."_py));
+    const Ref members = class_names(names, "DatasetS"_py, "Holder of one table."_py);
+    define(members, datasets_methods, "DatasetS");
+    define(members, datasets_static_methods, "DatasetS", Stored::as_static_method);
+    define_class(names, "DatasetS"_py, members);
 }
 
 void start_up(Object names) {
@@ -127,6 +174,7 @@ void start_up(Object names) {
     ready_routine_type();
     define(names, module_routines);
     define_fcplus(names);
+    define(names, routines_between_classes);
     define_datasets(names);
     set_item(names, "__test__"_py, Ref::take(PyDict_New()));
 }
@@ -176,8 +224,15 @@ PyModuleDef_Slot slots[] = {
 };
 
 PyModuleDef module_definition = {
-    PyModuleDef_HEAD_INIT, "exportable_utils", "Column profiling for automated machine learning.",
-    0, nullptr, slots, nullptr, nullptr, nullptr,
+    PyModuleDef_HEAD_INIT,
+    "exportable_utils",
+    "Column profiling for automated machine learning.",
+    0,
+    nullptr,
+    slots,
+    nullptr,
+    nullptr,
+    nullptr,
 };
 
 }  // namespace

@@ -9,13 +9,13 @@ Ref elapsed_since(Object stamp) {
 }
 
 Ref rows_of(Object column) {
-    return text_of(item(column.attr("shape"_py), 0));
+    return text_of(row_count(column));
 }
 
 }  // namespace
 
 Ref capped_rows(Object column) {
-    Ref rows = item(column.attr("shape"_py), 0);
+    Ref rows = row_count(column);
     return less(50, rows) ? whole(50) : std::move(rows);
 }
 
@@ -40,8 +40,7 @@ void Progress::scan_ends(Object XX) const {
 
 void Progress::datetime_starts(Object check_limit) {
     if (!wanted()) return;
-    print(concat(
-        {"numpy_whatis():Starting checking datetime property  on"_py, text_of(check_limit), " rows"_py}));
+    print(concat({"numpy_whatis():Starting checking datetime property  on"_py, text_of(check_limit), " rows"_py}));
     datetime_start_time_ = now();
 }
 

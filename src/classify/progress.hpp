@@ -13,7 +13,7 @@ class Progress {
   public:
     explicit Progress(Object debug) : debug_(debug) {}
 
-    void column(Object X);                    // the first rows; the clock of the whole call starts
+    void column(Object X);  // the first rows; the clock of the whole call starts
     void scan_starts(Object XX);
     void scan_ends(Object XX) const;
     void datetime_starts(Object check_limit);

@@ -36,7 +36,7 @@ Scan::Scan(Object missing_rows)
 }
 
 void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
-    const Py_ssize_t values = count(item(XX.attr("shape"_py), 0));
+    const Py_ssize_t values = count(row_count(XX));
     for (Py_ssize_t i = 0; i < values; ++i) {
         const Ref elt = item(XX, i);
         if (is_instance(elt, global("six"_py).attr("string_types"_py))) {

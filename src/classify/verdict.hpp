@@ -6,7 +6,7 @@
 namespace quorin::classify {
 
 struct Verdict {
-    Kind dtype_str1;                                      // by the counts
+    Kind dtype_str1;                                     // by the counts
     bool start_missing_string_values_list_flag = false;  // number text was preferred to text
 };
 

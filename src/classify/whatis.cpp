@@ -108,8 +108,8 @@ Examples
 >>> numpy_whatis(np.array(["1", "2", "*", "", "30"], dtype=object), ["?", "", "-", np.nan])
 (['', '*'], 'int_str')
 )",
-    .body = [](Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag,
-               Object debug, Object use_dtype_str1_flag, Object return_stats_flag) -> Ref {
+    .body = [](Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug,
+               Object use_dtype_str1_flag, Object return_stats_flag) -> Ref {
         Progress progress(debug);
         progress.column(column);
         Ref X = global("numpy_flatten_column"_py)({column});
@@ -119,20 +119,17 @@ Examples
 
         const Parted parted = part(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         const Ref& XX = parted.XX;
-        const Ref rows = item(parted.X_non_missing.attr("shape"_py), 0);
-        const Kind initial = equal(rows, 0) ? Kind::missing : Kind::unknown;
-        const bool unique_values_column_flag =
-            equal(item(XX.attr("shape"_py), 0), item(parted.X_non_missing.attr("shape"_py), 0));
-        const bool constant_column_flag = equal(item(XX.attr("shape"_py), 0), 1) || initial == Kind::missing;
+        const Kind initial = equal(row_count(parted.X_non_missing), 0) ? Kind::missing : Kind::unknown;
+        const bool unique_values_column_flag = equal(row_count(XX), row_count(parted.X_non_missing));
+        const bool constant_column_flag = equal(row_count(XX), 1) || initial == Kind::missing;
 
-        Scan scan(subtract(item(X.attr("shape"_py), 0), item(parted.X_non_missing.attr("shape"_py), 0)));
+        Scan scan(subtract(row_count(X), row_count(parted.X_non_missing)));
         scan.dtype_str = initial;
         progress.scan_starts(XX);
         scan.run(XX, parted.xx_xounts, missing_values_list);
         progress.scan_ends(XX);
 
-        const Kind dtype_str =
-            scan.found_float_str_flag && scan.found_int_str_flag ? Kind::float_str : scan.dtype_str;
+        const Kind dtype_str = scan.found_float_str_flag && scan.found_int_str_flag ? Kind::float_str : scan.dtype_str;
         const Verdict verdict = decide(scan, initial);
         const bool by_counts = truth(use_dtype_str1_flag);
         const Ref dtype_str_final = Ref::share(text(by_counts ? verdict.dtype_str1 : dtype_str).text);

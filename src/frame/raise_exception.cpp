@@ -15,8 +15,8 @@ Ref formatted_traceback(Object exception) {
 #if PY_VERSION_HEX >= 0x030A0000
     const Ref lines = traceback.call("format_exception"_py, {type, exception, entries});
 #else
-    const Ref lines = traceback.call("format_exception"_py, {},
-                                     {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
+    const Ref lines =
+        traceback.call("format_exception"_py, {}, {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
 #endif
     return Object(""_py.text).call("join"_py, {lines});
 }

@@ -15,8 +15,7 @@ using kernels::NumberText;
 NumberText number_text(Object text) {
     const Characters characters = characters_of(text.get());
     if (characters.data == nullptr) throw PythonError(Where::current());
-    return kernels::classify_number(
-        {characters.data, static_cast<std::size_t>(characters.length), characters.width});
+    return kernels::classify_number({characters.data, static_cast<std::size_t>(characters.length), characters.width});
 }
 
 // The answer of a conversion that has been tried: a ValueError says no, any other exception is the caller's.
@@ -34,6 +33,7 @@ bool int_accepts(Object value) {
     }
     if (PyLong_CheckExact(value.get())) return true;
     if (PyFloat_CheckExact(value.get()) && std::isfinite(PyFloat_AS_DOUBLE(value.get()))) return true;
+    const RecursionGuard guard;
     return accepted(PyNumber_Long(value.get()));
 }
 
@@ -43,6 +43,7 @@ bool float_accepts(Object value) {
         const NumberText kind = number_text(value);
         if (kind != NumberText::ask) return kind != NumberText::none;
     }
+    const RecursionGuard guard;
     if (PyUnicode_Check(value.get()) || PyBytes_Check(value.get())) return accepted(PyNumber_Float(value.get()));
     const PyNumberMethods* numeric = Py_TYPE(value.get())->tp_as_number;
     if (numeric == nullptr || numeric->nb_float == nullptr) return accepted(PyNumber_Float(value.get()));
@@ -82,6 +83,7 @@ Examples
 >>> isint(" 12 "), isint("12.0"), isint(12.9), isint("?")
 (True, False, True, False)
 )",
+    .counts_nesting = false,
     .body = [](Object value) -> Ref { return Ref::truth(int_accepts(value)); },
 };
 
@@ -111,6 +113,7 @@ Examples
 >>> isfloat("1e-3"), isfloat("nan"), isfloat("1,5"), isfloat(True)
 (True, True, False, True)
 )",
+    .counts_nesting = false,
     .body = [](Object value) -> Ref { return Ref::truth(float_accepts(value)); },
 };
 
@@ -137,6 +140,7 @@ Examples
 >>> setValueOrDefault(None, 5), setValueOrDefault(0, 5)
 (5, 0)
 )",
+    .counts_nesting = false,
     .body = [](Object variable, Object def_value) -> Ref {
         return Ref::share(variable.is_none() ? def_value : variable);
     },

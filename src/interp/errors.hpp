@@ -59,6 +59,20 @@ class Handling {
     PyObject* outer_traceback_ = nullptr;
 };
 
+// Counts one level of nesting. Code that runs foreign code may meet itself again without end: through a replaced name
+// or through a class that has a routine for one of its operators.
+class RecursionGuard {
+  public:
+    explicit RecursionGuard(Where where = Where::current()) {
+        if (Py_EnterRecursiveCall(" while calling a Python object") != 0) throw PythonError(where);
+    }
+    ~RecursionGuard() { Py_LeaveRecursiveCall(); }
+    RecursionGuard(const RecursionGuard&) = delete;
+    RecursionGuard& operator=(const RecursionGuard&) = delete;
+    RecursionGuard(RecursionGuard&&) = delete;
+    RecursionGuard& operator=(RecursionGuard&&) = delete;
+};
+
 // The wall. Runs `body`, which gives a Ref, for the interpreter.
 template <class Body>
 PyObject* behind_wall(const char* routine, Body&& body) noexcept {

@@ -8,19 +8,6 @@ namespace quorin {
 
 namespace {
 
-// Bodies that call each other by name can be made to call themselves for ever by replacing a name.
-class RecursionGuard {
-  public:
-    explicit RecursionGuard(Where where) {
-        if (Py_EnterRecursiveCall(" while calling a Python object") != 0) throw PythonError(where);
-    }
-    ~RecursionGuard() { Py_LeaveRecursiveCall(); }
-    RecursionGuard(const RecursionGuard&) = delete;
-    RecursionGuard& operator=(const RecursionGuard&) = delete;
-    RecursionGuard(RecursionGuard&&) = delete;
-    RecursionGuard& operator=(RecursionGuard&&) = delete;
-};
-
 // The arguments of one call, side by side as the interpreter wants them. Calls have few arguments, so that the
 // place for them is on the stack.
 constexpr std::size_t most_arguments = 8;
@@ -41,7 +28,6 @@ Ref call_with(PyObject* callee, Positional positional, Keywords keywords, Where 
             arguments[filled++] = keyword.value.object.get();
         }
     }
-    const RecursionGuard guard(where);
     return Ref::take(vectorcall(callee, arguments.data(), positional.size(), names.get()), where);
 }
 
@@ -100,6 +86,14 @@ Ref subtract(const Operand& left, const Operand& right, Where where) {
     return Ref::take(PyNumber_Subtract(left.object.get(), right.object.get()), where);
 }
 
+Ref multiply(const Operand& left, const Operand& right, Where where) {
+    return Ref::take(PyNumber_Multiply(left.object.get(), right.object.get()), where);
+}
+
+Ref absolute(const Operand& value, Where where) {
+    return Ref::take(PyNumber_Absolute(value.object.get()), where);
+}
+
 Ref add_in_place(const Operand& left, const Operand& right, Where where) {
     return Ref::take(PyNumber_InPlaceAdd(left.object.get(), right.object.get()), where);
 }
@@ -120,6 +114,14 @@ void set_item(Object container, const Operand& key, const Operand& value, Where 
     answer(PyObject_SetItem(container.get(), key.object.get(), value.object.get()), where);
 }
 
+void set_attr(Object owner, At name, const Operand& value) {
+    answer(PyObject_SetAttr(owner.get(), name.name.text, value.object.get()), name.where);
+}
+
+Ref matrix_column(Object X, Py_ssize_t j, Where where) {
+    return item(X, tuple({slice(Py_None, Py_None, where), j}, where), where);
+}
+
 bool contains(Object container, const Operand& value, Where where) {
     return answer(PySequence_Contains(container.get(), value.object.get()), where);
 }
@@ -135,6 +137,14 @@ Py_ssize_t count(Object number, Where where) {
     const Py_ssize_t value = PyLong_AsSsize_t(index.get());
     if (value == -1 && PyErr_Occurred() != nullptr) throw PythonError(where);
     return value;
+}
+
+Ref row_count(Object X, Where where) {
+    return item(X.attr(At("shape"_py, where)), 0, where);
+}
+
+Ref column_count(Object X, Where where) {
+    return item(X.attr(At("shape"_py, where)), 1, where);
 }
 
 bool is_instance(Object value, Object type, Where where) {
@@ -208,15 +218,13 @@ Ref next(Object iterator, Where where) {
 
 void unpack_into(Ref* targets, Py_ssize_t expected, Object value, Where where) {
     if (Py_TYPE(value.get())->tp_iter == nullptr && PySequence_Check(value.get()) == 0) {
-        fail(PyExc_TypeError, Format("cannot unpack non-iterable %.200s object", where),
-             Py_TYPE(value.get())->tp_name);
+        fail(PyExc_TypeError, Format("cannot unpack non-iterable %.200s object", where), Py_TYPE(value.get())->tp_name);
     }
     const Ref iterator = iterate(value, where);
     for (Py_ssize_t got = 0; got < expected; ++got) {
         targets[got] = next(iterator, where);
         if (!targets[got]) {
-            fail(PyExc_ValueError, Format("not enough values to unpack (expected %zd, got %zd)", where), expected,
-                 got);
+            fail(PyExc_ValueError, Format("not enough values to unpack (expected %zd, got %zd)", where), expected, got);
         }
     }
     if (next(iterator, where)) {

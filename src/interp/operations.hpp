@@ -17,16 +17,22 @@ bool greater(const Operand& left, const Operand& right, Where where = Where::cur
 
 Ref add(const Operand& left, const Operand& right, Where where = Where::current());
 Ref subtract(const Operand& left, const Operand& right, Where where = Where::current());
+Ref multiply(const Operand& left, const Operand& right, Where where = Where::current());
+Ref absolute(const Operand& value, Where where = Where::current());
 Ref add_in_place(const Operand& left, const Operand& right, Where where = Where::current());
 Ref either(const Operand& left, const Operand& right, Where where = Where::current());  // left | right
 Ref inverted(const Operand& value, Where where = Where::current());                     // ~value
 
 Ref item(Object container, const Operand& key, Where where = Where::current());
 void set_item(Object container, const Operand& key, const Operand& value, Where where = Where::current());
+void set_attr(Object owner, At name, const Operand& value);
+Ref matrix_column(Object X, Py_ssize_t j, Where where = Where::current());  // X[:, j]
 bool contains(Object container, const Operand& value, Where where = Where::current());
 Py_ssize_t length(Object value, Where where = Where::current());
 // A number of rows or columns, as range() takes it.
 Py_ssize_t count(Object number, Where where = Where::current());
+Ref row_count(Object X, Where where = Where::current());     // X.shape[0]
+Ref column_count(Object X, Where where = Where::current());  // X.shape[1]
 
 bool is_instance(Object value, Object type, Where where = Where::current());
 bool is_text(Object value, Where where = Where::current());  // isinstance(value, str)
@@ -35,11 +41,11 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
-Ref list_of(Object iterable, Where where = Where::current());    // list(iterable)
-Ref set_of(Object iterable, Where where = Where::current());     // set(iterable)
-Ref range_list(Object limit, Where where = Where::current());    // list(range(limit))
+Ref list_of(Object iterable, Where where = Where::current());  // list(iterable)
+Ref set_of(Object iterable, Where where = Where::current());   // set(iterable)
+Ref range_list(Object limit, Where where = Where::current());  // list(range(limit))
 Ref slice(const Operand& start, const Operand& stop, Where where = Where::current());
-Ref whole(Py_ssize_t value, Where where = Where::current());     // an int
+Ref whole(Py_ssize_t value, Where where = Where::current());  // an int
 void append(Object list, Object value, Where where = Where::current());
 
 // a, b, ... = value, with the interpreter's messages for a wrong number of values.

@@ -17,14 +17,14 @@ namespace {
 struct Routine {
     PyObject_HEAD
 #if PY_VERSION_HEX >= 0x03080000
-    vectorcallfunc vectorcall;
+        vectorcallfunc vectorcall;
 #endif
     const Definition* definition;
     Py_ssize_t required;
-    PyObject* names;        // tuple of interned texts
-    PyObject* defaults;     // tuple, or None where no parameter has one
+    PyObject* names;                  // tuple of interned texts
+    PyObject* defaults;               // tuple, or None where no parameter has one
     PyObject* const* default_values;  // what the tuple holds
-    PyObject* annotations;  // dict
+    PyObject* annotations;            // dict
     PyObject* name;
     PyObject* qualified;
     PyObject* module;
@@ -40,22 +40,28 @@ const Definition& definition_of(PyObject* self) {
     return *routine_of(self)->definition;
 }
 
+Ref run_body(const Definition& definition, PyObject* const* arguments) {
+    if (!definition.counts_nesting) return definition.body(arguments);
+    const RecursionGuard guard;
+    return definition.body(arguments);
+}
+
 // The short ways first: most calls name no argument.
 Ref run(const Routine* self, PyObject* const* positional, Py_ssize_t given, GivenKeywords keywords) {
-    const Body& body = self->definition->body;
-    const auto parameters = static_cast<Py_ssize_t>(body.arity());
-    if (given == parameters && keywords.size == 0) return body(positional);
-    const char* name = self->definition->name;
-    if (parameters == 1) refuse_single(name, given, keywords.size);
+    const Definition& definition = *self->definition;
+    const auto parameters = static_cast<Py_ssize_t>(definition.body.arity());
+    if (given == parameters && keywords.size == 0) return run_body(definition, positional);
+    if (parameters == 1) refuse_single(definition.name, given, keywords.size);
     PyObject* bound[most_parameters];
     if (given >= self->required && given < parameters && keywords.size == 0) {
         // Plain loops: for so few values a call of memcpy() would cost more than it moves.
         for (Py_ssize_t i = 0; i < given; ++i) bound[i] = positional[i];
         for (Py_ssize_t i = given; i < parameters; ++i) bound[i] = self->default_values[i - self->required];
     } else {
-        bind({name, parameters, self->required, self->names, self->defaults}, positional, given, keywords, bound);
+        bind({definition.name, parameters, self->required, self->names, self->defaults}, positional, given, keywords,
+             bound);
     }
-    return body(bound);
+    return run_body(definition, bound);
 }
 
 #if PY_VERSION_HEX >= 0x03080000
@@ -149,10 +155,9 @@ PyObject* get_signature(PyObject* self, void* /*closure*/) {
         for (Py_ssize_t i = 0; i < size; ++i) {
             const Object name = PyTuple_GET_ITEM(routine_of(self)->names, i);
             PyObject* otherwise = default_of(self, i);
-            append(parameters,
-                   make_parameter({name, kind},
-                                  {{"default"_py, otherwise == nullptr ? Object(empty) : Object(otherwise)},
-                                   {"annotation"_py, annotations.call("get"_py, {name, empty})}}));
+            append(parameters, make_parameter({name, kind},
+                                              {{"default"_py, otherwise == nullptr ? Object(empty) : Object(otherwise)},
+                                               {"annotation"_py, annotations.call("get"_py, {name, empty})}}));
         }
         return inspect.call("Signature"_py, {parameters},
                             {{"return_annotation"_py, annotations.call("get"_py, {"return"_py, empty})}});
@@ -187,12 +192,17 @@ void destroy(PyObject* self) {
 
 Ref value_of(const Default& otherwise) {
     switch (otherwise.kind) {
-        case Default::Kind::truth: return Ref::truth(otherwise.whole != 0);
-        case Default::Kind::whole: return whole(otherwise.whole);
-        case Default::Kind::real: return Ref::take(PyFloat_FromDouble(otherwise.real));
-        case Default::Kind::text: return Ref::take(PyUnicode_InternFromString(otherwise.text));
+        case Default::Kind::truth:
+            return Ref::truth(otherwise.whole != 0);
+        case Default::Kind::whole:
+            return whole(otherwise.whole);
+        case Default::Kind::real:
+            return Ref::take(PyFloat_FromDouble(otherwise.real));
+        case Default::Kind::text:
+            return Ref::take(PyUnicode_InternFromString(otherwise.text));
         case Default::Kind::none:
-        case Default::Kind::required: break;
+        case Default::Kind::required:
+            break;
     }
     return Ref::none();
 }
@@ -200,10 +210,17 @@ Ref value_of(const Default& otherwise) {
 void annotate(Object annotations, const char* name, Annotation annotation) {
     Ref value;
     switch (annotation) {
-        case Annotation::none: return;
-        case Annotation::ndarray: value = global("np"_py).attr("ndarray"_py); break;
-        case Annotation::boolean: value = Ref::share(&PyBool_Type); break;
-        case Annotation::set_text: value = Ref::share("set"_py.text); break;
+        case Annotation::none:
+            return;
+        case Annotation::ndarray:
+            value = global("np"_py).attr("ndarray"_py);
+            break;
+        case Annotation::boolean:
+            value = Ref::share(&PyBool_Type);
+            break;
+        case Annotation::set_text:
+            value = Ref::share("set"_py.text);
+            break;
     }
     set_item(annotations, Ref::take(PyUnicode_InternFromString(name)), value);
 }

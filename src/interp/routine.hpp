@@ -89,6 +89,8 @@ struct Definition {
     Parameters parameters;
     Annotation returns = Annotation::none;
     const char* doc;
+    // Bodies that run no foreign code, or guard the places where they do, save the count of nested calls.
+    bool counts_nesting = true;
     Body body;
 };
 

@@ -106,10 +106,14 @@ NumberText classify(const void* characters, std::size_t length) noexcept {
 
 NumberText classify_number(TextView text) noexcept {
     switch (text.width) {
-        case 1: return classify<std::uint8_t>(text.characters, text.length);
-        case 2: return classify<std::uint16_t>(text.characters, text.length);
-        case 4: return classify<std::uint32_t>(text.characters, text.length);
-        default: return NumberText::ask;
+        case 1:
+            return classify<std::uint8_t>(text.characters, text.length);
+        case 2:
+            return classify<std::uint16_t>(text.characters, text.length);
+        case 4:
+            return classify<std::uint32_t>(text.characters, text.length);
+        default:
+            return NumberText::ask;
     }
 }
 

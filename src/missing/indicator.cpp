@@ -19,8 +19,8 @@ Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missi
         Local numpy_isin_start{"numpy_isin_start"_py};
         if (truth(debug)) {
             numpy_isin_start = now();
-            print(concat({"\n\nnumpy_compute_missing_indicator():Checking for missing_value="_py,
-                          text_of(missing_value)}));
+            print(concat(
+                {"\n\nnumpy_compute_missing_indicator():Checking for missing_value="_py, text_of(missing_value)}));
         }
         const Ref missing_mask = global("numpy_isin"_py)({X, list({missing_value})});
         const Ref missing_value_found = global("np"_py).call("any"_py, {missing_mask});
@@ -86,14 +86,14 @@ Examples
 )",
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
         if (truth(debug)) {
-            const Ref rows = item(X.attr("shape"_py), 0);
+            const Ref rows = row_count(X);
             const Ref row_limit = less(rows, 50) ? Ref::share(rows) : whole(50);
             print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(item(X, range_list(row_limit))),
                           "\n\n"_py}));
         }
         Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
-        const Ref shape = tuple({item(X.attr("shape"_py), 0)});
+        const Ref shape = tuple({row_count(X)});
         const Ref nothing = global("np"_py).call("zeros"_py, {shape}, {{"dtype"_py, &PyBool_Type}});
         return tuple({nothing, list_of(nothing), list({})});
     },

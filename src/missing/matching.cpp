@@ -92,10 +92,10 @@ array([ True,  True, False])
         Local limit{"limit"_py};
         Local start_time{"start_time"_py};
         if (truth(debug)) {
-            const Ref rows = item(X.attr("shape"_py), 0);
+            const Ref rows = row_count(X);
             limit = less(rows, 50) ? Ref::share(rows) : whole(50);
-            print(concat({"Starting numpy_isin(): Starting\n X column: "_py,
-                          text_of(item(X, range_list(limit.get()))), "\n"_py}));
+            print(concat({"Starting numpy_isin(): Starting\n X column: "_py, text_of(item(X, range_list(limit.get()))),
+                          "\n"_py}));
             start_time = now();
         }
         const Ref l_X = global("numpy_flatten_column"_py)({X});

@@ -71,8 +71,7 @@ array(['a', 'b'], dtype=object)
             const Handling handling(error, "get_unique_values");
             const Object e = handling.exception();
             if (is_mixed_text_failure(text_of(e))) {
-                global("logger"_py).call("warning"_py,
-                                         {concat({text_of(e), ", Converting to string column"_py})});
+                global("logger"_py).call("warning"_py, {concat({text_of(e), ", Converting to string column"_py})});
                 y_to_process = global("numpy_column_float2str"_py)(
                     {}, {{"X"_py, y_to_process}, {"fast_conversion_flag"_py, fast_str_conversion_flag}});
                 return unique();

@@ -70,7 +70,7 @@ array([   1.5,    nan, 1000. ])
         const Ref l_missing_values_reference_list =
             missing_values_reference_list.is_none() ? list({}) : Ref::share(missing_values_reference_list);
         const Ref Y = X.call("copy"_py);
-        const Py_ssize_t rows = count(item(X.attr("shape"_py), 0));
+        const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) {
             if (contains(l_missing_values_reference_list, item(X, i))) {
                 set_item(Y, i, global("np"_py).attr("nan"_py));
@@ -177,7 +177,7 @@ array(['1', '2.5', '?'], dtype=object)
 )",
     .body = [](Object X, Object fast_conversion_flag) -> Ref {
         if (truth(fast_conversion_flag)) return X.call("astype"_py, {&PyUnicode_Type});
-        const Py_ssize_t rows = count(item(X.attr("shape"_py), 0));
+        const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) set_item(X, i, float_text(item(X, i)));
         return Ref::share(X);
     },

@@ -71,7 +71,7 @@ Examples
         }
         const bool from_list = is_instance(X, &PyList_Type);
         const Ref x_ndim = from_list ? whole(length(X)) : X.attr("ndim"_py);
-        const Ref x_numelts = from_list ? whole(length(X)) : item(X.attr("shape"_py), 1);
+        const Ref x_numelts = from_list ? whole(length(X)) : column_count(X);
         if (equal(x_ndim, 1)) {
             warn("numpy_select_columns(): Input array has only one column. No column selection will occur."_py);
             return tuple({X, false});
@@ -115,7 +115,8 @@ Examples
 array([1, 2])
 )",
     .body = [](Object X, Object remove_second_dim) -> Ref {
-        if (!is_instance(item(X, 0), global("np"_py).attr("ndarray"_py)) ||
+        const Ref first = item(X, 0);
+        if (!is_instance(first, global("np"_py).attr("ndarray"_py)) ||
             !equal(item(item(X, 0).attr("shape"_py), 0), 1)) {
             return Ref::share(X);
         }
@@ -148,7 +149,7 @@ Examples
 (4,)
 )",
     .body = [](Object X) -> Ref {
-        if (greater(X.attr("ndim"_py), 1) && equal(item(X.attr("shape"_py), 1), 1)) {
+        if (greater(X.attr("ndim"_py), 1) && equal(column_count(X), 1)) {
             return X.call("reshape"_py, {-1});
         }
         return Ref::share(X);

@@ -15,4 +15,10 @@ extern const Definition numpy_boolean2float;
 extern const Definition convert_float32;
 extern const Definition numpy_column_float2str;
 
+extern const Definition numpy_replace_values;
+extern const Definition numpy_putmask;
+
+extern const Definition compress_string;
+extern const Definition compress_str_column;
+
 }  // namespace quorin::transform

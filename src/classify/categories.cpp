@@ -1,0 +1,93 @@
+#include "classify/classify.hpp"
+#include "interp/operations.hpp"
+#include "interp/space.hpp"
+
+namespace quorin::classify {
+
+namespace {
+
+// Labels that are neither missing nor plain words are compressed where they stand.
+void compress_labels(Object column_train_labels, Object misslist) {
+    const Ref labels = iterate(column_train_labels);
+    Py_ssize_t i = 0;
+    while (const Ref str_elt = next(labels)) {
+        if (!truth(global("pd"_py).call("isnull"_py, {str_elt})) && !contains(misslist, str_elt) &&
+            !truth(str_elt.call("isalnum"_py))) {
+            set_item(column_train_labels, i, global("compress_string"_py)({str_elt}));
+        }
+        ++i;
+    }
+}
+
+Ref append_categories(Object X, Object cat_indices, Object missing_values_list, Object categories_list2) {
+    const Ref num_cols = equal(X.attr("ndim"_py), 1) ? whole(1) : column_count(X);
+    const Py_ssize_t columns = count(num_cols);
+    for (Py_ssize_t j = 0; j < columns; ++j) {
+        if (!contains(cat_indices, j)) continue;
+        const Ref CC = equal(num_cols, 1) ? Ref::share(X) : matrix_column(X, j);
+        const auto [misslist, dtype_str, column_stats_dict] =
+            unpack<3>(global("numpy_whatis"_py)({CC, missing_values_list}, {{"return_stats_flag"_py, true}}));
+        const Ref column_train_labels = item(column_stats_dict, "unique_values"_py);
+        if (equal(dtype_str, "char_str"_py)) compress_labels(column_train_labels, misslist);
+        const Ref column_train_labels_list = column_train_labels.call("tolist"_py);
+        categories_list2.call("append"_py, {column_train_labels_list});
+    }
+    return Ref::share(categories_list2);
+}
+
+}  // namespace
+
+constinit const Definition numpy_get_categories_into_list{
+    .name = "numpy_get_categories",
+    .parameters = {{"X"}, {"cat_indices"}, {"missing_values_list"}, {"categories_list2"}},
+    .doc = R"(Lists the category labels of the selected columns of a table, in a list that the caller brings.
+
+The routine of the same name that is defined later takes its place.
+)",
+    .body = [](Object X, Object cat_indices, Object missing_values_list, Object categories_list2) -> Ref {
+        return append_categories(X, cat_indices, missing_values_list, categories_list2);
+    },
+};
+
+constinit const Definition numpy_get_categories{
+    .name = "numpy_get_categories",
+    .parameters = {{"X"}, {"cat_indices"}, {"missing_values_list"}, {"categories_list2", None}},
+    .doc = R"(Lists the category labels of the selected columns of a table.
+
+Labels of a text column that are not missing and not alphanumeric are replaced by what `compress_string` makes of them.
+
+Parameters
+----------
+X : numpy.ndarray of shape (n, m) or (n,)
+cat_indices : container of int
+    The columns wanted; indices beyond the last column are ignored.
+missing_values_list : list
+    Values that count as missing.
+categories_list2 : list, optional
+    List to append to; a new one by default.
+
+Returns
+-------
+list of list
+    `categories_list2`, with the ascending distinct values of each selected column appended.
+
+Raises
+------
+UnboundLocalError
+    Where `missing_values_list` is None or empty: the classifier has no statistics then.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import numpy_get_categories
+>>> X = np.array([["a b", 1], ["c", 2], ["?", 2]], dtype=object)
+>>> numpy_get_categories(X, [0, 1], ["?"])
+[['ab', 'c'], [1, 2]]
+)",
+    .body = [](Object X, Object cat_indices, Object missing_values_list, Object categories_list2) -> Ref {
+        const Ref target = categories_list2.is_none() ? list({}) : Ref::share(categories_list2);
+        return append_categories(X, cat_indices, missing_values_list, target);
+    },
+};
+
+}  // namespace quorin::classify

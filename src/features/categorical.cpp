@@ -1,0 +1,246 @@
+#include "features/column.hpp"
+#include "features/features.hpp"
+#include "interp/errors.hpp"
+#include "interp/operations.hpp"
+#include "interp/space.hpp"
+
+namespace quorin::features {
+
+namespace {
+
+// A column short of these is judged by its few distinct values alone.
+constexpr Py_ssize_t few_values = 5;
+constexpr Py_ssize_t few_rows = 30;
+
+// np.unique(dfc). A failure is told on standard output first, in terms of a pandas object.
+Ref distinct_values(Object dfc) {
+    try {
+        return global("np"_py).call("unique"_py, {dfc});
+    } catch (const PythonError& error) {
+        if (!error.matches(PyExc_Exception)) throw;
+        const Handling handling(error, "is_num_column_categorical");
+        print(concat({"exception "_py, text_of(handling.exception())}));
+        print(Py_TYPE(dfc.get()));
+        print(dfc);
+        print(dfc.call("isnull"_py).call("any"_py));
+        raise(handling.exception());
+    }
+}
+
+double ratio(Py_ssize_t part, Py_ssize_t whole) {
+    if (whole == 0) fail(PyExc_ZeroDivisionError, "float division");
+    return static_cast<double>(part) / static_cast<double>(whole);
+}
+
+// The values of y that are not in misslist.
+Ref without(Object y, Object misslist) {
+    const Ref ylist = list({});
+    const Py_ssize_t rows = count(row_count(y));
+    for (Py_ssize_t i = 0; i < rows; ++i) {
+        if (!contains(misslist, item(y, i))) append(ylist, item(y, i));
+    }
+    return global("np"_py).call("asarray"_py, {ylist});
+}
+
+Ref has_few_values(Object y) {
+    return global("FCplus"_py).call("is_num_column_categorical"_py, {y}, {{"uni_max"_py, 100}, {"uni_ratio"_py, 0.1}});
+}
+
+// The columns that a test of FCplus accepts.
+Ref find_columns(Name test, Object X, Object missing_values_reference_list) {
+    const auto accepted = [&](const Ref& column) {
+        return truth(global("FCplus"_py)
+                         .call(test, {column}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
+    };
+    Ref output_index_list = list({});
+    if (equal(X.attr("ndim"_py), 1)) {
+        if (accepted(X.call("reshape"_py, {-1, 1}))) append(output_index_list, whole(0));
+        return output_index_list;
+    }
+    const Py_ssize_t columns = count(column_count(X));
+    for (Py_ssize_t j = 0; j < columns; ++j) {
+        if (accepted(matrix_column(X, j))) append(output_index_list, whole(j));
+    }
+    return output_index_list;
+}
+
+}  // namespace
+
+constinit const Definition is_num_column_categorical{
+    .name = "is_num_column_categorical",
+    .parameters = {{"dfc"}, {"uni_max", 100}, {"uni_ratio", 0.1}},
+    .doc = R"(Says whether a column of numbers has so few distinct values that it is categorical.
+
+It is when it has fewer than `uni_max` distinct values and these are less than `uni_ratio` of its length; or exactly
+two; or fewer than 5 in fewer than 30 rows.
+
+Parameters
+----------
+dfc : numpy.ndarray of shape (n,), pandas.Series or pandas.DataFrame
+uni_max : int
+uni_ratio : float
+
+Returns
+-------
+bool
+
+Raises
+------
+ZeroDivisionError
+    For an empty column.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_num_column_categorical(np.arange(10) % 4)
+True
+)",
+    .body = [](Object dfc, Object uni_max, Object uni_ratio) -> Ref {
+        const Ref uni = distinct_values(dfc);
+        const Py_ssize_t distinct = length(uni);
+        const double r = ratio(distinct, length(dfc));
+        if (less(length(uni), uni_max)) {
+            Ref few_enough = compare(r, Py_LT, uni_ratio);
+            if (truth(few_enough)) return few_enough;
+        }
+        if (length(uni) == 2) return Ref::truth(true);
+        return Ref::truth(length(uni) < few_values && length(dfc) < few_rows);
+    },
+};
+
+constinit const Definition is_column_categorical{
+    .name = "is_column_categorical",
+    .parameters = {{"y", required, Annotation::ndarray}, {"missing_values_reference_list", None}},
+    .returns = Annotation::boolean,
+    .doc = R"(Says whether a column is categorical.
+
+Text and integer text always are; integers and whole-valued floats are when their values that are not missing are few
+(`is_num_column_categorical`); nothing else is.
+
+Parameters
+----------
+y : numpy.ndarray of shape (n,)
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+bool
+
+Raises
+------
+ZeroDivisionError
+    For a column of integers that are all missing.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_categorical(np.array(["a", "b", "c"], dtype=object))
+True
+>>> FCplus.is_column_categorical(np.array([0.5, 1.5, 2.5]))
+False
+)",
+    .body = [](Object y, Object missing_values_reference_list) -> Ref {
+        const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
+        const auto [misslist, dtype_str] = whatis(y, l_missing_values_reference_list);
+        if (equal(dtype_str, "int_str"_py) || equal(dtype_str, "char_str"_py)) return Ref::truth(true);
+        if (equal(dtype_str, "int_num"_py) || equal(dtype_str, "float_int_num"_py)) {
+            return truth(misslist) ? has_few_values(without(y, misslist)) : has_few_values(y);
+        }
+        return Ref::truth(false);
+    },
+};
+
+constinit const Definition find_categorical_columns{
+    .name = "find_categorical_columns",
+    .parameters = {{"X", required, Annotation::ndarray}, {"missing_values_reference_list", None}},
+    .doc = R"(Lists the categorical columns of a data set.
+
+Parameters
+----------
+X : numpy.ndarray of shape (n, m) or (n,)
+    One dimension counts as the single column 0.
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+list of int
+    Ascending column indices.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> X = np.array([["a", 0.5], ["b", 1.5], ["a", 2.5]], dtype=object)
+>>> FCplus.find_categorical_columns(X)
+[0]
+)",
+    .body = [](Object X, Object missing_values_reference_list) -> Ref {
+        return find_columns("is_column_categorical"_py, X, missing_values_reference_list);
+    },
+};
+
+constinit const Definition is_numerical{
+    .name = "is_numerical",
+    .parameters = {{"y", required, Annotation::ndarray}, {"missing_values_reference_list", None}},
+    .returns = Annotation::boolean,
+    .doc = R"(Says whether a column is numerical, that is, not categorical.
+
+Parameters
+----------
+y : numpy.ndarray of shape (n,)
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+bool
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_numerical(np.array([0.5, 1.5, 2.5]))
+True
+)",
+    .body = [](Object y, Object missing_values_reference_list) -> Ref {
+        return Ref::truth(!truth(global("FCplus"_py)
+                                     .call("is_column_categorical"_py, {y},
+                                           {{"missing_values_reference_list"_py, missing_values_reference_list}})));
+    },
+};
+
+constinit const Definition find_numerical_columns{
+    .name = "find_numerical_columns",
+    .parameters = {{"X", required, Annotation::ndarray}, {"missing_values_reference_list", None}},
+    .doc = R"(Lists the numerical columns of a data set: those that are not categorical.
+
+Parameters
+----------
+X : numpy.ndarray of shape (n, m) or (n,)
+    One dimension counts as the single column 0.
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+list of int
+    Ascending column indices.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> X = np.array([["a", 0.5], ["b", 1.5], ["a", 2.5]], dtype=object)
+>>> FCplus.find_numerical_columns(X)
+[1]
+)",
+    .body = [](Object X, Object missing_values_reference_list) -> Ref {
+        return find_columns("is_numerical"_py, X, missing_values_reference_list);
+    },
+};
+
+}  // namespace quorin::features

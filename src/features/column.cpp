@@ -1,0 +1,23 @@
+#include "features/column.hpp"
+
+#include "interp/operations.hpp"
+#include "interp/space.hpp"
+
+namespace quorin::features {
+
+Ref markers_in_force(Object missing_values_reference_list, Where where) {
+    return global(At("setValueOrDefault"_py, where))(
+        {missing_values_reference_list, global(At("global_missing_values_reference_list"_py, where))}, {}, where);
+}
+
+Classified whatis(Object column, Object l_missing_values_reference_list, Where where) {
+    const Ref result = global(At("numpy_whatis"_py, where))({column, l_missing_values_reference_list}, {}, where);
+    auto [misslist, dtype_str] = unpack<2>(result, where);
+    return {std::move(misslist), std::move(dtype_str)};
+}
+
+bool first_cell_is_text(Object dfc, Where where) {
+    return is_text(item(dfc.attr(At("values"_py, where)), tuple({0, 0}), where), where);
+}
+
+}  // namespace quorin::features

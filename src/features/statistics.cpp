@@ -1,0 +1,259 @@
+// Whether a column looks like a person's sex, height, weight or age.
+#include "features/column.hpp"
+#include "features/features.hpp"
+#include "interp/operations.hpp"
+#include "interp/space.hpp"
+
+namespace quorin::features {
+
+namespace {
+
+struct Bounds {
+    Object mean_value;
+    Object std_value;
+    Object min_value;
+    Object max_value;
+    Object num_stds;
+};
+
+// NaN fails none of the three tests, since no comparison with it holds.
+bool fails(Object elt, const Bounds& bounds) {
+    const Ref deviation = absolute(subtract(elt, bounds.mean_value));
+    const Ref allowed = multiply(bounds.num_stds, bounds.std_value);
+    return greater(deviation, allowed) || greater(elt, bounds.max_value) || less(elt, bounds.min_value);
+}
+
+bool vector_passes(Object X, Object k, const Bounds& bounds) {
+    const Py_ssize_t rows = count(row_count(X));
+    for (Py_ssize_t i = 0; i < rows; ++i) {
+        if (fails(multiply(k, item(X, i)), bounds)) return false;
+    }
+    return true;
+}
+
+// A failing value ends its row only: the rows behind it are looked at as well.
+bool matrix_passes(Object X, Object k, const Bounds& bounds) {
+    bool flag = true;
+    const Py_ssize_t rows = count(row_count(X));
+    for (Py_ssize_t i = 0; i < rows; ++i) {
+        const Py_ssize_t columns = count(column_count(X));
+        for (Py_ssize_t j = 0; j < columns; ++j) {
+            if (fails(multiply(k, item(X, tuple({i, j}))), bounds)) {
+                flag = false;
+                break;
+            }
+        }
+    }
+    return flag;
+}
+
+Ref check(Positional arguments) {
+    return global("FCplus"_py).call("check_statistics"_py, arguments);
+}
+
+}  // namespace
+
+constinit const Definition check_statistics{
+    .name = "check_statistics",
+    .parameters =
+        {{"dfc"}, {"mean_value"}, {"std_value"}, {"min_value"}, {"max_value"}, {"num_stds"}, {"unit_factors_list"}},
+    .doc = R"(Says whether all values of a column fit a known statistic in some unit.
+
+A value fits when, multiplied by the factor of the unit, it lies within `num_stds` standard deviations of the mean and
+within the range, both ends included. NaN fits.
+
+Parameters
+----------
+dfc : pandas.DataFrame or pandas.Series
+mean_value, std_value : float
+min_value, max_value : float
+num_stds : float
+unit_factors_list : list of float
+    Factors to try, in this order.
+
+Returns
+-------
+bool
+    Whether there is a factor with which every value fits; False for no factor at all.
+
+Raises
+------
+TypeError
+    For values that cannot be compared with numbers.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.check_statistics(pd.DataFrame({0: [170.0, 180.0]}), 66.4, 3.9, 21.5, 107.1, 3, [1, 1 / 2.54])
+True
+)",
+    .body = [](Object dfc, Object mean_value, Object std_value, Object min_value, Object max_value, Object num_stds,
+               Object unit_factors_list) -> Ref {
+        const Bounds bounds{mean_value, std_value, min_value, max_value, num_stds};
+        const Ref X = dfc.attr("values"_py);
+        bool flag = false;
+        const Ref factors = iterate(unit_factors_list);
+        while (const Ref k = next(factors)) {
+            flag = equal(X.attr("ndim"_py), 1) ? vector_passes(X, k, bounds) : matrix_passes(X, k, bounds);
+            if (flag) break;
+        }
+        return Ref::truth(flag);
+    },
+};
+
+constinit const Definition is_column_sex{
+    .name = "is_column_sex",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents sex.
+
+It does when its distinct values are exactly "male" and "female", or "m" and "f", written so.
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    With a column labelled 0. Positional only.
+
+Returns
+-------
+bool
+
+Raises
+------
+IndexError
+    For an empty frame.
+KeyError
+    For text in a frame without a column labelled 0.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_sex(pd.DataFrame({0: ["f", "m", "f"]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (!first_cell_is_text(dfc)) return Ref::truth(false);
+        const Ref values = item(dfc, 0).call("unique"_py);
+        if (length(values) != 2) return Ref::truth(false);
+        const auto are = [&](Name first, Name second) {
+            return equal(item(values, 0), first) && equal(item(values, 1), second);
+        };
+        const auto are_reversed = [&](Name first, Name second) {
+            return equal(item(values, 1), first) && equal(item(values, 0), second);
+        };
+        return Ref::truth(are("male"_py, "female"_py) || are_reversed("male"_py, "female"_py) || are("m"_py, "f"_py) ||
+                          are_reversed("m"_py, "f"_py));
+    },
+};
+
+constinit const Definition is_column_height{
+    .name = "is_column_height",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents height based on US statistics
+Men: 69.1 inches mean and 2.9 inches std
+Women: 63.7 inches and 2.7 inches std
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column. Positional only.
+
+Returns
+-------
+bool
+    False for text.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_height(pd.DataFrame({"inches": [62.0, 66.5, 71.0]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (first_cell_is_text(dfc)) return Ref::truth(false);
+        // The mean is that of the two means; the deviation is (2.9 ** 2 + 2.7 ** 2) / 4.
+        return check({dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, list({1, 2.54})});
+    },
+};
+
+constinit const Definition is_column_weight{
+    .name = "is_column_weight",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents weight based on US statistics
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column. Positional only.
+
+Returns
+-------
+bool
+    False for text.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_weight(pd.DataFrame({"pounds": [125, 180, 240]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (first_cell_is_text(dfc)) return Ref::truth(false);
+        return check({dfc, 177.9, 40.9, 102, 300, 3, list({1, 0.453592})});
+    },
+};
+
+constinit const Definition is_column_age{
+    .name = "is_column_age",
+    .parameters = {{"dfc"}, {"missing_values_reference_list", None}},
+    .doc = R"(Infers whether column represents weight based on US statistics
+
+The column is an age when its first row is integer and every value lies from 0 to 80.
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column.
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+bool
+    False for text and for anything but integers.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_age(pd.DataFrame({"age": [18, 35, 62]}))
+True
+)",
+    .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
+        const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
+        // The first row stands for the column.
+        const auto [miss_values, dtype_str] = whatis(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
+        if (first_cell_is_text(dfc) || truth(compare(dtype_str, Py_NE, "int_num"_py))) return Ref::truth(false);
+        return check({dfc, 40, 20, 0, 100, 2, list({1})});
+    },
+};
+
+}  // namespace quorin::features
