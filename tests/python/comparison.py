@@ -22,6 +22,9 @@ TAIL = "\nExiting ..."
 ALIAS = re.compile(r"`np\.(float|int|bool)` is a deprecated alias")
 
 
+DELETED = object()
+
+
 class Tally:
     """How many comparisons this process has made."""
 
@@ -59,16 +62,28 @@ def normal_text(text: str) -> str:
 @contextlib.contextmanager
 def replaced(namespace: Any, names: Dict[str, Any]) -> Iterator[None]:
     """Put other objects under some names (`FC` or `FCplus.is_numerical`) for a while."""
-    before = []
-    for dotted, value in names.items():
-        owner, name = find_owner(namespace, dotted)
-        before.append((owner, name, vars(owner)[name]))
-        setattr(owner, name, value)
+    before: List[Tuple[Any, str, Any]] = []
+    order = list(vars(namespace))
     try:
+        for dotted, value in names.items():
+            owner, name = find_owner(namespace, dotted)
+            before.append((owner, name, vars(owner)[name]))
+            if value is DELETED:
+                delattr(owner, name)
+            else:
+                setattr(owner, name, value)
         yield
     finally:
         for owner, name, value in reversed(before):
             setattr(owner, name, value)
+        if any(value is DELETED for value in names.values()):
+            restore_order(vars(namespace), order)
+
+
+def restore_order(namespace: Dict[str, Any], order: List[str]) -> None:
+    """A name that was gone for a while came back last; other tests look at the order."""
+    for name in order:
+        namespace[name] = namespace.pop(name)
 
 
 def find_owner(namespace: Any, dotted: str) -> Tuple[Any, str]:
@@ -117,13 +132,14 @@ def outcome(
     args: Tuple[Any, ...],
     kwargs: Dict[str, Any],
     trace: Optional[Any] = None,
+    stand_ins: Optional[Dict[str, Any]] = None,
 ) -> Dict[str, Any]:
     """All that one call shows: result or error, output, log, warnings, arguments afterwards."""
     built_args, built_kwargs = call(args, kwargs)
     describer = Describer()
     describer.register(built_args, built_kwargs)
-    routine = find_routine(namespace, name)
     names = {} if trace is None else trace.wrappers(namespace, describer)
+    names.update(stand_ins or {})
     result, error = None, None
     with replaced(namespace, names):
         routine = find_routine(namespace, name)
@@ -135,7 +151,11 @@ def outcome(
     with warnings.catch_warnings():
         warnings.simplefilter("ignore")
         if error is not None:
-            seen["error"] = (type(error), normal_text(str(error)), len(error.args))
+            seen["error"] = (type(error), normal_text(str(error)))
+            seen["error arguments"] = [
+                normal_text(arg) if type(arg) is str else describer.describe(arg)
+                for arg in error.args
+            ]
         else:
             seen["result"] = describer.describe(result)
         seen["arguments"] = describer.describe((built_args, built_kwargs))
@@ -155,14 +175,16 @@ def compare(
     args: Tuple[Any, ...] = (),
     kwargs: Optional[Dict[str, Any]] = None,
     trace: Optional[Any] = None,
+    stand_ins: Optional[Dict[str, Any]] = None,
 ) -> Dict[str, Any]:
     """Fail unless model and module show the same; hand back what they show."""
     kwargs = kwargs or {}
     Tally.cases += 1
-    expected = outcome(model, name, args, kwargs, trace)
-    found = outcome(module, name, args, kwargs, trace)
+    expected = outcome(model, name, args, kwargs, trace, stand_ins)
+    found = outcome(module, name, args, kwargs, trace, stand_ins)
     if expected != found:
         lines = [show_call(name, args, kwargs)]
+        lines += ["  with {} -> {!r}".format(*item) for item in (stand_ins or {}).items()]
         for key in sorted(set(expected) | set(found)):
             if expected.get(key) != found.get(key):
                 lines.append("  {}".format(key))

@@ -329,17 +329,8 @@ ROWS = [
     _row(64, "DatasetS.GetTargetType", "dataset/dataset", "y"),
 ]
 
-# The rows whose routines exist by now.
-FIRST_STAGE = [
-    1, 2, 4, 5, 6, 7, 10, 12, 14, 15, 19, 20, 21, 22, 23, 24, 25, 50, 54, 55, 56, 57, 58,
-]  # fmt: skip
-
-PRESENT = [row for row in ROWS if row.number in FIRST_STAGE and not row.replaced]
-
-
-def present(number: int) -> bool:
-    """Tell whether the routine of row ``number`` exists by now."""
-    return any(row.number == number for row in PRESENT)
+# The rows that a user can reach: two definitions give way to later ones of the same name.
+PRESENT = [row for row in ROWS if not row.replaced]
 
 
 def stored(module: Any, row: Row) -> Any:

@@ -8,7 +8,13 @@ import numpy as np
 import pandas as pd
 import pytest
 
-from quorin_libs.utils._column_cells import cells_of, is_missing, name_words, numbers_of
+from quorin_libs.utils._column_cells import (
+    cells_of,
+    count_different,
+    is_missing,
+    name_words,
+    numbers_of,
+)
 
 
 @pytest.mark.parametrize(
@@ -86,6 +92,13 @@ def test_numbers_too_large_become_infinite():
     assert list(numbers_of([10**400, -(10**400), 0.5])) == [np.inf, -np.inf, 0.5]
     largest = float(np.finfo("longdouble").max)  # infinite where it is wider than a double
     assert list(numbers_of(np.array([np.finfo("longdouble").max]))) == [largest]
+
+
+@pytest.mark.parametrize("dtype", ["int64", "uint8", "float32", "float64"])
+def test_count_of_different_numbers(dtype):
+    numbers = np.random.RandomState(1).randint(0, 90, size=300).astype(dtype)
+    assert count_different(numbers) == len(set(numbers.tolist()))
+    assert count_different(numbers[:1]) == 1
 
 
 def test_cells_are_not_copied_or_guessed():

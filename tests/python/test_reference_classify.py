@@ -6,7 +6,7 @@ from columns import array_layouts, columns, flags, marked, markers
 from comparison import compare
 from hypothesis import strategies as st
 from properties import property_test
-from tracing import Trace
+from tracing import StandIn, Trace
 
 TEXT_KINDS = [
     "numbers as text",
@@ -54,6 +54,11 @@ def test_messages(case, more, debug, traced):
     compare("numpy_whatis", (X,), {"debug": True})
 
 
-@property_test(weight=1, X=columns(array_layouts, TEXT_KINDS), answer=flags, stats=flags)
-def test_date_answer_is_handed_on(X, answer, stats):
-    compare("numpy_whatis", (X, ["?"]), {"return_stats_flag": stats}, Trace(["FC"]))
+@property_test(weight=2, X=columns(array_layouts, TEXT_KINDS), answer=flags)
+def test_date_answer_is_handed_on(X, answer):
+    name = "FCplus.is_column_string_in_datetime_format"
+    stand_ins = {name: staticmethod(StandIn(answer))}
+    compare("numpy_whatis", (X, ["?"]), {"return_stats_flag": True}, stand_ins=stand_ins)
+    known = {"return_stats_flag": True, "use_dtype_str1_flag": False}
+    compare("numpy_whatis", (X, ["?"]), known, stand_ins=stand_ins)
+    compare("numpy_whatis", (X, ["?"]), known, Trace(["FC"]))

@@ -16,7 +16,10 @@ reference_sets = st.one_of(
 
 
 @property_test(
-    weight=1.5, l=st.one_of(columns(), columns(), cells), members=reference_sets, traced=st.booleans()
+    weight=1.5,
+    l=st.one_of(columns(), columns(), cells),
+    members=reference_sets,
+    traced=st.booleans(),
 )
 def test_indicator_mask(l, members, traced):  # noqa: E741
     trace = Trace() if traced else None

@@ -2,10 +2,12 @@
 
 from __future__ import annotations
 
-from columns import Anywhere, array_layouts, columns, flags
+from cell_values import Anywhere
+from columns import array_layouts, cells, columns, flags, texts
 from comparison import compare
 from hypothesis import strategies as st
 from properties import property_test
+from recipes import TABLES
 from tracing import Trace
 
 indices = st.one_of(
@@ -18,7 +20,18 @@ indices = st.one_of(
 )
 
 
-@property_test(weight=2, X=columns(), columns_indices_list=indices, traced=st.booleans())
+tables = columns(st.sampled_from(TABLES))
+lists = st.one_of(
+    columns(st.just("list")), st.lists(cells, max_size=4), st.lists(texts, max_size=4)
+)
+
+
+@property_test(
+    weight=2,
+    X=st.one_of(columns(), tables, lists),
+    columns_indices_list=indices,
+    traced=st.booleans(),
+)
 def test_select_columns(X, columns_indices_list, traced):
     trace = Trace() if traced else None
     compare("numpy_select_columns", (X, columns_indices_list), trace=trace)
@@ -41,7 +54,7 @@ def test_flatten_lists_of_arrays(parts):
 
 @property_test(
     weight=2,
-    X=columns(),
+    X=st.one_of(columns(), tables),
     permutation=indices,
     axis=st.sampled_from([None, 0, 1, 2, -1, True, 0.0, "0", [0]]),
     traced=st.booleans(),

@@ -362,6 +362,11 @@ def test_the_inverse_permutation_is_applied_to_a_copy(args, expected, caplog, ca
     assert capsys.readouterr().out == ""
 
 
+def test_the_inverse_permutation_of_rows():
+    Y = numpy_permute_array(np.array([["a"], ["b"], ["c"]]), [2, 0, 1], 1)
+    assert Y.tolist() == [["b"], ["c"], ["a"]]
+
+
 def test_permutation_arguments_may_be_keywords():
     Y = numpy_permute_array(axis=1, permutation_indices=[1, 0], X=table())
     assert Y.tolist() == [[3, 4, 5], [0, 1, 2]]

@@ -262,6 +262,7 @@ def test_the_search_may_stop_at_the_first_marker():
         ([1, "?"], (["?"], "int_num"), (["?"], "int_num")),
         ([1, ""], ([""], "int_num"), ([""], "int_num")),
         ([True, "?", "a"], (["?"], "boolean"), (["?"], "boolean")),
+        ([np.bool_(False), "?"], (["?"], "boolean"), (["?"], "boolean")),
         ([0.5, "", "1"], ([""], "float_num"), ([""], "float_num")),
         ([2, "??"], ([], "char_str"), ([], "char_str")),
         (["1", 2], ([], "Unknown"), ([], "int_num")),

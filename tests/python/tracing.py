@@ -1,7 +1,7 @@
-"""Pass-through replacements that note every look-up that ends in a call.
+"""Replacements: some that answer as they are told, some that pass on and take notes.
 
-With them a comparison also covers which routines, and which functions of numpy and pandas, are
-asked for by name at the moment of the call, in what order, and with what arguments.
+With the latter a comparison also covers which routines, and which functions of numpy and pandas,
+are asked for by name at the moment of the call, in what order, and with what arguments.
 """
 
 from __future__ import annotations
@@ -9,6 +9,7 @@ from __future__ import annotations
 import types
 from typing import Any, Callable, Dict, List
 
+from recipes import build
 from reference import ns as model
 
 LIBRARIES = ("np", "pd", "FC")
@@ -29,6 +30,21 @@ class Library:
         if callable(value) and not isinstance(value, type):
             return self._note("{}.{}".format(self._name, name), value)
         return value
+
+
+class StandIn:
+    """Answers every call in the same way, each time with a fresh object."""
+
+    def __init__(self, answer: Any) -> None:
+        self.answer = answer
+
+    def __call__(self, *args: Any, **kwargs: Any) -> Any:
+        if isinstance(self.answer, Exception):
+            raise self.answer
+        return build(self.answer, {})
+
+    def __repr__(self) -> str:
+        return "StandIn({!r})".format(self.answer)
 
 
 class Trace:

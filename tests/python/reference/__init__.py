@@ -6,8 +6,19 @@ shares no code with the extension module.  The property tests run both on the sa
 
 from __future__ import annotations
 
-from . import categories, classify, companions, conversion, dataset, detectors, frame
-from . import listing, missing, replacement, selection
+from . import (
+    categories,
+    classify,
+    companions,
+    conversion,
+    dataset,
+    detectors,
+    frame,
+    listing,
+    missing,
+    replacement,
+    selection,
+)
 from .namespace import ns
 
 __all__ = [

@@ -21,9 +21,7 @@ def is_num_column_categorical(dfc, uni_max=100, uni_ratio=0.1):
         raise ZeroDivisionError("float division")
     r = distinct / rows
     return (
-        (len(uni) < uni_max and r < uni_ratio)
-        or len(uni) == 2
-        or (len(uni) < 5 and len(dfc) < 30)
+        (len(uni) < uni_max and r < uni_ratio) or len(uni) == 2 or (len(uni) < 5 and len(dfc) < 30)
     )
 
 

@@ -30,9 +30,7 @@ def numpy_whatis(
 ):
     if debug:
         row_limit = min(X.shape[0], 50)
-        print(
-            "numpy_whatis(): Starting. Column: " + str(X[list(range(row_limit))]) + "\n\n"
-        )
+        print("numpy_whatis(): Starting. Column: " + str(X[list(range(row_limit))]) + "\n\n")
         start_time = ns.time.time()
     X = ns.numpy_flatten_column(X)
     if missing_values_reference_list is not None:
@@ -197,11 +195,7 @@ def numpy_whatis(
 
     check_limit = min(XX.shape[0], 50)
     if debug:
-        print(
-            "numpy_whatis():Starting checking datetime property  on"
-            + str(check_limit)
-            + " rows"
-        )
+        print("numpy_whatis():Starting checking datetime property  on" + str(check_limit) + " rows")
         datetime_start_time = ns.time.time()
     datetime_column_flag = ns.FCplus.is_column_string_in_datetime_format(
         XX[list(range(check_limit))]
@@ -209,8 +203,9 @@ def numpy_whatis(
     if datetime_column_flag:
         datetime_column_flag = dtype_str == "char_str"
     if debug:
-        _print_end("numpy_whatis():Ending checking datetime property  on", check_limit,
-                   datetime_start_time)  # fmt: skip
+        _print_end(
+            "numpy_whatis():Ending checking datetime property  on", check_limit, datetime_start_time
+        )
 
     check_limit = min(X_non_missing.shape[0], 50)
     for name in ("monotonic", "contiguous"):
@@ -222,8 +217,11 @@ def numpy_whatis(
                 + " rows"
             )
             property_start_time = ns.time.time()
-            _print_end("numpy_whatis():Ending checking {} property on ".format(name),
-                       check_limit, property_start_time)  # fmt: skip
+            _print_end(
+                "numpy_whatis():Ending checking {} property on ".format(name),
+                check_limit,
+                property_start_time,
+            )
     if debug:
         print("numpy_whatis():Ending_\nelapsed_time(s): " + str(ns.time.time() - start_time))
 
@@ -251,11 +249,7 @@ def numpy_whatis(
 
 def _print_end(text, check_limit, start_time):
     print(
-        text
-        + str(check_limit)
-        + " rows"
-        + "\nelapsed_time(s): "
-        + str(ns.time.time() - start_time)
+        text + str(check_limit) + " rows" + "\nelapsed_time(s): " + str(ns.time.time() - start_time)
     )
 
 

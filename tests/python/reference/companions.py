@@ -35,11 +35,7 @@ def numpy_get_categories(X, cat_indices, missing_values_list, categories_list2=N
         column_train_labels = column_stats_dict["unique_values"]
         if dtype_str == "char_str":
             for i, str_elt in enumerate(column_train_labels):
-                if (
-                    not ns.pd.isnull(str_elt)
-                    and str_elt not in misslist
-                    and not str_elt.isalnum()
-                ):
+                if not ns.pd.isnull(str_elt) and str_elt not in misslist and not str_elt.isalnum():
                     column_train_labels[i] = ns.compress_string(str_elt)
         column_train_labels_list = column_train_labels.tolist()
         categories_list2.append(column_train_labels_list)

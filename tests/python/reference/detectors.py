@@ -6,9 +6,7 @@ from .namespace import feature, ns
 
 
 @feature
-def check_statistics(
-    dfc, mean_value, std_value, min_value, max_value, num_stds, unit_factors_list
-):
+def check_statistics(dfc, mean_value, std_value, min_value, max_value, num_stds, unit_factors_list):
     X = dfc.values
     flag = False
     for k in unit_factors_list:
@@ -59,9 +57,7 @@ def is_column_height(dfc):
     if isinstance(dfc.values[0, 0], str):
         return False
     # The spread is (2.9 ** 2 + 2.7 ** 2) / 4, on purpose not a pooled deviation.
-    return ns.FCplus.check_statistics(
-        dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, [1, 2.54]
-    )
+    return ns.FCplus.check_statistics(dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, [1, 2.54])
 
 
 @feature

@@ -52,9 +52,7 @@ def numpy_compute_missing_indicator(
     if debug:
         row_limit = min(50, X.shape[0])
         print(
-            "numpy_compute_missing_indicator(): Column: "
-            + str(X[list(range(row_limit))])
-            + "\n\n"
+            "numpy_compute_missing_indicator(): Column: " + str(X[list(range(row_limit))]) + "\n\n"
         )
     for _, missing_value in enumerate(missing_values_list):
         if debug:

@@ -19,6 +19,7 @@ from typing import Any, Callable, TypeVar
 import numpy as np
 import pandas as pd
 import six
+
 from quorin_libs.utils.fc_methods import FC
 
 Function = TypeVar("Function", bound=Callable[..., Any])

@@ -26,7 +26,9 @@ def numpy_replace_values(X, filling_value, reference_values_list, invert_flag=Fa
             Y[j]  # fails for an array without rows
         else:
             Xcol = X[:, j]
-        reference_values_list_col = reference_values_list[j] if list2_flag else reference_values_list
+        reference_values_list_col = (
+            reference_values_list[j] if list2_flag else reference_values_list
+        )
         if invert_flag:
             replace_values_mask = ~ns.numpy_isin(Xcol, reference_values_list_col)
         else:
