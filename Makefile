@@ -5,6 +5,7 @@
 # make asan        the suites under AddressSanitizer and UndefinedBehaviorSanitizer
 # make coverage    the suites under gcov; fails below COVERAGE_MIN per cent of the lines of src/
 # make fuzz        the property tests with CASES examples each (and another SEED, if one is given)
+# make docs        the reference pages, into build/docs; any warning fails
 # make format      rewrite the sources as `make lint` wants them
 # make clean       remove everything that was made here
 #
@@ -23,7 +24,7 @@ export PATH := $(CURDIR)/$(BIN):$(PATH)
 export PIP_DISABLE_PIP_VERSION_CHECK := 1
 
 .DELETE_ON_ERROR:
-.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-tidy format matrix asan coverage fuzz clean
+.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs matrix asan coverage fuzz clean
 $(shell mkdir -p build)
 
 SOURCES := $(shell find src -name "*.cpp" -o -name "*.hpp")
@@ -44,7 +45,7 @@ $(VENV)/.package: $(VENV)/.tools CMakeLists.txt $(SOURCES)
 	SKBUILD_BUILD_DIR=build/editable $(BIN)/python -m pip install --quiet --no-build-isolation --editable .
 	touch $@
 
-$(VENV)/.test $(VENV)/.dev: $(VENV)/.%: $(VENV)/.tools
+$(VENV)/.test $(VENV)/.dev $(VENV)/.docs: $(VENV)/.%: $(VENV)/.tools
 	$(BIN)/python scripts/requirements.py $* > $(VENV)/$*.txt
 	$(BIN)/python -m pip install --quiet --requirement $(VENV)/$*.txt
 	touch $@
@@ -67,6 +68,9 @@ fuzz: $(VENV)/.package $(VENV)/.test
 	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) \
 	  $(BIN)/pytest $(wildcard tests/python/test_reference_*.py) $(PYTEST_ARGS)
 
+docs: $(VENV)/.package $(VENV)/.docs
+	$(BIN)/sphinx-build -q -E -W --keep-going -n docs build/docs
+
 matrix:
 	scripts/matrix $(ROWS)
 
@@ -83,7 +87,7 @@ coverage: $(VENV)/.package $(VENV)/.test $(VENV)/.dev
 # ---- looks ------------------------------------------------------------------------------------
 
 # Apart from each other, so that `make -k lint` shows what each of them has to say.
-lint: lint-ruff lint-format lint-types lint-tidy
+lint: lint-ruff lint-format lint-types lint-stub lint-tidy
 
 lint-ruff: $(VENV)/.dev
 	$(BIN)/ruff check .
@@ -94,6 +98,11 @@ lint-format: $(VENV)/.dev
 
 lint-types: $(VENV)/.package $(VENV)/.dev
 	$(BIN)/mypy
+
+# The stub against the module: what a caller may write, and what the editor shows of it.
+lint-stub: $(VENV)/.package $(VENV)/.dev
+	$(BIN)/stubtest --mypy-config-file pyproject.toml quorin_libs.utils.exportable_utils
+	$(BIN)/python scripts/stub_docstrings.py --check
 
 lint-tidy: $(VENV)/.tools $(VENV)/.dev
 	cmake --preset dev > build/dev.log || { cat build/dev.log; exit 1; }

@@ -108,7 +108,10 @@ void import_from(Object names, const char* module, Name name) {
     if (!found) {
         if (!PythonError::matches(PyExc_AttributeError)) throw PythonError(Where::current());
         PyErr_Clear();
-        fail(PyExc_ImportError, "cannot import name '%U' from '%s'", name.text, module);
+        const Ref file = Ref::adopt(PyModule_GetFilenameObject(source.get()));
+        if (!file) PyErr_Clear();
+        fail(PyExc_ImportError, "cannot import name '%U' from '%s' (%S)", name.text, module,
+             file ? file.get() : "unknown location"_py.text);
     }
     set_item(names, name, found);
 }
@@ -170,7 +173,7 @@ void start_up(Object names) {
     import_everything(names);
     const Ref nan = item(names, "np"_py).attr("nan"_py);
     set_item(names, "global_missing_values_reference_list"_py, list({"?"_py, ""_py, "-"_py, nan}));
-    set_item(names, "logger"_py, item(names, "logging"_py).call("getLogger"_py));
+    set_item(names, "logger"_py, item(names, "logging"_py).attr("getLogger"_py)());
     ready_routine_type();
     define(names, module_routines);
     define_fcplus(names);
@@ -179,12 +182,36 @@ void start_up(Object names) {
     set_item(names, "__test__"_py, Ref::take(PyDict_New()));
 }
 
-// The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too.
-void register_module(Object module) {
-    const Object modules = PyImport_GetModuleDict();
-    const Object qualified_name = "quorin_libs.utils.exportable_utils"_py.text;
-    if (!contains(modules, qualified_name)) set_item(modules, qualified_name, module);
-}
+// The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too, unless its
+// start-up fails.
+class Listing {
+  public:
+    explicit Listing(Object module) {
+        if (contains(modules_, name_)) return;
+        set_item(modules_, name_, module);
+        listed_here_ = true;
+    }
+    ~Listing() {
+        if (!listed_here_ || kept_) return;
+        PyObject* type = nullptr;
+        PyObject* value = nullptr;
+        PyObject* traceback = nullptr;
+        PyErr_Fetch(&type, &value, &traceback);
+        if (PyObject_DelItem(modules_.get(), name_.get()) < 0) PyErr_Clear();
+        PyErr_Restore(type, value, traceback);
+    }
+    Listing(const Listing&) = delete;
+    Listing& operator=(const Listing&) = delete;
+    Listing(Listing&&) = delete;
+    Listing& operator=(Listing&&) = delete;
+    void keep() noexcept { kept_ = true; }
+
+  private:
+    Object modules_ = PyImport_GetModuleDict();
+    Object name_ = "quorin_libs.utils.exportable_utils"_py.text;
+    bool listed_here_ = false;
+    bool kept_ = false;
+};
 
 constexpr const char* init_name = "init quorin_libs.utils.exportable_utils";
 
@@ -195,8 +222,9 @@ int execute(PyObject* module) {
         use_module_names(names);
         check_version("quorin_libs.utils.exportable_utils");
         set_item(names, "__builtins__"_py, Ref::take(PyImport_ImportModule("builtins")));
-        register_module(module);
+        Listing listing(module);
         start_up(names);
+        listing.keep();
         start_up_once.succeeded();
         return Ref::none();
     }));
@@ -240,6 +268,7 @@ PyModuleDef module_definition = {
 }  // namespace quorin
 
 PyMODINIT_FUNC PyInit_exportable_utils() {
+    // The interpreter reads a definition that makes no promise of state only with a size of 0; see create().
     quorin::module_definition.m_size = 0;
     return PyModuleDef_Init(&quorin::module_definition);
 }

@@ -82,7 +82,7 @@ def _compiled(pattern: str) -> Callable[[str], Any]:
 
 # 2026-01-31, 2026/1/31 12:00, 2026-01-31T12:00:00.5+01:00, 2026-01-31Z, 2026-01-31-12.00.00 (DB2)
 _match_year_first = _compiled(
-    r"<year>([-/.])<month>\2<day>"
+    r"<year>([-/.])<month>\2(?:(29|3[01])|0?[1-9]|[12][0-9])"
     r"(?:(?:[T ]|, ?)<clock>|Z|<offset>|-<hour2>\.<sixty>\.<sixty>(?:\.<fraction>)?)?"
 )
 # 31.01.2026, 1/31/26 3:45 PM; which place is the day's is found later.
@@ -193,8 +193,11 @@ def _read_year_first(text: str) -> int:
     match = _match_year_first(text)
     if match is None:
         return 0
-    year, _, month, day = match.groups()
-    return YEAR_FIRST | PROOF if _has_day(year, _NUMBERS[month], _NUMBERS[day]) else 0
+    # The commonest form: the calendar is asked only for the days that some month lacks.
+    day = match.group(4)
+    if day is not None and not _has_day(match.group(1), _NUMBERS[match.group(3)], _NUMBERS[day]):
+        return 0
+    return YEAR_FIRST | PROOF
 
 
 def _read_year_last(text: str) -> int:
@@ -215,11 +218,12 @@ def _read_year_last(text: str) -> int:
             if "0" not in (first[0], second[0], short_year[0]):
                 proof = 0
     number, other = _NUMBERS.get(first, 99), _NUMBERS.get(second, 99)
+    year = year or short_year
     ways = 0
-    if other <= 12 and number <= 31 and _has_day(year or short_year, other, number):
+    if other <= 12 and (number <= 28 or (number <= 31 and _has_day(year, other, number))):
         ways = DAY_FIRST
-    month_may_lead = month_may_lead and number <= 12 and other <= 31
-    if month_may_lead and _has_day(year or short_year, number, other):
+    month_may_lead = month_may_lead and number <= 12
+    if month_may_lead and (other <= 28 or (other <= 31 and _has_day(year, number, other))):
         ways |= MONTH_FIRST
     return ways | proof if ways else 0
 

@@ -9,7 +9,12 @@ from typing import Any
 import numpy as np
 import pandas as pd
 
-from quorin_libs.utils._column_cells import is_whole, numbers_of, present_cells
+from quorin_libs.utils._column_cells import (
+    count_different,
+    is_whole,
+    numbers_of,
+    present_cells,
+)
 from quorin_libs.utils._coordinates import is_latitude_column, is_longitude_column
 from quorin_libs.utils._date_text import is_date_text_column
 from quorin_libs.utils._distance import is_distance_column
@@ -155,7 +160,7 @@ class FC:
         numbers = numbers_of(column)
         if numbers is None or not numbers.size or not is_whole(numbers):
             return False
-        return bool(np.unique(numbers).size < UNIQUE_SHARE_BELOW * numbers.size)
+        return bool(count_different(numbers) < UNIQUE_SHARE_BELOW * numbers.size)
 
     @staticmethod
     def is_constant(column: Any) -> bool:
@@ -389,7 +394,7 @@ class FC:
             return False
         if not is_whole(numbers):
             return True
-        different = np.unique(numbers).size
+        different = count_different(numbers)
         if different < CATEGORIES_BELOW and different / numbers.size < CATEGORY_SHARE_BELOW:
             return False
         if different == 2:

@@ -1,6 +1,7 @@
 #include "classify/classify.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::classify {
 
@@ -11,8 +12,8 @@ void compress_labels(Object column_train_labels, Object misslist) {
     const Ref labels = iterate(column_train_labels);
     Py_ssize_t i = 0;
     while (const Ref str_elt = next(labels)) {
-        if (!truth(global("pd"_py).call("isnull"_py, {str_elt})) && !contains(misslist, str_elt) &&
-            !truth(str_elt.call("isalnum"_py))) {
+        if (!truth(global("pd"_py).attr("isnull"_py)({str_elt})) && !contains(misslist, str_elt) &&
+            !truth(str_elt.attr("isalnum"_py)())) {
             set_item(column_train_labels, i, global("compress_string"_py)({str_elt}));
         }
         ++i;
@@ -29,8 +30,8 @@ Ref append_categories(Object X, Object cat_indices, Object missing_values_list, 
             unpack<3>(global("numpy_whatis"_py)({CC, missing_values_list}, {{"return_stats_flag"_py, true}}));
         const Ref column_train_labels = item(column_stats_dict, "unique_values"_py);
         if (equal(dtype_str, "char_str"_py)) compress_labels(column_train_labels, misslist);
-        const Ref column_train_labels_list = column_train_labels.call("tolist"_py);
-        categories_list2.call("append"_py, {column_train_labels_list});
+        const Ref column_train_labels_list = column_train_labels.attr("tolist"_py)();
+        categories_list2.attr("append"_py)({column_train_labels_list});
     }
     return Ref::share(categories_list2);
 }
@@ -85,7 +86,7 @@ Examples
 [['ab', 'c'], [1, 2]]
 )",
     .body = [](Object X, Object cat_indices, Object missing_values_list, Object categories_list2) -> Ref {
-        const Ref target = categories_list2.is_none() ? list({}) : Ref::share(categories_list2);
+        const Ref target = or_new_list(categories_list2);
         return append_categories(X, cat_indices, missing_values_list, target);
     },
 };

@@ -1,6 +1,7 @@
 #include "classify/classify.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::classify {
 
@@ -39,8 +40,7 @@ Examples
 True
 )",
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
-        const Ref l_missing_values_reference_list =
-            missing_values_reference_list.is_none() ? list({}) : Ref::share(missing_values_reference_list);
+        const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);
         bool flag = true;
         const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) {

@@ -13,9 +13,9 @@ namespace {
 template <class Ask>
 Ref of_dates(Object column, const char* routine, Ask ask) {
     try {
-        return ask(global("pd"_py).call("to_datetime"_py, {column}));
+        return ask(global("pd"_py).attr("to_datetime"_py)({column}));
     } catch (const PythonError& error) {
-        if (!error.matches(PyExc_Exception)) throw;
+        if (!PythonError::matches(PyExc_Exception)) throw;
         const Handling handling(error, routine);
         return Ref::truth(false);
     }

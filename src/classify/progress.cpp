@@ -1,11 +1,14 @@
 #include "classify/progress.hpp"
 
+#include "interp/table.hpp"
+
 namespace quorin::classify {
 
 namespace {
 
-Ref elapsed_since(Object stamp) {
-    return text_of(subtract(now(), stamp));
+Ref elapsed_since(const Local& stamp) {
+    const Ref end = now();
+    return text_of(subtract(end, stamp.get()));
 }
 
 Ref rows_of(Object column) {
@@ -14,15 +17,10 @@ Ref rows_of(Object column) {
 
 }  // namespace
 
-Ref capped_rows(Object column) {
-    Ref rows = row_count(column);
-    return less(50, rows) ? whole(50) : std::move(rows);
-}
-
 void Progress::column(Object X) {
     if (!wanted()) return;
-    const Ref first_rows = item(X, range_list(capped_rows(X)));
-    print(concat({"numpy_whatis(): Starting. Column: "_py, text_of(first_rows), "\n\n"_py}));
+    const Ref shown = first_rows(X, capped_row_count(X));
+    print(concat({"numpy_whatis(): Starting. Column: "_py, text_of(shown), "\n\n"_py}));
     start_time_ = now();
 }
 
@@ -35,7 +33,7 @@ void Progress::scan_starts(Object XX) {
 void Progress::scan_ends(Object XX) const {
     if (!wanted()) return;
     print(concat({"numpy_whatis():Ending finding dtype on"_py, rows_of(XX),
-                  " rows\nelapsed_time: numpy_isin_elapsed_end(s): "_py, elapsed_since(dtype_start_time_.get())}));
+                  " rows\nelapsed_time: numpy_isin_elapsed_end(s): "_py, elapsed_since(dtype_start_time_)}));
 }
 
 void Progress::datetime_starts(Object check_limit) {
@@ -47,7 +45,7 @@ void Progress::datetime_starts(Object check_limit) {
 void Progress::datetime_ends(Object check_limit) const {
     if (!wanted()) return;
     print(concat({"numpy_whatis():Ending checking datetime property  on"_py, text_of(check_limit),
-                  " rows\nelapsed_time(s): "_py, elapsed_since(datetime_start_time_.get())}));
+                  " rows\nelapsed_time(s): "_py, elapsed_since(datetime_start_time_)}));
 }
 
 void Progress::order_and_gaps(Object check_limit) const {
@@ -56,7 +54,7 @@ void Progress::order_and_gaps(Object check_limit) const {
         Local started{stamp};
         print(concat({starting, text_of(check_limit), " rows"_py}));
         started = now();
-        print(concat({ending, text_of(check_limit), " rows\nelapsed_time(s): "_py, elapsed_since(started.get())}));
+        print(concat({ending, text_of(check_limit), " rows\nelapsed_time(s): "_py, elapsed_since(started)}));
     };
     check("numpy_whatis():Starting checking monotonic property  on "_py,
           "numpy_whatis():Ending checking monotonic property on "_py, "monotonic_start_time"_py);
@@ -66,7 +64,7 @@ void Progress::order_and_gaps(Object check_limit) const {
 
 void Progress::end() const {
     if (!wanted()) return;
-    print(concat({"numpy_whatis():Ending_\nelapsed_time(s): "_py, elapsed_since(start_time_.get())}));
+    print(concat({"numpy_whatis():Ending_\nelapsed_time(s): "_py, elapsed_since(start_time_)}));
 }
 
 }  // namespace quorin::classify

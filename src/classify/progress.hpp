@@ -6,9 +6,6 @@
 
 namespace quorin::classify {
 
-// 50, or the number of rows where there are fewer.
-Ref capped_rows(Object column);
-
 class Progress {
   public:
     explicit Progress(Object debug) : debug_(debug) {}

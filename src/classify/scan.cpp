@@ -4,6 +4,7 @@
 #include "interp/numpy.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::classify {
 
@@ -42,7 +43,7 @@ void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
         if (is_instance(elt, global("six"_py).attr("string_types"_py))) {
             if (is_marker(elt)) {
                 // The first marker beyond the numbers ends the walk, uncounted.
-                missing_values_list.call("append"_py, {elt});
+                missing_values_list.attr("append"_py)({elt});
                 append(weird_new_missing_values_list, elt);
                 return;
             }
@@ -61,7 +62,7 @@ void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
 // Behind a number: no text at all, or one character that is neither letter nor digit.
 bool Scan::is_marker(Object elt) const {
     if (!found_nonmissing_flag) return false;
-    if (!equal(elt, ""_py) && !(length(elt) == 1 && !truth(elt.call("isalnum"_py)))) return false;
+    if (!equal(elt, ""_py) && !(length(elt) == 1 && !truth(elt.attr("isalnum"_py)()))) return false;
     return !contains(weird_new_missing_values_list, elt);
 }
 
@@ -77,7 +78,7 @@ void Scan::classify_text(Object XX, Py_ssize_t i, Object elt) {
     if (dtype_str == Kind::char_str) {
         found_string_flag = true;
         if (number_text_seen() && !contains(start_missing_string_values_list, elt)) {
-            append(start_missing_string_values_list, elt);
+            start_missing_string_values_list.attr("append"_py)({elt});
         }
         follow_kind();
     }
@@ -88,7 +89,7 @@ void Scan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
     dtype_str = kind;
     dtype_str_found_ = kind;
     if (!number_text_seen() && found_string_flag) {
-        start_missing_string_values_list = item(XX, slice(Py_None, i)).call("tolist"_py);
+        start_missing_string_values_list = item(XX, slice(Py_None, i)).attr("tolist"_py)();
     }
     (kind == Kind::int_str ? found_int_str_flag : found_float_str_flag) = true;
     found_nonmissing_flag = true;
@@ -102,7 +103,7 @@ void Scan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
 void Scan::classify_value(Object elt) {
     if (is_float(elt)) {
         // A column keeps "float_num" as its running class once a fraction was seen.
-        const bool whole_valued = truth(elt.call("is_integer"_py));
+        const bool whole_valued = truth(elt.attr("is_integer"_py)());
         const Kind running = dtype_str;
         value_found(whole_valued ? Kind::float_int_num : Kind::float_num);
         if (whole_valued && running == Kind::float_num) dtype_str = Kind::float_num;

@@ -25,7 +25,8 @@ struct Scan {
     Ref weird_new_missing_values_list;
 
   private:
-    // A copy of the running class and of the two lists that stops following them at some point.
+    // A copy of the running class and of the two lists that stops following them at some point. Kept for a rule that
+    // decides by it; so far no result does.
     struct Frozen {
         Kind dtype_str3 = Kind::unknown;
         bool dtype_str3_stop_flag = false;

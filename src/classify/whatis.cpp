@@ -3,6 +3,7 @@
 #include "classify/verdict.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::classify {
 
@@ -44,10 +45,10 @@ Parted part(Object X, Object missing_values_list, Object stop_at_one_missing_val
 
 // Whether the least distinct values read as dates. A false answer is handed on as it came.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
-    const Ref check_limit = capped_rows(XX);
+    const Ref check_limit = capped_row_count(XX);
     progress.datetime_starts(check_limit);
-    const Ref sample = item(XX, range_list(check_limit));
-    Ref flag = global("FCplus"_py).call("is_column_string_in_datetime_format"_py, {sample});
+    const Ref sample = first_rows(XX, check_limit);
+    Ref flag = global("FCplus"_py).attr("is_column_string_in_datetime_format"_py)({sample});
     if (truth(flag)) flag = Ref::truth(dtype_str == Kind::char_str);
     progress.datetime_ends(check_limit);
     return flag;
@@ -97,7 +98,8 @@ stats_dict : dict
 Raises
 ------
 UnboundLocalError
-    For a least distinct value of no known kind, such as None, and for statistics without a reference list.
+    For a least distinct value of no known kind, such as None, and for statistics without a reference list or with an
+    empty one.
 IndexError
     For an empty column.
 
@@ -114,16 +116,18 @@ Examples
         progress.column(column);
         Ref X = global("numpy_flatten_column"_py)({column});
         const Ref missing_values_list =
-            missing_values_reference_list.is_none() ? list({}) : missing_values_reference_list.call("copy"_py);
-        if (equal(X.attr("dtype"_py), "float32"_py)) X = X.call("astype"_py, {&PyFloat_Type});
+            missing_values_reference_list.is_none() ? list({}) : missing_values_reference_list.attr("copy"_py)();
+        if (equal(X.attr("dtype"_py), "float32"_py)) X = X.attr("astype"_py)({&PyFloat_Type});
 
         const Parted parted = part(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         const Ref& XX = parted.XX;
         const Kind initial = equal(row_count(parted.X_non_missing), 0) ? Kind::missing : Kind::unknown;
-        const bool unique_values_column_flag = equal(row_count(XX), row_count(parted.X_non_missing));
+        const Ref distinct_values = row_count(XX);
+        const bool unique_values_column_flag = equal(distinct_values, row_count(parted.X_non_missing));
         const bool constant_column_flag = equal(row_count(XX), 1) || initial == Kind::missing;
 
-        Scan scan(subtract(row_count(X), row_count(parted.X_non_missing)));
+        const Ref rows = row_count(X);
+        Scan scan(subtract(rows, row_count(parted.X_non_missing)));
         scan.dtype_str = initial;
         progress.scan_starts(XX);
         scan.run(XX, parted.xx_xounts, missing_values_list);
@@ -140,11 +144,11 @@ Examples
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);
-        progress.order_and_gaps(capped_rows(parted.X_non_missing));
+        progress.order_and_gaps(capped_row_count(parted.X_non_missing));
         progress.end();
         if (!truth(return_stats_flag)) return tuple({new_missing_values_list, dtype_str_final});
 
-        Ref stats_dict = Ref::take(PyDict_New());
+        const Ref stats_dict = Ref::take(PyDict_New());
         const Keyword entries[] = {
             {"dtype_str"_py, dtype_str_final},
             {"missing_values"_py, new_missing_values_list},

@@ -13,7 +13,7 @@ constinit const Definition init_from_file{
 The constructor that is defined later takes its place.
 )",
     .body = [](Object self, Object csvfname) -> Ref {
-        set_attr(self, "df"_py, global("pd"_py).call("read_csv"_py, {csvfname}));
+        set_attr(self, "df"_py, global("pd"_py).attr("read_csv"_py)({csvfname}));
         return Ref::none();
     },
 };
@@ -77,8 +77,9 @@ Examples
         const Py_ssize_t columns = length(colnames);
         for (Py_ssize_t i = 0; i < columns; ++i) {
             const Ref new_values = fun({item(self.attr("df"_py), item(colnames, i))});
+            const Ref with_column = self.attr("df"_py).attr("withColumn"_py);
             const Ref name = add("log"_py, item(colnames, i));
-            set_attr(self, "df"_py, self.attr("df"_py).call("withColumn"_py, {name, new_values}));
+            set_attr(self, "df"_py, with_column({name, new_values}));
         }
         return Ref::none();
     },
@@ -107,7 +108,7 @@ Examples
 'regression'
 )",
     .body = [](Object y) -> Ref {
-        const bool regression = truth(global("FC"_py).call("is_not_categorical"_py, {y}));
+        const bool regression = truth(global("FC"_py).attr("is_not_categorical"_py)({y}));
         return Ref::share((regression ? "regression"_py : "classification"_py).text);
     },
 };

@@ -3,6 +3,7 @@
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::features {
 
@@ -15,14 +16,14 @@ constexpr Py_ssize_t few_rows = 30;
 // np.unique(dfc). A failure is told on standard output first, in terms of a pandas object.
 Ref distinct_values(Object dfc) {
     try {
-        return global("np"_py).call("unique"_py, {dfc});
+        return global("np"_py).attr("unique"_py)({dfc});
     } catch (const PythonError& error) {
-        if (!error.matches(PyExc_Exception)) throw;
+        if (!PythonError::matches(PyExc_Exception)) throw;
         const Handling handling(error, "is_num_column_categorical");
         print(concat({"exception "_py, text_of(handling.exception())}));
         print(Py_TYPE(dfc.get()));
         print(dfc);
-        print(dfc.call("isnull"_py).call("any"_py));
+        print(dfc.attr("isnull"_py)().attr("any"_py)());
         raise(handling.exception());
     }
 }
@@ -39,22 +40,22 @@ Ref without(Object y, Object misslist) {
     for (Py_ssize_t i = 0; i < rows; ++i) {
         if (!contains(misslist, item(y, i))) append(ylist, item(y, i));
     }
-    return global("np"_py).call("asarray"_py, {ylist});
+    return global("np"_py).attr("asarray"_py)({ylist});
 }
 
 Ref has_few_values(Object y) {
-    return global("FCplus"_py).call("is_num_column_categorical"_py, {y}, {{"uni_max"_py, 100}, {"uni_ratio"_py, 0.1}});
+    return global("FCplus"_py).attr("is_num_column_categorical"_py)({y}, {{"uni_max"_py, 100}, {"uni_ratio"_py, 0.1}});
 }
 
 // The columns that a test of FCplus accepts.
 Ref find_columns(Name test, Object X, Object missing_values_reference_list) {
     const auto accepted = [&](const Ref& column) {
         return truth(global("FCplus"_py)
-                         .call(test, {column}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
+                         .attr(test)({column}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
     };
     Ref output_index_list = list({});
     if (equal(X.attr("ndim"_py), 1)) {
-        if (accepted(X.call("reshape"_py, {-1, 1}))) append(output_index_list, whole(0));
+        if (accepted(X.attr("reshape"_py)({-1, 1}))) append(output_index_list, whole(0));
         return output_index_list;
     }
     const Py_ssize_t columns = count(column_count(X));
@@ -207,9 +208,7 @@ Examples
 True
 )",
     .body = [](Object y, Object missing_values_reference_list) -> Ref {
-        return Ref::truth(!truth(global("FCplus"_py)
-                                     .call("is_column_categorical"_py, {y},
-                                           {{"missing_values_reference_list"_py, missing_values_reference_list}})));
+        return Ref::truth(!truth(is_categorical(y, missing_values_reference_list)));
     },
 };
 

@@ -2,6 +2,7 @@
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::features {
 
@@ -48,7 +49,7 @@ Examples
             if (!exclude || !contains(misslist, item(y, i))) append(seq, item(y, i));
         }
         Ref classes_list = list({});
-        const Ref items = iterate(global("Counter"_py)({seq}).call("items"_py));
+        const Ref items = iterate(global("Counter"_py)({seq}).attr("items"_py)());
         while (const Ref entry = next(items)) {
             const auto [clas, occurrences] = unpack<2>(entry);
             const bool is_float = PyFloat_CheckExact(occurrences.get());

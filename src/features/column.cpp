@@ -16,6 +16,12 @@ Classified whatis(Object column, Object l_missing_values_reference_list, Where w
     return {std::move(misslist), std::move(dtype_str)};
 }
 
+Ref is_categorical(Object column, Object missing_values_reference_list, Where where) {
+    return global(At("FCplus"_py, where))
+        .attr(At("is_column_categorical"_py, where))(
+            {column}, {{"missing_values_reference_list"_py, missing_values_reference_list}}, where);
+}
+
 bool first_cell_is_text(Object dfc, Where where) {
     return is_text(item(dfc.attr(At("values"_py, where)), tuple({0, 0}), where), where);
 }

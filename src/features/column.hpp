@@ -16,6 +16,9 @@ struct Classified {
 
 Classified whatis(Object column, Object l_missing_values_reference_list, Where where = Where::current());
 
+// FCplus.is_column_categorical(column, missing_values_reference_list=...)
+Ref is_categorical(Object column, Object missing_values_reference_list, Where where = Where::current());
+
 // Whether dfc.values[0, 0] is a text.
 bool first_cell_is_text(Object dfc, Where where = Where::current());
 

@@ -4,6 +4,7 @@
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::features {
 
@@ -88,9 +89,7 @@ Examples
 True
 )",
     .body = [](Object y, Object /*X*/, Object missing_values_reference_list) -> Ref {
-        return global("FCplus"_py)
-            .call("is_column_categorical"_py, {y},
-                  {{"missing_values_reference_list"_py, missing_values_reference_list}});
+        return is_categorical(y, missing_values_reference_list);
     },
 };
 

@@ -9,11 +9,11 @@ namespace {
 
 // A test of FC, which gets the column and gives the result as it is.
 template <FixedText Test>
-constexpr auto delegate = [](Object column) -> Ref { return global("FC"_py).call(operator""_py < Test>(), {column}); };
+constexpr auto delegate = [](Object column) -> Ref { return global("FC"_py).attr(name_of<Test>())({column}); };
 
 template <FixedText Test>
 constexpr auto delegate_with_name =
-    [](Object column, Object name) -> Ref { return global("FC"_py).call(operator""_py < Test>(), {column, name}); };
+    [](Object column, Object name) -> Ref { return global("FC"_py).attr(name_of<Test>())({column, name}); };
 
 }  // namespace
 

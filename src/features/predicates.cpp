@@ -13,14 +13,9 @@ enum class Answer { as_returned, by_bool_method };
 template <FixedText Test, Answer answer>
 constexpr auto guarded = [](Object dfc) -> Ref {
     if (first_cell_is_text(dfc)) return Ref::truth(false);
-    Ref result = global("FC"_py).call(operator""_py < Test>(), {dfc});
-    return answer == Answer::by_bool_method ? result.call("bool"_py) : std::move(result);
+    Ref result = global("FC"_py).attr(name_of<Test>())({dfc});
+    return answer == Answer::by_bool_method ? result.attr("bool"_py)() : std::move(result);
 };
-
-Ref categorical(Object dfc, Object missing_values_reference_list) {
-    return global("FCplus"_py)
-        .call("is_column_categorical"_py, {dfc}, {{"missing_values_reference_list"_py, missing_values_reference_list}});
-}
 
 }  // namespace
 
@@ -78,7 +73,7 @@ False
         if (first_cell_is_text(series)) return Ref::truth(false);
         const auto ask = [&](Name test) {
             const Ref common = global("pd"_py).attr("core"_py).attr("dtypes"_py).attr("common"_py);
-            return common.call(test, {series});
+            return common.attr(test)({series});
         };
         // No short cut: the second test is asked whatever the first one says.
         const Ref is_datetime = ask("is_datetime64_ns_dtype"_py);
@@ -289,9 +284,9 @@ Examples
 True
 )",
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
-        Ref is_categorical = categorical(dfc, missing_values_reference_list);
-        if (!truth(is_categorical)) return is_categorical;
-        return Ref::truth(length(global("np"_py).call("unique"_py, {dfc})) > 2);
+        Ref answer = is_categorical(dfc, missing_values_reference_list);
+        if (!truth(answer)) return answer;
+        return Ref::truth(length(global("np"_py).attr("unique"_py)({dfc})) > 2);
     },
 };
 
@@ -318,7 +313,7 @@ Examples
 True
 )",
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
-        return Ref::truth(!truth(categorical(dfc, missing_values_reference_list)));
+        return Ref::truth(!truth(is_categorical(dfc, missing_values_reference_list)));
     },
 };
 

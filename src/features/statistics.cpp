@@ -3,6 +3,7 @@
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 
 namespace quorin::features {
 
@@ -48,7 +49,7 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
 }
 
 Ref check(Positional arguments) {
-    return global("FCplus"_py).call("check_statistics"_py, arguments);
+    return global("FCplus"_py).attr("check_statistics"_py)(arguments);
 }
 
 }  // namespace
@@ -134,7 +135,7 @@ True
 )",
     .body = [](Object dfc) -> Ref {
         if (!first_cell_is_text(dfc)) return Ref::truth(false);
-        const Ref values = item(dfc, 0).call("unique"_py);
+        const Ref values = item(dfc, 0).attr("unique"_py)();
         if (length(values) != 2) return Ref::truth(false);
         const auto are = [&](Name first, Name second) {
             return equal(item(values, 0), first) && equal(item(values, 1), second);

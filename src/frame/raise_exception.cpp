@@ -13,12 +13,12 @@ Ref formatted_traceback(Object exception) {
     const Ref type = Ref::share(Py_TYPE(exception.get()));
     const Ref entries = exception.attr("__traceback__"_py);
 #if PY_VERSION_HEX >= 0x030A0000
-    const Ref lines = traceback.call("format_exception"_py, {type, exception, entries});
+    const Ref lines = traceback.attr("format_exception"_py)({type}, {{"value"_py, exception}, {"tb"_py, entries}});
 #else
     const Ref lines =
-        traceback.call("format_exception"_py, {}, {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
+        traceback.attr("format_exception"_py)({}, {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
 #endif
-    return Object(""_py.text).call("join"_py, {lines});
+    return Object(""_py.text).attr("join"_py)({lines});
 }
 
 }  // namespace
@@ -37,13 +37,13 @@ Every call ends in an exception.
 Parameters
 ----------
 error_message : str or None
-    Text of the error. None stands for "Exception raised!\n".
+    Text of the error. None stands for ``"Exception raised!\n"``.
 exception_type : str
     "FileNotFoundError", "ValueError" or "TypeError", compared exactly; any other value means Exception.
 exception_obj : BaseException or None
     A caught exception whose formatted traceback is to be appended to the text.
 exception_trace_flag : bool
-    Append the traceback of `exception_obj`, followed by "\nExiting ...".
+    Append the traceback of `exception_obj`, followed by ``"\nExiting ..."``.
 logger_error_flag : bool
     Log the text at level error before raising.
 
@@ -67,7 +67,7 @@ ValueError: bad column
             const Ref trace_error_message = formatted_traceback(exception_obj);
             message = add(add(message, trace_error_message), "\nExiting ..."_py);
         }
-        if (truth(logger_error_flag)) global("logger"_py).call("error"_py, {message});
+        if (truth(logger_error_flag)) global("logger"_py).attr("error"_py)({message});
         Object type = PyExc_Exception;
         if (equal(exception_type, "FileNotFoundError"_py)) {
             type = PyExc_FileNotFoundError;

@@ -9,7 +9,8 @@ namespace {
 [[noreturn]] void wrong_number(const Signature& signature, Py_ssize_t given) {
     const bool too_few = given < signature.required;
     const Py_ssize_t expected = too_few ? signature.required : signature.parameters;
-    const char* bound = signature.required == signature.parameters ? "exactly" : too_few ? "at least" : "at most";
+    const char* bound = too_few ? "at least" : "at most";
+    if (signature.required == signature.parameters) bound = "exactly";
     fail(PyExc_TypeError, "%.200s() takes %.8s %zd positional argument%.1s (%zd given)", signature.name, bound,
          expected, expected == 1 ? "" : "s", given);
 }

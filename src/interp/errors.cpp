@@ -1,5 +1,6 @@
 #include "interp/errors.hpp"
 
+#include "interp/lifecycle.hpp"
 #include "interp/space.hpp"
 
 #include <frameobject.h>
@@ -22,8 +23,13 @@ void add_traceback(const char* routine, Where where) noexcept {
     PyErr_Fetch(&type, &value, &traceback);
     const auto line = static_cast<int>(where.line());
     PyCodeObject* code = PyCode_NewEmpty(where.file_name(), routine, line);
-    PyFrameObject* frame =
-        code == nullptr ? nullptr : PyFrame_New(PyThreadState_Get(), code, module_names().get(), nullptr);
+    // A frame's globals are open to whoever reads the traceback. Before start-up there are none of ours, and another
+    // interpreter must not get at those of this one.
+    const Ref empty = Ref::adopt(PyDict_New());
+    Object globals = empty;
+    if (is_own_interpreter() && module_names()) globals = module_names();
+    PyFrameObject* frame = nullptr;
+    if (code != nullptr && empty) frame = PyFrame_New(PyThreadState_Get(), code, globals.get(), empty.get());
     // An error while making the entry is dropped: the error that is under way matters more.
     PyErr_Restore(type, value, traceback);
     if (frame != nullptr) {

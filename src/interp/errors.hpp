@@ -65,12 +65,30 @@ class RecursionGuard {
   public:
     explicit RecursionGuard(Where where = Where::current()) {
         if (Py_EnterRecursiveCall(" while calling a Python object") != 0) throw PythonError(where);
+#if PY_VERSION_HEX >= 0x030C0000
+        // These interpreters allow C code ten times the depth, for levels that are smaller than ours.
+        if (++depth_ > Py_GetRecursionLimit()) {
+            leave();
+            fail(PyExc_RecursionError, Format("maximum recursion depth exceeded while calling a Python object", where));
+        }
+#endif
     }
-    ~RecursionGuard() { Py_LeaveRecursiveCall(); }
+    ~RecursionGuard() { leave(); }
     RecursionGuard(const RecursionGuard&) = delete;
     RecursionGuard& operator=(const RecursionGuard&) = delete;
     RecursionGuard(RecursionGuard&&) = delete;
     RecursionGuard& operator=(RecursionGuard&&) = delete;
+
+  private:
+    static void leave() noexcept {
+        Py_LeaveRecursiveCall();
+#if PY_VERSION_HEX >= 0x030C0000
+        --depth_;
+    }
+    static inline thread_local int depth_ = 0;
+#else
+    }
+#endif
 };
 
 // The wall. Runs `body`, which gives a Ref, for the interpreter.

@@ -56,6 +56,12 @@ void claim_interpreter() {
     }
 }
 
+bool is_own_interpreter() noexcept {
+    const std::int64_t running = running_interpreter();
+    if (running < 0) PyErr_Clear();
+    return running >= 0 && owner == running;
+}
+
 StartUp::StartUp() {
     if (started.exchange(true)) {
         fail(PyExc_RuntimeError,

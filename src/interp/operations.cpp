@@ -49,11 +49,6 @@ Ref Object::attr(At name) const {
     return Ref::take(PyObject_GetAttr(pointer_, name.name.text), name.where);
 }
 
-Ref Object::call(At method, Positional positional, Keywords keywords) const {
-    const Ref callee = attr(method);
-    return call_with(callee.get(), positional, keywords, method.where);
-}
-
 Ref Object::operator()(Positional positional, Keywords keywords, Where where) const {
     return call_with(pointer_, positional, keywords, where);
 }
@@ -118,10 +113,6 @@ void set_attr(Object owner, At name, const Operand& value) {
     answer(PyObject_SetAttr(owner.get(), name.name.text, value.object.get()), name.where);
 }
 
-Ref matrix_column(Object X, Py_ssize_t j, Where where) {
-    return item(X, tuple({slice(Py_None, Py_None, where), j}, where), where);
-}
-
 bool contains(Object container, const Operand& value, Where where) {
     return answer(PySequence_Contains(container.get(), value.object.get()), where);
 }
@@ -137,14 +128,6 @@ Py_ssize_t count(Object number, Where where) {
     const Py_ssize_t value = PyLong_AsSsize_t(index.get());
     if (value == -1 && PyErr_Occurred() != nullptr) throw PythonError(where);
     return value;
-}
-
-Ref row_count(Object X, Where where) {
-    return item(X.attr(At("shape"_py, where)), 0, where);
-}
-
-Ref column_count(Object X, Where where) {
-    return item(X.attr(At("shape"_py, where)), 1, where);
 }
 
 bool is_instance(Object value, Object type, Where where) {
@@ -182,16 +165,14 @@ Ref list(Positional items, Where where) {
     return made;
 }
 
+Ref or_new_list(Object value) { return value.is_none() ? list({}) : Ref::share(value); }
+
 Ref list_of(Object iterable, Where where) {
     return Ref::take(PySequence_List(iterable.get()), where);
 }
 
 Ref set_of(Object iterable, Where where) {
     return Ref::take(PySet_New(iterable.get()), where);
-}
-
-Ref range_list(Object limit, Where where) {
-    return list_of(Object(&PyRange_Type)({limit}, {}, where), where);
 }
 
 Ref slice(const Operand& start, const Operand& stop, Where where) {

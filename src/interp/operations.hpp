@@ -26,13 +26,10 @@ Ref inverted(const Operand& value, Where where = Where::current());             
 Ref item(Object container, const Operand& key, Where where = Where::current());
 void set_item(Object container, const Operand& key, const Operand& value, Where where = Where::current());
 void set_attr(Object owner, At name, const Operand& value);
-Ref matrix_column(Object X, Py_ssize_t j, Where where = Where::current());  // X[:, j]
 bool contains(Object container, const Operand& value, Where where = Where::current());
 Py_ssize_t length(Object value, Where where = Where::current());
 // A number of rows or columns, as range() takes it.
 Py_ssize_t count(Object number, Where where = Where::current());
-Ref row_count(Object X, Where where = Where::current());     // X.shape[0]
-Ref column_count(Object X, Where where = Where::current());  // X.shape[1]
 
 bool is_instance(Object value, Object type, Where where = Where::current());
 bool is_text(Object value, Where where = Where::current());  // isinstance(value, str)
@@ -41,9 +38,9 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
+Ref or_new_list(Object value);                                 // a new list in place of None
 Ref list_of(Object iterable, Where where = Where::current());  // list(iterable)
 Ref set_of(Object iterable, Where where = Where::current());   // set(iterable)
-Ref range_list(Object limit, Where where = Where::current());  // list(range(limit))
 Ref slice(const Operand& start, const Operand& stop, Where where = Where::current());
 Ref whole(Py_ssize_t value, Where where = Where::current());  // an int
 void append(Object list, Object value, Where where = Where::current());

@@ -45,7 +45,7 @@ class Object {
     [[nodiscard]] bool is_none() const noexcept { return pointer_ == Py_None; }
 
     [[nodiscard]] Ref attr(At name) const;
-    Ref call(At method, Positional positional = {}, Keywords keywords = {}) const;
+    // A method is called as X.attr("reshape"_py)({-1}): it is found before the arguments are looked at.
     Ref operator()(Positional positional = {}, Keywords keywords = {}, Where where = Where::current()) const;
 
   protected:
@@ -123,9 +123,14 @@ PyObject* intern(const char* text);
 
 // The text is made at its first use and kept: no later use pays for more than a guarded load.
 template <FixedText Text>
-Name operator""_py() {
+Name name_of() {
     static PyObject* const interned = intern(Text.text);
     return Name{interned};
+}
+
+template <FixedText Text>
+Name operator""_py() {
+    return name_of<Text>();
 }
 
 }  // namespace quorin

@@ -157,10 +157,10 @@ PyObject* get_signature(PyObject* self, void* /*closure*/) {
             PyObject* otherwise = default_of(self, i);
             append(parameters, make_parameter({name, kind},
                                               {{"default"_py, otherwise == nullptr ? Object(empty) : Object(otherwise)},
-                                               {"annotation"_py, annotations.call("get"_py, {name, empty})}}));
+                                               {"annotation"_py, annotations.attr("get"_py)({name, empty})}}));
         }
-        return inspect.call("Signature"_py, {parameters},
-                            {{"return_annotation"_py, annotations.call("get"_py, {"return"_py, empty})}});
+        return inspect.attr("Signature"_py)(
+            {parameters}, {{"return_annotation"_py, annotations.attr("get"_py)({"return"_py, empty})}});
     });
 }
 
@@ -287,7 +287,7 @@ void ready_routine_type() {
 
 Ref make_routine(const Definition& definition, const char* owner) {
     if (definition.parameters.size() != definition.body.arity()) {
-        fail(PyExc_SystemError, "%s: as many parameters as its body takes, please", definition.name);
+        fail(PyExc_SystemError, "%s: the body takes another number of parameters", definition.name);
     }
     Ref made = Ref::take(reinterpret_cast<PyObject*>(PyObject_GC_New(Routine, &routine_type)));
     Routine* self = routine_of(made.get());

@@ -34,8 +34,12 @@ class Default {
 enum class Annotation { none, ndarray, boolean, set_text };
 
 struct Parameter {
+    constexpr Parameter() = default;
+    constexpr Parameter(const char* parameter, Default value = {}, Annotation note = Annotation::none)
+        : name(parameter), otherwise(value), annotation(note) {}
+
     const char* name = nullptr;
-    Default otherwise{};
+    Default otherwise;
     Annotation annotation = Annotation::none;
 };
 

@@ -16,6 +16,13 @@ PyObject* look_up(PyObject* dictionary, At name) {
     return found;
 }
 
+// Built-in names are those that the module was started with, whoever calls.
+PyObject* look_up_builtin(At name) {
+    PyObject* builtins = look_up(names, At("__builtins__"_py, name.where));
+    if (builtins == nullptr) return nullptr;
+    return look_up(PyModule_Check(builtins) ? PyModule_GetDict(builtins) : builtins, name);
+}
+
 }  // namespace
 
 Object module_names() noexcept {
@@ -29,7 +36,7 @@ void use_module_names(Object dictionary) noexcept {
 
 Ref global(At name) {
     PyObject* found = look_up(names, name);
-    if (found == nullptr) found = look_up(PyEval_GetBuiltins(), name);
+    if (found == nullptr) found = look_up_builtin(name);
     if (found == nullptr) {
         fail(PyExc_NameError, Format("name '%U' is not defined", name.where), name.name.text);
     }
@@ -41,7 +48,7 @@ void print(const Operand& what, Where where) {
 }
 
 Ref now(Where where) {
-    return global(At("time"_py, where)).call(At("time"_py, where));
+    return global(At("time"_py, where)).attr(At("time"_py, where))();
 }
 
 void fail_unbound(Name variable, Where where) {

@@ -1,5 +1,6 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "missing/missing.hpp"
 
 namespace quorin::missing {
@@ -14,25 +15,27 @@ struct Found {
 // One pass over the column for each marker, in the order of the list.
 Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) {
     Found found;
+    Local numpy_isin_start{"numpy_isin_start"_py};
     const Ref markers = iterate(missing_values_list);
     while (const Ref missing_value = next(markers)) {
-        Local numpy_isin_start{"numpy_isin_start"_py};
         if (truth(debug)) {
             numpy_isin_start = now();
             print(concat(
                 {"\n\nnumpy_compute_missing_indicator():Checking for missing_value="_py, text_of(missing_value)}));
         }
         const Ref missing_mask = global("numpy_isin"_py)({X, list({missing_value})});
-        const Ref missing_value_found = global("np"_py).call("any"_py, {missing_mask});
+        const Ref missing_value_found = global("np"_py).attr("any"_py)({missing_mask});
         if (truth(missing_value_found)) {
             append(found.markers, missing_value);
             append(found.masks, missing_mask);
             if (truth(stop_at_one_missing_value_flag)) break;
         }
         if (truth(debug)) {
-            print(concat({"numpy_compute_missing_indicator():missing_value="_py, text_of(missing_value), " found: "_py,
-                          text_of(missing_value_found), "\nelapsed_time: numpy_isin_elapsed_end(s): "_py,
-                          text_of(subtract(now(), numpy_isin_start.get()))}));
+            const Ref told =
+                concat({"numpy_compute_missing_indicator():missing_value="_py, text_of(missing_value), " found: "_py,
+                        text_of(missing_value_found), "\nelapsed_time: numpy_isin_elapsed_end(s): "_py});
+            const Ref end = now();
+            print(concat({told, text_of(subtract(end, numpy_isin_start.get()))}));
         }
     }
     return found;
@@ -86,15 +89,13 @@ Examples
 )",
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
         if (truth(debug)) {
-            const Ref rows = row_count(X);
-            const Ref row_limit = less(rows, 50) ? Ref::share(rows) : whole(50);
-            print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(item(X, range_list(row_limit))),
+            print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(first_rows(X, capped_row_count(X))),
                           "\n\n"_py}));
         }
-        Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
+        const Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
         const Ref shape = tuple({row_count(X)});
-        const Ref nothing = global("np"_py).call("zeros"_py, {shape}, {{"dtype"_py, &PyBool_Type}});
+        const Ref nothing = global("np"_py).attr("zeros"_py)({shape}, {{"dtype"_py, &PyBool_Type}});
         return tuple({nothing, list_of(nothing), list({})});
     },
 };

@@ -1,5 +1,6 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "missing/missing.hpp"
 
 namespace quorin::missing {
@@ -51,8 +52,8 @@ Examples
 array([False,  True])
 )",
     .body = [](Object reference_set, Object l) -> Ref {
-        const Ref is_in_reference = global("np"_py).call("vectorize"_py, {membership_test(reference_set)},
-                                                         {{"otypes"_py, list({&PyBool_Type})}});
+        const Ref is_in_reference = global("np"_py).attr("vectorize"_py)({membership_test(reference_set)},
+                                                                         {{"otypes"_py, list({&PyBool_Type})}});
         return is_in_reference({l});
     },
 };
@@ -92,25 +93,24 @@ array([ True,  True, False])
         Local limit{"limit"_py};
         Local start_time{"start_time"_py};
         if (truth(debug)) {
-            const Ref rows = row_count(X);
-            limit = less(rows, 50) ? Ref::share(rows) : whole(50);
-            print(concat({"Starting numpy_isin(): Starting\n X column: "_py, text_of(item(X, range_list(limit.get()))),
-                          "\n"_py}));
+            limit = capped_row_count(X);
+            print(concat(
+                {"Starting numpy_isin(): Starting\n X column: "_py, text_of(first_rows(X, limit.get())), "\n"_py}));
             start_time = now();
         }
         const Ref l_X = global("numpy_flatten_column"_py)({X});
-        const Ref nan_missing_mask = global("pd"_py).call("isnull"_py, {values_reference_list});
+        const Ref nan_missing_mask = global("pd"_py).attr("isnull"_py)({values_reference_list});
         Ref result;
-        if (truth(global("np"_py).call("any"_py, {nan_missing_mask}))) {
-            const Ref values = global("np"_py).call("asarray"_py, {values_reference_list});
+        if (truth(global("np"_py).attr("any"_py)({nan_missing_mask}))) {
+            const Ref values = global("np"_py).attr("asarray"_py)({values_reference_list});
             const Ref non_nan_values_reference_list = list_of(item(values, inverted(nan_missing_mask)));
             if (length(non_nan_values_reference_list) == 0) {
-                result = global("pd"_py).call("isnull"_py, {l_X});
+                result = global("pd"_py).attr("isnull"_py)({l_X});
             } else {
-                const Ref nan_cond = global("pd"_py).call("isnull"_py, {l_X});
+                const Ref nan_cond = global("pd"_py).attr("isnull"_py)({l_X});
                 const Ref set_non_nan_values_reference_list = set_of(non_nan_values_reference_list);
                 if (truth(debug)) {
-                    print(item(l_X, range_list(limit.get())));
+                    print(first_rows(l_X, limit.get()));
                     print(set_non_nan_values_reference_list);
                 }
                 const Ref non_nan_cond = global("indicator_mask"_py)({set_non_nan_values_reference_list, l_X});

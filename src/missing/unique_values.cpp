@@ -62,16 +62,16 @@ array(['a', 'b'], dtype=object)
             y_to_process = item(y, inverted(included_mask));
         }
         const auto unique = [&] {
-            return global("np"_py).call("unique"_py, {y_to_process, return_index, return_inverse, return_counts});
+            return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
         };
         try {
             return unique();
         } catch (const PythonError& error) {
-            if (!error.matches(PyExc_Exception)) throw;
+            if (!PythonError::matches(PyExc_Exception)) throw;
             const Handling handling(error, "get_unique_values");
             const Object e = handling.exception();
             if (is_mixed_text_failure(text_of(e))) {
-                global("logger"_py).call("warning"_py, {concat({text_of(e), ", Converting to string column"_py})});
+                global("logger"_py).attr("warning"_py)({concat({text_of(e), ", Converting to string column"_py})});
                 y_to_process = global("numpy_column_float2str"_py)(
                     {}, {{"X"_py, y_to_process}, {"fast_conversion_flag"_py, fast_str_conversion_flag}});
                 return unique();

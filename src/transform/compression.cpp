@@ -1,5 +1,6 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -7,8 +8,9 @@ namespace quorin::transform {
 namespace {
 
 Ref digest(Object s) {
-    const Ref md5 = global("hashlib"_py).call("md5"_py, {s.call("encode"_py)});
-    return Object(&PyLong_Type)({md5.call("hexdigest"_py), 16});
+    const Ref bytes = s.attr("encode"_py)();
+    const Ref md5 = global("hashlib"_py).attr("md5"_py)({bytes});
+    return Object(&PyLong_Type)({md5.attr("hexdigest"_py)(), 16});
 }
 
 Ref compressed(Object label, Object compress_type) {
@@ -17,8 +19,8 @@ Ref compressed(Object label, Object compress_type) {
 
 // One row, judged by its text and written into the column itself.
 void compress_row(Object Xcol, Py_ssize_t i, Object str_elt, Object misslist, Object compress_type) {
-    const auto is_null = [&] { return truth(global("pd"_py).call("isnull"_py, {str_elt})); };
-    if (!is_null() && !contains(misslist, str_elt) && !truth(str_elt.call("isalnum"_py))) {
+    const auto is_null = [&] { return truth(global("pd"_py).attr("isnull"_py)({str_elt})); };
+    if (!is_null() && !contains(misslist, str_elt) && !truth(str_elt.attr("isalnum"_py)())) {
         set_item(Xcol, i, compressed(str_elt, compress_type));
     } else if (equal(compress_type, "hash"_py)) {
         if (is_null() || contains(misslist, str_elt)) {
@@ -65,7 +67,7 @@ Examples
 16955237001963240173058271559858726497
 )",
     .body = [](Object s, Object compress_type) -> Ref {
-        if (equal(compress_type, "string"_py)) return Object(""_py.text).call("join"_py, {s.call("split"_py)});
+        if (equal(compress_type, "string"_py)) return Object(""_py.text).attr("join"_py)({s.attr("split"_py)()});
         return digest(s);
     },
 };
@@ -109,9 +111,9 @@ Examples
 array(['NewYork', 'Oslo', '?'], dtype=object)
 )",
     .body = [](Object X, Object misslist, Object compress_type) -> Ref {
-        const Ref Xcol = is_instance(X, &PyList_Type) ? global("np"_py).call("asarray"_py, {X}) : Ref::share(X);
+        const Ref Xcol = is_instance(X, &PyList_Type) ? global("np"_py).attr("asarray"_py)({X}) : Ref::share(X);
         if (!contains("OSUV"_py.text, Xcol.attr("dtype"_py).attr("kind"_py))) return Ref::share(Xcol);
-        const Ref Xcol_str = Xcol.call("astype"_py, {&PyUnicode_Type});
+        const Ref Xcol_str = Xcol.attr("astype"_py)({&PyUnicode_Type});
         const Py_ssize_t num_rows = count(row_count(Xcol_str));
         for (Py_ssize_t i = 0; i < num_rows; ++i) compress_row(Xcol, i, item(Xcol_str, i), misslist, compress_type);
         return Ref::share(Xcol);

@@ -2,6 +2,7 @@
 #include "interp/numpy.hpp"
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -13,7 +14,7 @@ void convert_or_report(Object X, Object Y, const Operand& i) {
     try {
         set_item(Y, i, Object(&PyFloat_Type)({item(X, i)}));
     } catch (const PythonError& error) {
-        if (!error.matches(PyExc_Exception)) throw;
+        if (!PythonError::matches(PyExc_Exception)) throw;
         const Handling handling(error, "numpy_floatstr2float");
         set_item(Y, i, global("np"_py).attr("nan"_py));
         print(handling.exception());
@@ -23,8 +24,8 @@ void convert_or_report(Object X, Object Y, const Operand& i) {
 
 // '?' for a null, no fraction for a whole float, str() for the rest.
 Ref float_text(Object elt) {
-    if (truth(global("pd"_py).call("isnull"_py, {elt}))) return Ref::share("?"_py.text);
-    if (is_instance(elt, numpy_alias("float"_py, &PyFloat_Type)) && truth(elt.call("is_integer"_py))) {
+    if (truth(global("pd"_py).attr("isnull"_py)({elt}))) return Ref::share("?"_py.text);
+    if (is_instance(elt, numpy_alias("float"_py, &PyFloat_Type)) && truth(elt.attr("is_integer"_py)())) {
         return text_of(numpy_alias("int"_py, &PyLong_Type)({elt}));
     }
     return text_of(elt);
@@ -67,9 +68,8 @@ Examples
 array([   1.5,    nan, 1000. ])
 )",
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
-        const Ref l_missing_values_reference_list =
-            missing_values_reference_list.is_none() ? list({}) : Ref::share(missing_values_reference_list);
-        const Ref Y = X.call("copy"_py);
+        const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);
+        const Ref Y = X.attr("copy"_py)();
         const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) {
             if (contains(l_missing_values_reference_list, item(X, i))) {
@@ -78,7 +78,7 @@ array([   1.5,    nan, 1000. ])
                 convert_or_report(X, Y, i);
             }
         }
-        return Y.call("astype"_py, {&PyFloat_Type});
+        return Y.attr("astype"_py)({&PyFloat_Type});
     },
 };
 
@@ -118,7 +118,7 @@ array([1., 0.])
             const Ref missing_values_mask = global("numpy_isin"_py)({X, missing_values_reference_list});
             set_item(X, missing_values_mask, global("np"_py).attr("nan"_py));
         }
-        return X.call("astype"_py, {&PyFloat_Type});
+        return X.attr("astype"_py)({&PyFloat_Type});
     },
 };
 
@@ -146,7 +146,7 @@ dtype('float32')
 )",
     .body = [](Object X, Object force_flag) -> Ref {
         if (!equal(X.attr("dtype"_py), "float64"_py) && !truth(force_flag)) return Ref::share(X);
-        return X.call("astype"_py, {"float32"_py});
+        return X.attr("astype"_py)({"float32"_py});
     },
 };
 
@@ -176,7 +176,7 @@ Examples
 array(['1', '2.5', '?'], dtype=object)
 )",
     .body = [](Object X, Object fast_conversion_flag) -> Ref {
-        if (truth(fast_conversion_flag)) return X.call("astype"_py, {&PyUnicode_Type});
+        if (truth(fast_conversion_flag)) return X.attr("astype"_py)({&PyUnicode_Type});
         const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) set_item(X, i, float_text(item(X, i)));
         return Ref::share(X);

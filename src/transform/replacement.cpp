@@ -1,5 +1,6 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -39,8 +40,8 @@ Examples
 array(['?', 2], dtype=object)
 )",
     .body = [](Object X, Object replace_values_mask, Object filling_value) -> Ref {
-        Ref Y = X.call("astype"_py, {&PyBaseObject_Type});
-        global("np"_py).call("putmask"_py, {Y, replace_values_mask, filling_value});
+        Ref Y = X.attr("astype"_py)({&PyBaseObject_Type});
+        global("np"_py).attr("putmask"_py)({Y, replace_values_mask, filling_value});
         return Y;
     },
 };
@@ -88,8 +89,8 @@ array([[-1, 2],
         const bool list2_flag = is_instance(item(reference_values_list, 0), &PyList_Type);
         const Ref num_rows = row_count(X);
         const Ref num_columns = equal(X.attr("ndim"_py), 1) ? whole(1) : column_count(X);
-        Ref Y = global("np"_py).call("empty"_py, {tuple({num_rows, num_columns})}, {{"dtype"_py, &PyBaseObject_Type}});
-        const Ref every_row = slice(Py_None, Py_None);
+        Ref Y = global("np"_py).attr("empty"_py)({tuple({num_rows, num_columns})}, {{"dtype"_py, &PyBaseObject_Type}});
+        const Ref every_row = every();
         const Py_ssize_t columns = count(num_columns);
         for (Py_ssize_t j = 0; j < columns; ++j) {
             const bool flat = equal(X.attr("ndim"_py), 1);
@@ -99,10 +100,11 @@ array([[-1, 2],
             const Ref reference_values_list_col =
                 list2_flag ? item(reference_values_list, j) : Ref::share(reference_values_list);
             const Ref replace_values_mask = mask_of(Xcol, reference_values_list_col, invert_flag);
-            const bool any = truth(global("np"_py).call("any"_py, {replace_values_mask}));
+            const bool any = truth(global("np"_py).attr("any"_py)({replace_values_mask}));
+            const bool whole_result = equal(X.attr("ndim"_py), 1);
             Ref column =
                 any ? global("numpy_putmask"_py)({Xcol, replace_values_mask, filling_value}) : Ref::share(Xcol);
-            if (equal(X.attr("ndim"_py), 1)) {
+            if (whole_result) {
                 Y = std::move(column);
             } else {
                 set_item(Y, tuple({every_row, j}), column);

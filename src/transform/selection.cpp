@@ -1,5 +1,6 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
+#include "interp/table.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -7,7 +8,7 @@ namespace quorin::transform {
 namespace {
 
 void warn(const Operand& text) {
-    global("logger"_py).call("warning"_py, {text.object});
+    global("logger"_py).attr("warning"_py)({text.object});
 }
 
 // No number is below 0 and beyond the last column at once, so numbers never get past the test: an index out of range
@@ -78,10 +79,10 @@ Examples
         }
         if (warned_of_range(columns_indices_list, x_numelts)) return tuple({X, false});
         if (from_list) {
-            const Ref array = global("np"_py).call("array"_py, {X});
+            const Ref array = global("np"_py).attr("array"_py)({X});
             return tuple({list_of(item(array, columns_indices_list)), true});
         }
-        const Ref every_row = slice(Py_None, Py_None);
+        const Ref every_row = every();
         return tuple({item(X, tuple({every_row, columns_indices_list})), true});
     },
 };
@@ -120,7 +121,7 @@ array([1, 2])
             !equal(item(item(X, 0).attr("shape"_py), 0), 1)) {
             return Ref::share(X);
         }
-        Ref Y = global("np"_py).call("concatenate"_py, {X}).call("ravel"_py);
+        Ref Y = global("np"_py).attr("concatenate"_py)({X}).attr("ravel"_py)();
         if (truth(remove_second_dim)) Y = global("numpy_remove_second_dim"_py)({Y});
         return Y;
     },
@@ -150,7 +151,7 @@ Examples
 )",
     .body = [](Object X) -> Ref {
         if (greater(X.attr("ndim"_py), 1) && equal(column_count(X), 1)) {
-            return X.call("reshape"_py, {-1});
+            return X.attr("reshape"_py)({-1});
         }
         return Ref::share(X);
     },
@@ -188,14 +189,14 @@ Examples
 array([[11, 12, 10]])
 )",
     .body = [](Object X, Object permutation_indices, Object axis) -> Ref {
-        const Ref l_permutation_indices = permutation_indices.is_none() ? list({}) : Ref::share(permutation_indices);
+        const Ref l_permutation_indices = or_new_list(permutation_indices);
         const Ref l_axis = axis.is_none() ? whole(0) : Ref::share(axis);
-        if (!truth(l_permutation_indices)) return X.call("copy"_py);
-        const Ref i = global("np"_py).call("argsort"_py, {l_permutation_indices});
-        if (!equal(l_axis, 0) && !equal(l_axis, 1)) return X.call("copy"_py);
-        const Ref everything = slice(Py_None, Py_None);
+        if (!truth(l_permutation_indices)) return X.attr("copy"_py)();
+        const Ref i = global("np"_py).attr("argsort"_py)({l_permutation_indices});
+        if (!equal(l_axis, 0) && !equal(l_axis, 1)) return X.attr("copy"_py)();
+        const Ref everything = every();
         const Ref key = equal(l_axis, 0) ? tuple({everything, i}) : tuple({i, everything});
-        return item(X, key).call("copy"_py);
+        return item(X, key).attr("copy"_py)();
     },
 };
 

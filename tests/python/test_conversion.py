@@ -7,12 +7,6 @@ import warnings
 import numpy as np
 import pandas as pd
 import pytest
-from quorin_libs.utils.exportable_utils import (
-    convert_float32,
-    numpy_boolean2float,
-    numpy_column_float2str,
-    numpy_floatstr2float,
-)
 from support import (
     Recorder,
     mask,
@@ -25,6 +19,12 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import (
+    convert_float32,
+    numpy_boolean2float,
+    numpy_column_float2str,
+    numpy_floatstr2float,
+)
 
 NAN = float("nan")
 DEFAULT = exportable_utils.global_missing_values_reference_list

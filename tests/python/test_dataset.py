@@ -160,6 +160,11 @@ def test_a_frame_of_pandas_cannot_add_columns():
     assert fun.only_call()[0][0].tolist() == [1, 2]
 
 
+def test_a_frame_of_pandas_cannot_add_columns_of_any_name():
+    with pytest.raises(AttributeError):
+        DatasetS(pd.DataFrame({0: [1]})).AddNewColumns(lambda column: column)
+
+
 def test_columns_added_before_a_failure_of_the_function_stay():
     failure = RuntimeError("b")
 

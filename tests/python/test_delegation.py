@@ -5,6 +5,7 @@ from __future__ import annotations
 import types
 
 import pytest
+
 import quorin_libs.utils.exportable_utils as eu
 
 # Routine, the test of FC that it calls, arguments given, arguments that FC receives.

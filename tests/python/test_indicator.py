@@ -5,7 +5,6 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from quorin_libs.utils.exportable_utils import numpy_compute_missing_indicator
 from support import (
     Recorder,
     mask,
@@ -18,6 +17,7 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import numpy_compute_missing_indicator
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 NAN = np.nan

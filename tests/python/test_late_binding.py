@@ -4,8 +4,9 @@ from __future__ import annotations
 
 import numpy as np
 import pytest
-import quorin_libs.utils.exportable_utils as eu
 from stand_ins import Looked, Overlay, Recorder, objects, plain
+
+import quorin_libs.utils.exportable_utils as eu
 
 # numpy's own word on `np.float`, which the oldest numpy still has.
 pytestmark = pytest.mark.filterwarnings("ignore:`np.float` is a deprecated alias")

@@ -25,11 +25,11 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-import quorin_libs.utils.exportable_utils as eu
 import six
 from fresh import run_fresh
 from interface_table import MODULE, PRESENT, ROWS, routine, row_id, stored
 
+import quorin_libs.utils.exportable_utils as eu
 from quorin_libs.utils.fc_methods import FC
 
 IMPORTED = [
@@ -235,6 +235,63 @@ def test_second_interpreter_is_refused(tmp_path):
     assert (is_int, matched) == (True, [False, True])
 
 
+def test_second_interpreter_is_refused_before_start_up(tmp_path):
+    """The first interpreter has made the module, but not executed it."""
+    script = IN_SECOND_INTERPRETER.format(module=MODULE)
+    code = RUN_SECOND_INTERPRETER.format(module=MODULE, script=script).replace(
+        "import {} as m\n".format(MODULE),
+        """
+import importlib.util
+spec = importlib.util.find_spec("{}")
+m = importlib.util.module_from_spec(spec)
+""".format(MODULE),
+    )
+    code = code.replace("column = m.", "spec.loader.exec_module(m)\ncolumn = m.")
+    second, is_int, matched = run_fresh(code, tmp_path)
+    assert second == ["ImportError", REFUSED_INTERPRETER, False, False]
+    assert (is_int, matched) == (True, [False, True])
+
+
+def test_refused_interpreter_does_not_see_the_first_ones_names(tmp_path):
+    script = """
+import json, sys
+try:
+    import {}
+except ImportError as error:
+    entry = error.__traceback__
+    while entry.tb_next is not None:
+        entry = entry.tb_next
+    frame = entry.tb_frame
+    open("second", "w").write(json.dumps([frame.f_code.co_name, "np" in frame.f_globals]))
+""".format(MODULE)
+    code = RUN_SECOND_INTERPRETER.format(module=MODULE, script=script)
+    second, _, _ = run_fresh(code, tmp_path)
+    assert second == ["init " + MODULE, False]
+
+
+def test_start_up_by_hand_that_fails_leaves_nothing_listed(tmp_path):
+    code = """
+import importlib, importlib.util
+spec = importlib.util.find_spec("{module}")
+sys.modules["six"] = None
+failed = ""
+try:
+    spec.loader.exec_module(importlib.util.module_from_spec(spec))
+except ImportError as error:
+    failed = type(error).__name__
+listed = "{module}" in sys.modules
+del sys.modules["six"]
+answer([failed, listed, importlib.import_module("{module}").isint("12")])
+""".format(module=MODULE)
+    assert run_fresh(code, tmp_path)[1:] == [False, True]
+
+
+def test_builtins_are_those_of_the_module(capsys):
+    names = {"__builtins__": {"print": None}, "eu": eu, "X": np.array(["abc"], dtype=object)}
+    exec("eu.numpy_floatstr2float(X)", names)  # noqa: S102 - the caller's built-ins are the matter
+    assert capsys.readouterr().out.endswith("Setting value abc to NaN\n")
+
+
 BLOCKED_IMPORT = """
 import importlib, traceback, types
 module, blocked, in_place = {module!r}, {blocked!r}, {in_place!r}
@@ -348,7 +405,9 @@ def test_version_warning(tmp_path):
     if library.exists():
         library.unlink()
     library.write_bytes(content)
-    file, is_int, warned = run_fresh(VERSION_WARNING, tmp_path, PYTHONPATH=str(packages))
+    # An editable install answers for the package before the path is asked.
+    plain = "import sys\nsys.meta_path[:] = [f for f in sys.meta_path if isinstance(f, type)]\n"
+    file, is_int, warned = run_fresh(plain + VERSION_WARNING, tmp_path, PYTHONPATH=str(packages))
     assert file == str(library)
     assert is_int
     text = "compiletime version {} of module '{}' does not match runtime version {}"

@@ -9,6 +9,7 @@ import traceback
 import types
 
 import pytest
+
 import quorin_libs.utils.exportable_utils as eu
 
 raise_exception = eu.QSR_raise_exception
@@ -223,7 +224,7 @@ def test_how_the_traceback_is_asked_for(monkeypatch, log):
     error = raised_by("m:", exception_obj=failure, exception_trace_flag=Truth(True))
     assert error.args == ("m:ab\n\nExiting ...",)
     if sys.version_info >= (3, 10):
-        assert calls == [((KeyError, failure, failure.__traceback__), {})]
+        assert calls == [((KeyError,), {"value": failure, "tb": failure.__traceback__})]
     else:
         keywords = {"etype": KeyError, "value": failure, "tb": failure.__traceback__}
         assert calls == [((), keywords)]

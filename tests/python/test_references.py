@@ -9,6 +9,7 @@ import types
 
 import numpy as np
 import pytest
+
 import quorin_libs.utils.exportable_utils as eu
 
 

@@ -14,9 +14,10 @@ import weakref
 
 import numpy as np
 import pytest
-import quorin_libs.utils.exportable_utils as eu
 from fresh import run_fresh
 from interface_table import MODULE, PRESENT, REQUIRED, routine, row_id, stored
+
+import quorin_libs.utils.exportable_utils as eu
 
 every_routine = pytest.mark.parametrize("row", PRESENT, ids=row_id)
 STATIC = [row for row in PRESENT if row.static]
@@ -313,6 +314,14 @@ ENDLESS = {
         eu.FC = eu.FCplus
         eu.FCplus.is_epoch = staticmethod(eu.FCplus.is_column_epoch)
         call = lambda: eu.FCplus.is_column_epoch(1)
+        """,
+    "from routine to routine": """
+        eu.numpy_isin = eu.numpy_compute_missing_indicator
+        call = lambda: eu.numpy_compute_missing_indicator(eu.np.array(["a"]), ["?"])
+        """,
+    "from method to method": """
+        eu.FCplus.is_column_categorical = staticmethod(eu.FCplus.find_categorical_columns)
+        call = lambda: eu.FCplus.find_categorical_columns(eu.np.array([[1, 2]]))
         """,
 }
 

@@ -11,6 +11,7 @@ from fractions import Fraction
 
 import numpy as np
 import pytest
+
 import quorin_libs.utils.exportable_utils as eu
 
 

@@ -5,12 +5,6 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from quorin_libs.utils.exportable_utils import (
-    numpy_flatten_column,
-    numpy_permute_array,
-    numpy_remove_second_dim,
-    numpy_select_columns,
-)
 from support import (
     Recorder,
     message_of,
@@ -23,6 +17,12 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import (
+    numpy_flatten_column,
+    numpy_permute_array,
+    numpy_remove_second_dim,
+    numpy_select_columns,
+)
 
 ONE_COLUMN = (
     "numpy_select_columns(): Input array has only one column. No column selection will occur."

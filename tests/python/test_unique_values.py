@@ -8,7 +8,6 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from quorin_libs.utils.exportable_utils import get_unique_values
 from support import (
     Recorder,
     mask,
@@ -22,6 +21,7 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import get_unique_values
 
 NAN = float("nan")
 DEFAULT = exportable_utils.global_missing_values_reference_list

@@ -6,7 +6,6 @@ from decimal import Decimal
 
 import numpy as np
 import pytest
-from quorin_libs.utils.exportable_utils import numpy_whatis
 from support import (
     message_of,
     names_in_traceback,
@@ -16,6 +15,7 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import numpy_whatis
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 UNSET = "local variable 'dtype_str_found' referenced before assignment"

@@ -4,10 +4,10 @@ from __future__ import annotations
 
 import numpy as np
 import pytest
-from quorin_libs.utils.exportable_utils import numpy_whatis
 from support import mask, objects, record, set_clock, typed
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import numpy_whatis
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 

@@ -9,7 +9,6 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from quorin_libs.utils.exportable_utils import numpy_whatis
 from support import (
     names_in_traceback,
     objects,
@@ -18,6 +17,7 @@ from support import (
 )
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import numpy_whatis
 
 NAN = float("nan")
 DEFAULT = exportable_utils.global_missing_values_reference_list

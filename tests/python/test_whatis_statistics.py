@@ -6,10 +6,10 @@ from decimal import Decimal
 
 import numpy as np
 import pytest
-from quorin_libs.utils.exportable_utils import FCplus, numpy_whatis
 from support import Recorder, mask, names_in_traceback, objects, record, typed
 
 from quorin_libs.utils import exportable_utils
+from quorin_libs.utils.exportable_utils import FCplus, numpy_whatis
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 DATE_TEST = "is_column_string_in_datetime_format"
