@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import builtins
 import warnings
-from typing import Any
+from typing import Any, ClassVar, FrozenSet
 
 import numpy as np
 import pandas as pd
@@ -78,6 +78,9 @@ class FC:
     The semantic tests (dates, moments, coordinates, distances) are strict on purpose. A column
     wrongly called a date is converted and ruined; one that was missed is merely left as it is.
     """
+
+    # Tests that do nothing but answer. A caller that has no use for the answer need not ask.
+    side_effect_free: ClassVar[FrozenSet[str]] = frozenset({"is_string_in_datetime_format"})
 
     @staticmethod
     def is_positive(column: Any) -> Verdict:
