@@ -7,6 +7,7 @@
 #include "interp/lifecycle.hpp"
 #include "interp/numpy.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/routine.hpp"
 #include "interp/space.hpp"
 #include "missing/missing.hpp"
@@ -180,6 +181,7 @@ void start_up(Object names) {
     define(names, routines_between_classes);
     define_datasets(names);
     set_item(names, "__test__"_py, Ref::take(PyDict_New()));
+    remember_originals();
 }
 
 // The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too, unless its

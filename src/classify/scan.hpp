@@ -1,7 +1,7 @@
 // Gathering: one walk over the distinct values of a column, which counts what it sees. The verdict is drawn elsewhere.
 #pragma once
 
-#include "classify/kinds.hpp"
+#include "classify/kind_counts.hpp"
 
 #include <optional>
 

@@ -14,7 +14,8 @@ template <FixedText Test, Answer answer>
 constexpr auto guarded = [](Object dfc) -> Ref {
     if (first_cell_is_text(dfc)) return Ref::truth(false);
     Ref result = global("FC"_py).attr(name_of<Test>())({dfc});
-    return answer == Answer::by_bool_method ? result.attr("bool"_py)() : std::move(result);
+    if constexpr (answer == Answer::by_bool_method) result = result.attr("bool"_py)();
+    return result;
 };
 
 }  // namespace

@@ -1,20 +1,13 @@
+#define QUORIN_IMPORTS_NUMPY
 #include "interp/numpy.hpp"
 
 #include "interp/errors.hpp"
 #include "interp/space.hpp"
 
-#include <numpy/arrayobject.h>
-#include <numpy/arrayscalars.h>
-
 namespace quorin {
 
 void connect_numpy() {
     if (_import_array() < 0) throw PythonError(Where::current());
-}
-
-bool is_plain_text(Object value) noexcept {
-    const PyTypeObject* type = Py_TYPE(value.get());
-    return type == &PyUnicode_Type || type == &PyUnicodeArrType_Type;
 }
 
 Ref numpy_alias(At name, Object builtin) {

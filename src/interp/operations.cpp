@@ -165,7 +165,9 @@ Ref list(Positional items, Where where) {
     return made;
 }
 
-Ref or_new_list(Object value) { return value.is_none() ? list({}) : Ref::share(value); }
+Ref or_new_list(Object value) {
+    return value.is_none() ? list({}) : Ref::share(value);
+}
 
 Ref list_of(Object iterable, Where where) {
     return Ref::take(PySequence_List(iterable.get()), where);

@@ -41,6 +41,11 @@ struct Characters {
 // The interpreter's macros cast in C's way, in our lines.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast"
+#if PY_VERSION_HEX < 0x030C0000
+inline bool is_ready_text(PyObject* text) {
+    return PyUnicode_IS_READY(text) != 0;
+}
+#endif
 inline Characters characters_of(PyObject* text) {
 #if PY_VERSION_HEX < 0x030C0000
     if (PyUnicode_READY(text) < 0) return {};

@@ -1,30 +1,15 @@
-// What a column or one of its values can be, and how often each kind was seen.
+// How often each kind was seen.
 #pragma once
-
-#include "interp/ref.hpp"
 
 #include <array>
 #include <cstddef>
 
+#include "columns/kinds.hpp"
+
 namespace quorin::classify {
 
-// In the order in which the counts are reported. `date_str` is kept free and never assigned.
-enum class Kind {
-    missing,
-    char_str,
-    date_str,
-    int_str,
-    float_str,
-    float_num,
-    float_int_num,
-    int_num,
-    boolean,
-    unknown
-};
-
-constexpr std::size_t kinds = 10;
-
-Name text(Kind kind);
+using columns::Kind;
+using columns::kinds;
 
 // One Python number for each kind.
 class KindCounts {

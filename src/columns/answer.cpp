@@ -1,0 +1,187 @@
+#include "columns/answer.hpp"
+
+#include "interp/operations.hpp"
+#include "kernels/number_facts.hpp"
+
+namespace quorin::columns {
+
+namespace {
+
+using kernels::Gathered;
+using kernels::Ordered;
+using kernels::TextFacts;
+
+// Distinct plain texts below the marker that ends the scan; a column with more of them goes the long way.
+constexpr std::size_t most_plain_below = 256;
+
+// A column without values. Only rows that are missing make it "missing".
+Answer no_values(const Markers& markers, std::uint32_t bits, bool nulls) {
+    const bool missing = bits != 0 || (nulls && markers.null);
+    return {markers_found(markers, bits, nulls), missing ? Kind::missing : Kind::unknown};
+}
+
+Kind number_kind(const TextFacts& facts) {
+    return facts.reals ? Kind::float_str : Kind::int_str;
+}
+
+// Texts of an object array are handed on as they are.
+class ObjectTexts {
+  public:
+    using Cells = ObjectCells;
+    explicit ObjectTexts(const Column& column) : column_(column) {}
+    [[nodiscard]] Ref listed(const Ordered& text) const { return Ref::share(column_.object(text.row)); }
+    [[nodiscard]] Ref scanned(const Ordered& text) const { return listed(text); }
+
+  private:
+    Column column_;
+};
+
+// Texts of a fixed-width array: a plain str where the distinct values are listed, an element of the array where they
+// are scanned one by one.
+class FixedTexts {
+  public:
+    using Cells = FixedTextCells;
+    explicit FixedTexts(const Column& column) : column_(column) {}
+    [[nodiscard]] static Ref listed(const Ordered& text) {
+        return Ref::take(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.text.characters,
+                                                   static_cast<Py_ssize_t>(text.text.length)));
+    }
+    [[nodiscard]] Ref scanned(const Ordered& text) const {
+        auto* data = const_cast<char*>(column_.at(text.row));
+        return Ref::take(
+            PyArray_Scalar(data, PyArray_DESCR(column_.array), reinterpret_cast<PyObject*>(column_.array)));
+    }
+
+  private:
+    Column column_;
+};
+
+// The plain texts that were found below or beside number texts count as markers, in ascending order. Those below the
+// least number text were listed at once, the others were met one by one.
+template <class Texts>
+void append_plain(Object misslist, const Texts& texts, const std::vector<Ordered>& plain, const Ordered& least_number) {
+    for (const Ordered& text : plain) {
+        const bool below = kernels::compare(text.text, least_number.text) < 0;
+        append(misslist, below ? texts.listed(text) : texts.scanned(text));
+    }
+}
+
+template <class Texts>
+std::optional<Answer> answer_texts(const Column& column, const Markers& markers) {
+    const typename Texts::Cells cells(column);
+    TextFacts facts;
+    if (gather_facts(cells, markers.texts, script, facts) == Gathered::gave_up) return std::nullopt;
+    // Nulls that no marker takes away meet texts in the sort.
+    if (facts.nulls && !markers.null && !markers.none()) return std::nullopt;
+    if (!facts.texts) return no_values(markers, facts.markers, facts.nulls);
+
+    Answer answer{markers_found(markers, facts.markers, facts.nulls), Kind::char_str};
+    if ((facts.second_plain && !facts.lone) || !facts.numbers()) return answer;
+    if (!facts.plain) {
+        answer.kind = number_kind(facts);
+        return answer;
+    }
+    const Texts texts(column);
+    Ordered least_number;
+    Ordered end_marker;
+    find_end_marker(cells, markers.texts, script, least_number, end_marker);
+    if (!end_marker.found) {
+        if (facts.second_plain) return answer;
+        answer.kind = number_kind(facts);
+        kernels::TextView only{};
+        cells.read(facts.first_plain, only);
+        append_plain(answer.misslist, texts, {{true, facts.first_plain, only}}, least_number);
+        return answer;
+    }
+    TextFacts below;
+    std::vector<Ordered> plain;
+    if (gather_below(cells, markers.texts, script, end_marker.text, most_plain_below, below, plain) ==
+        Gathered::gave_up) {
+        return std::nullopt;
+    }
+    answer.kind = number_kind(below);
+    append_plain(answer.misslist, texts, plain, least_number);
+    append(answer.misslist, texts.scanned(end_marker));
+    return answer;
+}
+
+// Floating-point numbers, where they are: NaN that no marker takes away is a value with a fraction.
+std::optional<Answer> answer_numbers(kernels::NumberFacts facts, const Markers& markers) {
+    if (markers.number) return std::nullopt;
+    if (facts.nulls && !markers.null && !markers.none()) {
+        facts.values = true;
+        facts.fractions = true;
+        facts.nulls = false;
+    }
+    if (!facts.values) return no_values(markers, 0, facts.nulls);
+    return Answer{markers_found(markers, 0, facts.nulls), facts.fractions ? Kind::float_num : Kind::float_int_num};
+}
+
+// Python numbers in an object array. Numbers of different types that are equal are one distinct value, and which of
+// them stands for it is the sort's affair: only a fraction, which equals no number of another type, settles a mix.
+std::optional<Answer> answer_objects(const Column& column, const Markers& markers) {
+    if (markers.number) return std::nullopt;
+    kernels::NumberFacts floats;
+    bool integers = false;
+    bool booleans = false;
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        PyObject* value = column.object(row);
+        if (value == nullptr) return std::nullopt;
+        if (is_plain_null(value)) {
+            floats.nulls = true;
+        } else if (PyFloat_CheckExact(value)) {
+            const double number = PyFloat_AS_DOUBLE(value);
+            floats.values = true;
+            floats.fractions = floats.fractions || std::isinf(number) || std::floor(number) != number;
+        } else if (PyLong_CheckExact(value)) {
+            integers = true;
+        } else if (PyBool_Check(value)) {
+            booleans = true;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (floats.nulls && !markers.null && !markers.none()) return std::nullopt;
+    Answer answer{markers_found(markers, 0, floats.nulls), Kind::unknown};
+    if (!floats.values && !integers && !booleans) return no_values(markers, 0, floats.nulls);
+    if (floats.fractions) {
+        answer.kind = Kind::float_num;
+    } else if (floats.values + integers + booleans > 1) {
+        return std::nullopt;
+    } else {
+        answer.kind = floats.values ? Kind::float_int_num : integers ? Kind::int_num : Kind::boolean;
+    }
+    return answer;
+}
+
+// The first element that is not null tells whether the column is tried as texts or as numbers.
+bool starts_with_text(const Column& column) noexcept {
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        PyObject* value = column.object(row);
+        if (value != nullptr && !is_plain_null(value)) return PyUnicode_CheckExact(value);
+    }
+    return false;
+}
+
+}  // namespace
+
+std::optional<Answer> answer_for(const Column& column, const Markers& markers) {
+    switch (column.storage) {
+        case Storage::objects:
+            return starts_with_text(column) ? answer_texts<ObjectTexts>(column, markers)
+                                            : answer_objects(column, markers);
+        case Storage::fixed_text:
+            return answer_texts<FixedTexts>(column, markers);
+        case Storage::float64:
+            return answer_numbers(kernels::gather_float64(column.data, column.stride, column.rows), markers);
+        case Storage::float32:
+            return answer_numbers(kernels::gather_float32(column.data, column.stride, column.rows), markers);
+        case Storage::integer:
+        case Storage::boolean:
+            if (markers.number) return std::nullopt;
+            return Answer{list({}), column.storage == Storage::boolean ? Kind::boolean : Kind::int_num};
+    }
+    return std::nullopt;
+}
+
+}  // namespace quorin::columns

@@ -1,0 +1,20 @@
+// The classifier's short answer for a column, drawn from facts of its rows: no distinct values, no sort, no call of the
+// interpreter.
+#pragma once
+
+#include <optional>
+
+#include "columns/kinds.hpp"
+#include "columns/markers.hpp"
+
+namespace quorin::columns {
+
+struct Answer {
+    Ref misslist;  // the markers that occur, discovered ones last
+    Kind kind;
+};
+
+// Nothing where the facts that are known here do not settle the answer.
+std::optional<Answer> answer_for(const Column& column, const Markers& markers);
+
+}  // namespace quorin::columns

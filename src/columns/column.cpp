@@ -1,0 +1,78 @@
+#include "columns/column.hpp"
+
+namespace quorin::columns {
+
+namespace {
+
+bool is_alphanumeric(std::uint32_t character) {
+    return Py_UNICODE_ISALNUM(character) != 0;
+}
+
+int translated(std::uint32_t character) {
+    if (character < 127) return static_cast<int>(character);
+    if (Py_UNICODE_ISSPACE(character)) return ' ';
+    const int digit = Py_UNICODE_TODECIMAL(character);
+    return digit < 0 ? -1 : '0' + digit;
+}
+
+std::optional<Storage> storage_of(int type) noexcept {
+    switch (type) {
+        case NPY_OBJECT:
+            return Storage::objects;
+        case NPY_UNICODE:
+            return Storage::fixed_text;
+        case NPY_DOUBLE:
+            return Storage::float64;
+        case NPY_FLOAT:
+            return Storage::float32;
+        case NPY_BOOL:
+            return Storage::boolean;
+        default:
+            break;
+    }
+    if (PyTypeNum_ISINTEGER(type)) return Storage::integer;
+    return std::nullopt;
+}
+
+}  // namespace
+
+const kernels::Script script{is_alphanumeric, translated};
+
+std::optional<Column> plain_column(Object X) noexcept {
+    if (!is_exact_array(X)) return std::nullopt;
+    PyArrayObject* array = as_array(X);
+    const int dimensions = PyArray_NDIM(array);
+    const npy_intp* shape = PyArray_DIMS(array);
+    if (dimensions != 1 && !(dimensions == 2 && shape[1] == 1)) return std::nullopt;
+    if (shape[0] == 0 || !PyArray_ISALIGNED(array) || !PyArray_ISNOTSWAPPED(array)) return std::nullopt;
+    const std::optional<Storage> storage = storage_of(PyArray_TYPE(array));
+    if (!storage) return std::nullopt;
+    return Column{array,
+                  *storage,
+                  PyArray_BYTES(array),
+                  PyArray_STRIDE(array, 0),
+                  static_cast<std::size_t>(shape[0]),
+                  static_cast<std::size_t>(PyArray_ITEMSIZE(array))};
+}
+
+std::optional<kernels::TextView> view_of(PyObject* text) noexcept {
+#if PY_VERSION_HEX < 0x030C0000
+    if (!is_ready_text(text)) return std::nullopt;
+#endif
+    const Characters characters = characters_of(text);
+    return kernels::TextView{characters.data, static_cast<std::size_t>(characters.length), characters.width};
+}
+
+kernels::Cell ObjectCells::read(std::size_t row, kernels::TextView& text) const noexcept {
+    PyObject* value = column_.object(row);
+    if (value == nullptr) return kernels::Cell::other;
+    if (PyUnicode_CheckExact(value)) {
+        const std::optional<kernels::TextView> view = view_of(value);
+        if (!view) return kernels::Cell::other;
+        text = *view;
+        return kernels::Cell::text;
+    }
+    return is_plain_null(value) ? kernels::Cell::null : kernels::Cell::other;
+}
+
+}  // namespace quorin::columns

@@ -1,0 +1,15 @@
+// What start-up bound, remembered. A native route may stand in for the interpreter route only while every name that the
+// interpreter route would look up still stands for the object that was there first: a replaced name is somebody's
+// wish, and only the interpreter route can honour it.
+#pragma once
+
+namespace quorin {
+
+// To be called once, when everything is bound.
+void remember_originals();
+
+// Whether all of these names still are what they were. Costs a few loads, unless one of the dictionaries that hold them
+// has changed since the last time: then every name is looked up again.
+bool originals_in_place() noexcept;
+
+}  // namespace quorin

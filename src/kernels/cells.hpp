@@ -1,0 +1,57 @@
+// How kernels see the cells of a column, wherever they lie.
+//
+// A kernel over texts is a template over a `Cells` type that offers
+//     std::size_t size() const
+//     Cell read(std::size_t row, TextView& text) const   what the cell is; `text` is set for a text
+//     void prefetch(std::size_t row) const               a hint that the row will be read soon
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "kernels/number_text.hpp"
+
+namespace quorin::kernels {
+
+enum class Cell {
+    text,
+    null,  // no value: None, NaN
+    other  // of no kind that the kernels know
+};
+
+// Far enough that memory answers in time, near enough that the cache still holds what it answered.
+constexpr std::size_t prefetch_distance = 64;
+
+inline std::uint32_t character(TextView text, std::size_t i) noexcept {
+    switch (text.width) {
+        case 1:
+            return static_cast<const std::uint8_t*>(text.characters)[i];
+        case 2:
+            return static_cast<const std::uint16_t*>(text.characters)[i];
+        default:
+            return static_cast<const std::uint32_t*>(text.characters)[i];
+    }
+}
+
+// By code point, as the interpreter orders texts: below 0, 0 or above 0.
+inline int compare(TextView left, TextView right) noexcept {
+    const std::size_t common = left.length < right.length ? left.length : right.length;
+    if (left.width == 1 && right.width == 1) {
+        const int order = common == 0 ? 0 : std::memcmp(left.characters, right.characters, common);
+        if (order != 0) return order;
+    } else {
+        for (std::size_t i = 0; i < common; ++i) {
+            const std::uint32_t a = character(left, i);
+            const std::uint32_t b = character(right, i);
+            if (a != b) return a < b ? -1 : 1;
+        }
+    }
+    return left.length == right.length ? 0 : left.length < right.length ? -1 : 1;
+}
+
+inline bool same(TextView left, TextView right) noexcept {
+    return left.length == right.length && compare(left, right) == 0;
+}
+
+}  // namespace quorin::kernels

@@ -1,0 +1,18 @@
+// Gathering over columns of numbers: whether any is missing, whether any has a fraction.
+#pragma once
+
+#include <cstddef>
+
+namespace quorin::kernels {
+
+struct NumberFacts {
+    bool nulls = false;      // NaN
+    bool values = false;     // anything else
+    bool fractions = false;  // with a fraction, or infinite
+};
+
+// `stride` in bytes. The walk ends once nulls and fractions were both seen.
+NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
+NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
+
+}  // namespace quorin::kernels
