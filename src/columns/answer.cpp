@@ -16,8 +16,8 @@ constexpr std::size_t most_plain_below = 256;
 
 // A column without values. Only rows that are missing make it "missing".
 Answer no_values(const Markers& markers, std::uint32_t bits, bool nulls) {
-    const bool missing = bits != 0 || (nulls && markers.null);
-    return {markers_found(markers, bits, nulls), missing ? Kind::missing : Kind::unknown};
+    const std::uint32_t found = bits | (nulls ? markers.null_bits : 0U);
+    return {markers_of(markers, found), found != 0 ? Kind::missing : Kind::unknown};
 }
 
 Kind number_kind(const TextFacts& facts) {
@@ -72,10 +72,11 @@ std::optional<Answer> answer_texts(const Column& column, const Markers& markers)
     TextFacts facts;
     if (gather_facts(cells, markers.texts, script, facts) == Gathered::gave_up) return std::nullopt;
     // Nulls that no marker takes away meet texts in the sort.
-    if (facts.nulls && !markers.null && !markers.none()) return std::nullopt;
-    if (!facts.texts) return no_values(markers, facts.markers, facts.nulls);
+    if (facts.nulls && markers.null_bits == 0 && !markers.none()) return std::nullopt;
+    const std::uint32_t found = markers.bits_of_texts(facts.markers);
+    if (!facts.texts) return no_values(markers, found, facts.nulls);
 
-    Answer answer{markers_found(markers, facts.markers, facts.nulls), Kind::char_str};
+    Answer answer{markers_of(markers, found | (facts.nulls ? markers.null_bits : 0U)), Kind::char_str};
     if ((facts.second_plain && !facts.lone) || !facts.numbers()) return answer;
     if (!facts.plain) {
         answer.kind = number_kind(facts);
@@ -107,20 +108,21 @@ std::optional<Answer> answer_texts(const Column& column, const Markers& markers)
 
 // Floating-point numbers, where they are: NaN that no marker takes away is a value with a fraction.
 std::optional<Answer> answer_numbers(kernels::NumberFacts facts, const Markers& markers) {
-    if (markers.number) return std::nullopt;
-    if (facts.nulls && !markers.null && !markers.none()) {
+    if (!markers.numbers.empty()) return std::nullopt;
+    if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
         facts.values = true;
         facts.fractions = true;
         facts.nulls = false;
     }
     if (!facts.values) return no_values(markers, 0, facts.nulls);
-    return Answer{markers_found(markers, 0, facts.nulls), facts.fractions ? Kind::float_num : Kind::float_int_num};
+    return Answer{markers_of(markers, facts.nulls ? markers.null_bits : 0U),
+                  facts.fractions ? Kind::float_num : Kind::float_int_num};
 }
 
 // Python numbers in an object array. Numbers of different types that are equal are one distinct value, and which of
 // them stands for it is the sort's affair: only a fraction, which equals no number of another type, settles a mix.
 std::optional<Answer> answer_objects(const Column& column, const Markers& markers) {
-    if (markers.number) return std::nullopt;
+    if (!markers.numbers.empty()) return std::nullopt;
     kernels::NumberFacts floats;
     bool integers = false;
     bool booleans = false;
@@ -141,8 +143,8 @@ std::optional<Answer> answer_objects(const Column& column, const Markers& marker
             return std::nullopt;
         }
     }
-    if (floats.nulls && !markers.null && !markers.none()) return std::nullopt;
-    Answer answer{markers_found(markers, 0, floats.nulls), Kind::unknown};
+    if (floats.nulls && markers.null_bits == 0 && !markers.none()) return std::nullopt;
+    Answer answer{markers_of(markers, floats.nulls ? markers.null_bits : 0U), Kind::unknown};
     if (!floats.values && !integers && !booleans) return no_values(markers, 0, floats.nulls);
     if (floats.fractions) {
         answer.kind = Kind::float_num;
@@ -178,7 +180,7 @@ std::optional<Answer> answer_for(const Column& column, const Markers& markers) {
             return answer_numbers(kernels::gather_float32(column.data, column.stride, column.rows), markers);
         case Storage::integer:
         case Storage::boolean:
-            if (markers.number) return std::nullopt;
+            if (!markers.numbers.empty()) return std::nullopt;
             return Answer{list({}), column.storage == Storage::boolean ? Kind::boolean : Kind::int_num};
     }
     return std::nullopt;

@@ -6,25 +6,36 @@ namespace quorin::columns {
 
 namespace {
 
-bool is_plain_number(PyObject* value) noexcept {
-    return PyLong_CheckExact(value) || PyFloat_CheckExact(value) || PyBool_Check(value);
+constexpr long long exact_limit = 1LL << 53;
+
+// A plain number as a 64-bit float, where that is exact.
+std::optional<double> plain_number(PyObject* value) noexcept {
+    if (PyFloat_CheckExact(value)) return PyFloat_AS_DOUBLE(value);
+    if (!PyLong_CheckExact(value) && !PyBool_Check(value)) return std::nullopt;
+    int overflow = 0;
+    const long long whole = PyLong_AsLongLongAndOverflow(value, &overflow);
+    if (overflow != 0 || whole > exact_limit || whole < -exact_limit) return std::nullopt;
+    return static_cast<double>(whole);
 }
 
-bool read(Markers& markers, PyObject* marker, std::uint32_t& next_bit) {
-    Markers::Entry entry{marker, is_plain_null(marker), 0};
-    if (entry.null) {
-        markers.null = true;
+bool read(Markers& markers, PyObject* marker) {
+    const std::size_t index = markers.objects.size();
+    if (index == kernels::most_markers) return false;
+    const std::uint32_t bit = 1U << index;
+    if (is_plain_null(marker)) {
+        markers.null_bits |= bit;
     } else if (PyUnicode_CheckExact(marker)) {
         const std::optional<kernels::TextView> text = view_of(marker);
+        std::size_t texts = 0;
+        while (texts < index && markers.text_bits[texts] != 0) ++texts;
         if (!text || !markers.texts.add(*text)) return false;
-        entry.bit = next_bit;
-        next_bit <<= 1U;
-    } else if (is_plain_number(marker)) {
-        markers.number = true;
+        markers.text_bits[texts] = bit;
+    } else if (const std::optional<double> number = plain_number(marker)) {
+        markers.numbers.push_back({*number, bit});
     } else {
         return false;
     }
-    markers.entries.push_back(entry);
+    markers.objects.push_back(marker);
     return true;
 }
 
@@ -35,17 +46,39 @@ std::optional<Markers> plain_markers(Object list) {
     if (list.is_none()) return markers;
     if (!PyList_CheckExact(list.get())) return std::nullopt;
     const Py_ssize_t size = PyList_GET_SIZE(list.get());
-    std::uint32_t next_bit = 1;
     for (Py_ssize_t i = 0; i < size; ++i) {
-        if (!read(markers, PyList_GET_ITEM(list.get(), i), next_bit)) return std::nullopt;
+        if (!read(markers, PyList_GET_ITEM(list.get(), i))) return std::nullopt;
     }
     return markers;
 }
 
-Ref markers_found(const Markers& markers, std::uint32_t bits, bool nulls) {
+std::optional<Markers> plain_members(Object set) {
+    if (!PyAnySet_CheckExact(set.get())) return std::nullopt;
+    Markers markers;
+    const Ref members = iterate(set);
+    while (const Ref member = next(members)) {
+        // The set keeps its members; nothing can take them out before the next foreign code runs.
+        if (!read(markers, member.get())) return std::nullopt;
+    }
+    if (markers.null_bits != 0) return std::nullopt;
+    return markers;
+}
+
+bool survive_asarray(const Markers& markers) noexcept {
+    bool texts = false;
+    for (PyObject* marker : markers.objects) {
+        if (!PyUnicode_CheckExact(marker)) continue;
+        texts = true;
+        const std::optional<kernels::TextView> text = view_of(marker);
+        if (!text || (text->length != 0 && kernels::character(*text, text->length - 1) == 0)) return false;
+    }
+    return !texts || markers.numbers.empty();
+}
+
+Ref markers_of(const Markers& markers, std::uint32_t bits) {
     Ref found = list({});
-    for (const Markers::Entry& marker : markers.entries) {
-        if ((marker.null && nulls) || (marker.bit & bits) != 0) append(found, marker.object);
+    for (std::size_t i = 0; i < markers.objects.size(); ++i) {
+        if ((bits >> i & 1U) != 0) append(found, markers.objects[i]);
     }
     return found;
 }

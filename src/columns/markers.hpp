@@ -1,6 +1,7 @@
-// A list of missing-value markers, read for native routes.
+// A list of missing-value markers or of other reference values, read for native routes.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <vector>
 
@@ -8,24 +9,47 @@
 
 namespace quorin::columns {
 
+// Every marker of the list has a bit of its own, counted from the first.
 struct Markers {
-    // One marker of the list, in its order.
-    struct Entry {
-        PyObject* object;
-        bool null;
-        std::uint32_t bit;  // of a text; 0 for a null and for a number
+    struct Number {
+        double value;  // exact: whole numbers beyond 2 ** 53 are none that this holds
+        std::uint32_t bit;
     };
-    std::vector<Entry> entries;
+    std::vector<PyObject*> objects;
     kernels::MarkerSet texts;
-    bool null = false;
-    bool number = false;
-    [[nodiscard]] bool none() const noexcept { return entries.empty(); }
+    std::array<std::uint32_t, kernels::most_markers> text_bits{};  // of the texts of the set, in its order
+    std::uint32_t null_bits = 0;
+    std::vector<Number> numbers;
+
+    [[nodiscard]] bool none() const noexcept { return objects.empty(); }
+    // From the bits of the set to those of the list.
+    [[nodiscard]] std::uint32_t bits_of_texts(std::uint32_t found) const noexcept {
+        std::uint32_t bits = 0;
+        for (std::size_t i = 0; found >> i != 0; ++i) {
+            if ((found >> i & 1U) != 0) bits |= text_bits[i];
+        }
+        return bits;
+    }
+    [[nodiscard]] std::uint32_t bits_of_number(double value) const noexcept {
+        std::uint32_t bits = 0;
+        for (const Number& number : numbers) {
+            if (number.value == value) bits |= number.bit;
+        }
+        return bits;
+    }
 };
 
 // Nothing for any list but None and an exact list of texts, nulls and plain numbers.
 std::optional<Markers> plain_markers(Object list);
 
-// The markers that occur, as a list.
-Ref markers_found(const Markers& markers, std::uint32_t bits, bool nulls);
+// The same for the members of an exact set without nulls, which match nothing there but themselves.
+std::optional<Markers> plain_members(Object set);
+
+// Whether numpy.asarray() leaves the values that are not null as they are when it makes one array of the list: it turns
+// numbers beside texts into texts, and texts lose zeros at their end.
+bool survive_asarray(const Markers& markers) noexcept;
+
+// The markers of these bits, as a list.
+Ref markers_of(const Markers& markers, std::uint32_t bits);
 
 }  // namespace quorin::columns

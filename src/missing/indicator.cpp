@@ -1,4 +1,8 @@
+#include <optional>
+
+#include "columns/membership.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 #include "missing/missing.hpp"
@@ -41,6 +45,11 @@ Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missi
     return found;
 }
 
+// Where no marker occurs the list holds the rows of the mask, one by one.
+Ref nothing_found(const Ref& mask) {
+    return tuple({mask, list_of(mask), list({})});
+}
+
 // The first mask itself where it is the only one.
 Ref cumulated(Object masks) {
     Ref cum_missing_mask_arr;
@@ -50,6 +59,29 @@ Ref cumulated(Object masks) {
             cum_missing_mask_arr ? either(cum_missing_mask_arr, missing_mask_arr) : std::move(missing_mask_arr);
     }
     return cum_missing_mask_arr;
+}
+
+// One pass over the column for all markers.
+Ref native_indicator(Object X, Object missing_values_list) {
+    if (!originals_in_place() || !PyList_CheckExact(missing_values_list.get())) return {};
+    const std::optional<columns::Column> column = columns::plain_column(X);
+    if (!column) return {};
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
+    if (!markers) return {};
+    const auto found = columns::masks_by_value(*column, *markers);
+    if (!found) return {};
+    const Ref masks = list({});
+    std::uint32_t bits = 0;
+    for (const auto& [bit, mask] : *found) {
+        append(masks, mask);
+        bits |= bit;
+    }
+    if (bits == 0) return nothing_found(columns::empty_mask(column->rows));
+    Ref cum_missing_mask_arr = Ref::share(found->front().second);
+    for (std::size_t i = 1; i < found->size(); ++i) {
+        cum_missing_mask_arr = columns::merged_masks(cum_missing_mask_arr, (*found)[i].second);
+    }
+    return tuple({cum_missing_mask_arr, masks, columns::markers_of(*markers, bits)});
 }
 
 }  // namespace
@@ -88,6 +120,9 @@ Examples
 (array([False,  True,  True]), ['?', ''])
 )",
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
+        if (stop_at_one_missing_value_flag.is(Py_False) && debug.is(Py_False)) {
+            if (Ref answer = native_indicator(X, missing_values_list)) return answer;
+        }
         if (truth(debug)) {
             print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(first_rows(X, capped_row_count(X))),
                           "\n\n"_py}));
@@ -95,8 +130,7 @@ Examples
         const Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
         const Ref shape = tuple({row_count(X)});
-        const Ref nothing = global("np"_py).attr("zeros"_py)({shape}, {{"dtype"_py, &PyBool_Type}});
-        return tuple({nothing, list_of(nothing), list({})});
+        return nothing_found(global("np"_py).attr("zeros"_py)({shape}, {{"dtype"_py, &PyBool_Type}}));
     },
 };
 

@@ -1,4 +1,8 @@
+#include <optional>
+
+#include "columns/membership.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 #include "missing/missing.hpp"
@@ -17,6 +21,25 @@ PyMethodDef membership = {"<lambda>", is_member, METH_O, nullptr};
 // lambda x: x in reference_set
 Ref membership_test(Object reference_set) {
     return Ref::take(PyCFunction_New(&membership, reference_set.get()));
+}
+
+// The mask of one flat column, straight from its memory.
+std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
+    if (!originals_in_place()) return std::nullopt;
+    const std::optional<columns::Column> column = columns::plain_column(l);
+    if (!column || PyArray_NDIM(column->array) != 1) return std::nullopt;
+    const std::optional<columns::Markers> members = columns::plain_members(reference_set);
+    if (!members) return std::nullopt;
+    return columns::membership_mask(*column, *members);
+}
+
+std::optional<Ref> native_isin(Object X, Object values_reference_list) {
+    if (!originals_in_place() || !PyList_CheckExact(values_reference_list.get())) return std::nullopt;
+    const std::optional<columns::Column> column = columns::plain_column(X);
+    if (!column) return std::nullopt;
+    const std::optional<columns::Markers> values = columns::plain_markers(values_reference_list);
+    if (!values || (values->null_bits != 0 && !columns::survive_asarray(*values))) return std::nullopt;
+    return columns::membership_mask(*column, *values);
 }
 
 }  // namespace
@@ -52,6 +75,7 @@ Examples
 array([False,  True])
 )",
     .body = [](Object reference_set, Object l) -> Ref {
+        if (std::optional<Ref> mask = native_indicator_mask(reference_set, l)) return std::move(*mask);
         const Ref is_in_reference = global("np"_py).attr("vectorize"_py)({membership_test(reference_set)},
                                                                          {{"otypes"_py, list({&PyBool_Type})}});
         return is_in_reference({l});
@@ -90,6 +114,9 @@ Examples
 array([ True,  True, False])
 )",
     .body = [](Object X, Object values_reference_list, Object debug) -> Ref {
+        if (debug.is(Py_False)) {
+            if (std::optional<Ref> mask = native_isin(X, values_reference_list)) return std::move(*mask);
+        }
         Local limit{"limit"_py};
         Local start_time{"start_time"_py};
         if (truth(debug)) {
