@@ -34,6 +34,10 @@ struct Scan {
         Ref weird_new_missing_values_list3;
     };
 
+    // The same walk over memory: for texts, and for numbers that stand in an array of their own dtype. False, and
+    // nothing done, for any other array.
+    bool run_native(Object XX, Object xx_xounts, Object missing_values_list);
+
     bool is_marker(Object elt) const;
     void classify_text(Object XX, Py_ssize_t i, Object elt);
     void number_text_found(Kind kind, Object XX, Py_ssize_t i);

@@ -1,5 +1,7 @@
+#include "columns/distinct.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "missing/missing.hpp"
 
@@ -10,6 +12,19 @@ namespace {
 // The sorting of texts beside values of another kind.
 bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
+}
+
+// The distinct texts of a flat column, with counts if they are wanted. For other dtypes numpy's sort has no peer.
+Ref native_unique(Object y_to_process, bool return_counts) {
+    if (!originals_in_place()) return {};
+    const std::optional<columns::Column> column = columns::plain_column(y_to_process);
+    if (!column || PyArray_NDIM(column->array) != 1) return {};
+    if (column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text) return {};
+    const auto distinct = columns::distinct_texts(*column);
+    if (!distinct) return {};
+    Ref values = columns::texts_of(*column, *distinct);
+    if (!return_counts) return values;
+    return tuple({values, columns::counts_of(*distinct)});
 }
 
 }  // namespace
@@ -60,6 +75,9 @@ array(['a', 'b'], dtype=object)
         if (truth(exclusion_list)) {
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
             y_to_process = item(y, inverted(included_mask));
+        }
+        if (return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get())) {
+            if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
         }
         const auto unique = [&] {
             return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});

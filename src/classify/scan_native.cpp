@@ -1,0 +1,158 @@
+// The scan over distinct values that lie in memory as texts or as plain numbers.
+#include <array>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+#include "classify/scan.hpp"
+#include "columns/column.hpp"
+#include "interp/operations.hpp"
+
+namespace quorin::classify {
+
+namespace {
+
+using columns::Column;
+using columns::Storage;
+using kernels::TextClass;
+
+struct Tally {
+    Py_ssize_t distinct = 0;
+    npy_intp rows = 0;
+};
+
+// What the walk saw; counted first, written down when nothing can go wrong any more.
+struct Seen {
+    std::array<Tally, columns::kinds> tallies{};
+    Kind running = Kind::unknown;
+    bool plain = false;
+    bool integer = false;
+    bool real = false;
+    std::size_t first_number = 0;
+    std::vector<std::size_t> plain_above;  // texts above the first number
+    std::optional<std::size_t> end_marker;
+
+    void count(Kind kind, npy_intp rows) {
+        Tally& tally = tallies[static_cast<std::size_t>(kind)];
+        ++tally.distinct;
+        tally.rows += rows;
+        running = kind;
+    }
+    [[nodiscard]] bool number() const { return integer || real; }
+};
+
+npy_intp rows_of(const Column& counts, std::size_t i) {
+    return *reinterpret_cast<const npy_intp*>(counts.at(i));
+}
+
+template <class Cells>
+bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        kernels::TextView text{};
+        if (cells.read(i, text) != kernels::Cell::text) return false;
+        if (seen.end_marker) continue;  // only its kind matters
+        const bool lone = kernels::is_lone(text, columns::script);
+        if (lone && seen.number()) {
+            seen.end_marker = i;
+            continue;
+        }
+        const TextClass text_class = lone ? TextClass::plain : kernels::classify_text(text, columns::script);
+        if (text_class == TextClass::unsettled) return false;
+        if (text_class == TextClass::plain) {
+            seen.plain = true;
+            if (seen.number()) seen.plain_above.push_back(i);
+            seen.count(Kind::char_str, rows_of(counts, i));
+            continue;
+        }
+        if (!seen.number()) seen.first_number = i;
+        const bool integer = text_class == TextClass::integer;
+        (integer ? seen.integer : seen.real) = true;
+        seen.count(integer ? Kind::int_str : Kind::float_str, rows_of(counts, i));
+    }
+    return true;
+}
+
+void walk_floats(const Column& values, const Column& counts, Seen& seen) {
+    bool fraction_seen = false;
+    for (std::size_t i = 0; i < values.rows; ++i) {
+        const double value = *reinterpret_cast<const double*>(values.at(i));
+        const bool whole_valued = std::isfinite(value) && std::floor(value) == value;
+        fraction_seen = fraction_seen || !whole_valued;
+        seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
+    }
+    if (fraction_seen) seen.running = Kind::float_num;
+}
+
+void walk_alike(const Column& values, const Column& counts, Kind kind, Seen& seen) {
+    for (std::size_t i = 0; i < values.rows; ++i) seen.count(kind, rows_of(counts, i));
+}
+
+bool walk(const Column& values, const Column& counts, Seen& seen) {
+    switch (values.storage) {
+        case Storage::objects:
+            return walk_texts(columns::ObjectCells(values), counts, seen);
+        case Storage::fixed_text:
+            return walk_texts(columns::FixedTextCells(values), counts, seen);
+        case Storage::float64:
+            walk_floats(values, counts, seen);
+            return true;
+        case Storage::integer:
+            walk_alike(values, counts, Kind::int_num, seen);
+            return true;
+        case Storage::boolean:
+            walk_alike(values, counts, Kind::boolean, seen);
+            return true;
+        case Storage::float32:
+            break;
+    }
+    return false;
+}
+
+Ref numpy_whole(npy_intp value) {
+    const Ref dtype = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_INTP)));
+    return Ref::take(PyArray_Scalar(&value, reinterpret_cast<PyArray_Descr*>(dtype.get()), nullptr));
+}
+
+// A flat array of a dtype that the walk knows.
+std::optional<Column> flat(Object array) noexcept {
+    std::optional<Column> column = columns::plain_column(array);
+    if (column && PyArray_NDIM(column->array) != 1) column.reset();
+    return column;
+}
+
+}  // namespace
+
+bool Scan::run_native(Object XX, Object xx_xounts, Object missing_values_list) {
+    const std::optional<Column> values = flat(XX);
+    const std::optional<Column> counts = flat(xx_xounts);
+    if (!values || !counts || PyArray_TYPE(counts->array) != NPY_INTP || counts->rows != values->rows) return false;
+    Seen seen;
+    if (!walk(*values, *counts, seen)) return false;
+
+    for (std::size_t i = 0; i < columns::kinds; ++i) {
+        const Tally& tally = seen.tallies[i];
+        if (tally.distinct == 0) continue;
+        dtypes_cnt.add(static_cast<Kind>(i), tally.distinct);
+        dtypes_weighted_cnt.add(static_cast<Kind>(i), numpy_whole(tally.rows));
+    }
+    if (seen.running != Kind::unknown) dtype_str = seen.running;
+    found_int_str_flag = seen.integer;
+    found_float_str_flag = seen.real;
+    found_string_flag = seen.plain;
+    found_nonmissing_flag = dtype_str != Kind::char_str || seen.number();
+    if (seen.number() && seen.first_number != 0) {
+        start_missing_string_values_list =
+            item(XX, slice(Py_None, static_cast<Py_ssize_t>(seen.first_number))).attr("tolist"_py)();
+    }
+    for (const std::size_t i : seen.plain_above) {
+        append(start_missing_string_values_list, item(XX, static_cast<Py_ssize_t>(i)));
+    }
+    if (seen.end_marker) {
+        const Ref marker = item(XX, static_cast<Py_ssize_t>(*seen.end_marker));
+        missing_values_list.attr("append"_py)({marker});
+        append(weird_new_missing_values_list, marker);
+    }
+    return true;
+}
+
+}  // namespace quorin::classify

@@ -1,0 +1,25 @@
+// The distinct texts of a column in ascending order, as numpy.unique() gives them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "columns/column.hpp"
+
+namespace quorin::columns {
+
+struct DistinctText {
+    kernels::TextView text;
+    std::size_t row;  // of its first occurrence
+    npy_intp count;
+};
+
+// Nothing where an element is no text. Hashed first, so that only the distinct texts are sorted.
+std::optional<std::vector<DistinctText>> distinct_texts(const Column& column);
+
+// Arrays of these texts, of the column's dtype, and of their counts.
+Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct);
+Ref counts_of(const std::vector<DistinctText>& distinct);
+
+}  // namespace quorin::columns

@@ -1,0 +1,93 @@
+#include "kernels/text_order.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace quorin::kernels {
+
+namespace {
+
+__extension__ using Product = unsigned __int128;
+
+std::uint64_t mixed(std::uint64_t value) noexcept {
+    constexpr std::uint64_t odd = 0x9e3779b97f4a7c15ULL;
+    const auto product = static_cast<Product>(value) * odd;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+std::uint64_t load(const unsigned char* bytes, std::size_t size) noexcept {
+    std::uint64_t value = 0;
+    std::memcpy(&value, bytes, size);
+    return value;
+}
+
+std::size_t common_start(const std::vector<TextView>& texts) noexcept {
+    std::size_t common = texts.front().length;
+    for (const TextView& text : texts) {
+        common = std::min(common, text.length);
+        std::size_t i = 0;
+        while (i < common && character(text, i) == character(texts.front(), i)) ++i;
+        common = i;
+    }
+    return common;
+}
+
+// The characters from `start` on as one number that sorts as they do: eight of a byte each or two of four bytes. A text
+// that ends is filled up with zeros, so equal keys settle nothing.
+std::uint64_t key_of(TextView text, std::size_t start, bool narrow) noexcept {
+    const std::size_t characters = narrow ? 8 : 2;
+    const unsigned bits = narrow ? 8 : 32;
+    std::uint64_t key = 0;
+    for (std::size_t i = start; i < start + characters; ++i) {
+        key = key << bits | (i < text.length ? character(text, i) : 0U);
+    }
+    return key;
+}
+
+}  // namespace
+
+std::uint64_t hash_text(TextView text) noexcept {
+    const auto* bytes = static_cast<const unsigned char*>(text.characters);
+    std::size_t size = text.length * static_cast<std::size_t>(text.width);
+    std::uint64_t hash = mixed(size + 1);
+    for (; size >= 8; size -= 8, bytes += 8) hash = mixed(hash ^ load(bytes, 8));
+    if (size != 0) hash = mixed(hash ^ load(bytes, size));
+    return hash;
+}
+
+void TextTable::grow() {
+    std::vector<Slot> old(slots_.size() * 2, empty);
+    old.swap(slots_);
+    for (const Slot& entry : old) {
+        if (entry.number == none) continue;
+        const std::uint64_t hash = static_cast<std::uint64_t>(entry.hash) << 32U | low_bits_[entry.number];
+        std::size_t slot = hash & (slots_.size() - 1);
+        while (slots_[slot].number != none) slot = (slot + 1) & (slots_.size() - 1);
+        slots_[slot] = entry;
+    }
+}
+
+std::vector<std::uint32_t> ascending(const std::vector<TextView>& texts) {
+    struct Keyed {
+        std::uint64_t key;
+        std::uint32_t number;
+    };
+    if (texts.empty()) return {};
+    const std::size_t start = common_start(texts);
+    const bool narrow = std::all_of(texts.begin(), texts.end(), [](const TextView& text) { return text.width == 1; });
+    std::vector<Keyed> keyed;
+    keyed.reserve(texts.size());
+    for (std::uint32_t number = 0; number < texts.size(); ++number) {
+        keyed.push_back({key_of(texts[number], start, narrow), number});
+    }
+    std::sort(keyed.begin(), keyed.end(), [&](const Keyed& left, const Keyed& right) {
+        if (left.key != right.key) return left.key < right.key;
+        return compare(texts[left.number], texts[right.number]) < 0;
+    });
+    std::vector<std::uint32_t> order;
+    order.reserve(keyed.size());
+    for (const Keyed& entry : keyed) order.push_back(entry.number);
+    return order;
+}
+
+}  // namespace quorin::kernels
