@@ -6,6 +6,7 @@
 # make coverage    the suites under gcov; fails below COVERAGE_MIN per cent of the lines of src/
 # make fuzz        the property tests with CASES examples each (and another SEED, if one is given)
 # make docs        the reference pages, into build/docs; any warning fails
+# make bench       times of the routines as ratios (BENCH_ARGS="--filter whatis --rows 100000")
 # make format      rewrite the sources as `make lint` wants them
 # make clean       remove everything that was made here
 #
@@ -17,6 +18,7 @@ CASES ?= 10000
 SEED ?=
 ROWS ?=
 PYTEST_ARGS ?=
+BENCH_ARGS ?=
 
 VENV := .venv
 BIN := $(VENV)/bin
@@ -24,7 +26,7 @@ export PATH := $(CURDIR)/$(BIN):$(PATH)
 export PIP_DISABLE_PIP_VERSION_CHECK := 1
 
 .DELETE_ON_ERROR:
-.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs matrix asan coverage fuzz clean
+.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs bench matrix asan coverage fuzz clean
 $(shell mkdir -p build)
 
 SOURCES := $(shell find src -name "*.cpp" -o -name "*.hpp")
@@ -113,6 +115,9 @@ format: $(VENV)/.dev
 	$(BIN)/ruff format .
 	$(BIN)/clang-format -i $(CXX_FILES)
 
+bench: $(VENV)/.package
+	$(BIN)/python -m benchmarks $(BENCH_ARGS)
+
 clean:
 	rm -rf $(VENV) build dist .pytest_cache .mypy_cache .ruff_cache .hypothesis
-	find quorin_libs tests scripts -name __pycache__ -type d -prune -exec rm -rf {} +
+	find quorin_libs tests scripts benchmarks -name __pycache__ -type d -prune -exec rm -rf {} +

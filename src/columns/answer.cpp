@@ -1,5 +1,8 @@
 #include "columns/answer.hpp"
 
+#include <algorithm>
+
+#include "columns/numbers.hpp"
 #include "interp/operations.hpp"
 #include "kernels/number_facts.hpp"
 
@@ -13,6 +16,9 @@ using kernels::TextFacts;
 
 // Distinct plain texts below the marker that ends the scan; a column with more of them goes the long way.
 constexpr std::size_t most_plain_below = 256;
+
+// Below this every whole number is exact as a 64-bit float.
+constexpr double exact_limit = 9007199254740992.0;
 
 // A column without values. Only rows that are missing make it "missing".
 Answer no_values(const Markers& markers, std::uint32_t bits, bool nulls) {
@@ -106,17 +112,62 @@ std::optional<Answer> answer_texts(const Column& column, const Markers& markers)
     return answer;
 }
 
-// Floating-point numbers, where they are: NaN that no marker takes away is a value with a fraction.
-std::optional<Answer> answer_numbers(kernels::NumberFacts facts, const Markers& markers) {
-    if (!markers.numbers.empty()) return std::nullopt;
-    if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
-        facts.values = true;
-        facts.fractions = true;
-        facts.nulls = false;
+// Rows that are neither null nor a marker, when some marker is a number. Like in the other walks an infinite number has
+// a fraction.
+kernels::NumberFacts gather_beside(const Column& column, const Markers& markers, std::uint32_t& found) {
+    kernels::NumberFacts facts;
+    with_number_type(column, [&](auto type) {
+        using Number = decltype(type);
+        for (std::size_t row = 0; row < column.rows; ++row) {
+            const Number number = load<Number>(column, row);
+            // A marker is exact as a 64-bit float; an integer that is not cannot be equal to one by rounding alone.
+            const auto value = static_cast<double>(number);
+            std::uint32_t bits = 0;
+            if constexpr (std::is_floating_point_v<Number>) {
+                if (std::isnan(value)) {
+                    facts.nulls = true;
+                    continue;
+                }
+                bits = markers.bits_of_number(value);
+                if (bits == 0) facts.fractions = facts.fractions || std::isinf(value) || std::floor(value) != value;
+            } else {
+                if (std::fabs(value) < exact_limit) bits = markers.bits_of_number(value);
+            }
+            found |= bits;
+            facts.values = facts.values || bits == 0;
+        }
+        return true;
+    });
+    return facts;
+}
+
+// NaN that no marker takes away is a value with a fraction.
+std::optional<Answer> answer_floats(const Column& column, const Markers& markers) {
+    std::uint32_t found = 0;
+    kernels::NumberFacts facts;
+    if (!markers.numbers.empty()) {
+        facts = gather_beside(column, markers, found);
+    } else if (column.storage == Storage::float64) {
+        facts = kernels::gather_float64(column.data, column.stride, column.rows);
+    } else {
+        facts = kernels::gather_float32(column.data, column.stride, column.rows);
     }
-    if (!facts.values) return no_values(markers, 0, facts.nulls);
-    return Answer{markers_of(markers, facts.nulls ? markers.null_bits : 0U),
-                  facts.fractions ? Kind::float_num : Kind::float_int_num};
+    if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
+        facts = {.nulls = false, .values = true, .fractions = true};
+    }
+    if (!facts.values) return no_values(markers, found, facts.nulls);
+    if (facts.nulls) found |= markers.null_bits;
+    return Answer{markers_of(markers, found), facts.fractions ? Kind::float_num : Kind::float_int_num};
+}
+
+std::optional<Answer> answer_integers(const Column& column, const Markers& markers) {
+    std::uint32_t found = 0;
+    if (!markers.numbers.empty()) {
+        const auto beyond = [](const Markers::Number& number) { return std::fabs(number.value) >= exact_limit; };
+        if (std::any_of(markers.numbers.begin(), markers.numbers.end(), beyond)) return std::nullopt;
+        if (!gather_beside(column, markers, found).values) return no_values(markers, found, false);
+    }
+    return Answer{markers_of(markers, found), column.storage == Storage::boolean ? Kind::boolean : Kind::int_num};
 }
 
 // Python numbers in an object array. Numbers of different types that are equal are one distinct value, and which of
@@ -175,13 +226,11 @@ std::optional<Answer> answer_for(const Column& column, const Markers& markers) {
         case Storage::fixed_text:
             return answer_texts<FixedTexts>(column, markers);
         case Storage::float64:
-            return answer_numbers(kernels::gather_float64(column.data, column.stride, column.rows), markers);
         case Storage::float32:
-            return answer_numbers(kernels::gather_float32(column.data, column.stride, column.rows), markers);
+            return answer_floats(column, markers);
         case Storage::integer:
         case Storage::boolean:
-            if (!markers.numbers.empty()) return std::nullopt;
-            return Answer{list({}), column.storage == Storage::boolean ? Kind::boolean : Kind::int_num};
+            return answer_integers(column, markers);
     }
     return std::nullopt;
 }

@@ -63,16 +63,9 @@ std::optional<kernels::TextView> view_of(PyObject* text) noexcept {
     return kernels::TextView{characters.data, static_cast<std::size_t>(characters.length), characters.width};
 }
 
-kernels::Cell ObjectCells::read(std::size_t row, kernels::TextView& text) const noexcept {
-    PyObject* value = column_.object(row);
-    if (value == nullptr) return kernels::Cell::other;
-    if (PyUnicode_CheckExact(value)) {
-        const std::optional<kernels::TextView> view = view_of(value);
-        if (!view) return kernels::Cell::other;
-        text = *view;
-        return kernels::Cell::text;
-    }
-    return is_plain_null(value) ? kernels::Cell::null : kernels::Cell::other;
+std::optional<kernels::TextView> ObjectCells::uncommon_text(PyObject* value) noexcept {
+    if (value == nullptr || !PyUnicode_CheckExact(value)) return std::nullopt;
+    return view_of(value);
 }
 
 }  // namespace quorin::columns

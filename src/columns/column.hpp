@@ -1,6 +1,7 @@
 // A column as it lies in memory, for native routes.
 #pragma once
 
+#include <bit>
 #include <cmath>
 #include <optional>
 
@@ -33,45 +34,84 @@ struct Column {
 // non-empty array of a known dtype.
 std::optional<Column> plain_column(Object X) noexcept;
 
+// Null as pandas means it, among the types that native routes know.
+inline bool is_plain_null(PyObject* value) noexcept {
+    return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));
+}
+
 // Elements of an object array, as far as kernels over texts know them.
 class ObjectCells {
   public:
     explicit ObjectCells(const Column& column) noexcept : column_(column) {}
     [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
-    void prefetch(std::size_t row) const noexcept {
+    // Of a compact ASCII text, the line of its header and that of its first characters, which may be one and the same.
+    // To gcc a call that does nothing but prefetch has no effect and can go, unless it is inlined before that is known.
+    [[gnu::always_inline]] void prefetch(std::size_t row) const noexcept {
         if (row >= column_.rows) return;
         const char* object = reinterpret_cast<const char*>(column_.object(row));
         __builtin_prefetch(object);
-        __builtin_prefetch(object + sizeof(PyObject) + 3 * sizeof(void*));
+        __builtin_prefetch(object + sizeof(PyASCIIObject));
     }
-    kernels::Cell read(std::size_t row, kernels::TextView& text) const noexcept;
+    // A text that an old interpreter has yet to bring together has length 0 until then.
+    [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
+        PyObject* value = column_.object(row);
+        return value != nullptr && PyUnicode_CheckExact(value) &&
+               static_cast<std::size_t>(reinterpret_cast<const PyASCIIObject*>(value)->length) > length;
+    }
+    kernels::Cell read(std::size_t row, kernels::TextView& text) const noexcept {
+        PyObject* value = column_.object(row);
+        if (value != nullptr && PyUnicode_CheckExact(value)) {
+            // The characters of a compact text follow its header, which is longer unless all of them are ASCII.
+            const auto* header = reinterpret_cast<const PyASCIIObject*>(value);
+            if (header->state.compact) {
+                const bool ascii = header->state.ascii;
+                const char* characters = reinterpret_cast<const char*>(value) +
+                                         (ascii ? sizeof(PyASCIIObject) : sizeof(PyCompactUnicodeObject));
+                text = {characters, static_cast<std::size_t>(header->length), static_cast<int>(header->state.kind),
+                        ascii && std::endian::native == std::endian::little};
+                return kernels::Cell::text;
+            }
+        } else if (value != nullptr && is_plain_null(value)) {
+            return kernels::Cell::null;
+        }
+        const std::optional<kernels::TextView> uncommon = uncommon_text(value);
+        if (!uncommon) return kernels::Cell::other;
+        text = *uncommon;
+        return kernels::Cell::text;
+    }
 
   private:
+    static std::optional<kernels::TextView> uncommon_text(PyObject* value) noexcept;
     Column column_;
 };
 
 // Elements of an array of fixed-width text, four bytes a character, filled up with zeros.
 class FixedTextCells {
   public:
-    explicit FixedTextCells(const Column& column) noexcept : column_(column) {}
+    explicit FixedTextCells(const Column& column) noexcept
+        : column_(column), longest_(column.width / sizeof(std::uint32_t)) {}
     [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
     void prefetch(std::size_t /*row*/) const noexcept {}
+    [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
+        return length < longest_ && characters(row)[length] != 0;
+    }
+    // Zeros inside a text belong to it, so its end is looked for from behind, two characters at a time.
     kernels::Cell read(std::size_t row, kernels::TextView& text) const noexcept {
-        const auto* characters = reinterpret_cast<const std::uint32_t*>(column_.at(row));
-        std::size_t length = column_.width / sizeof(std::uint32_t);
-        while (length > 0 && characters[length - 1] == 0) --length;
-        text = {characters, length, 4};
+        const std::uint32_t* at = characters(row);
+        std::size_t length = longest_;
+        while (length > 1 && kernels::eight_bytes(at + length - 2) == 0) length -= 2;
+        if (length > 0 && at[length - 1] == 0) --length;
+        text = {at, length, 4};
         return kernels::Cell::text;
     }
 
   private:
+    [[nodiscard]] const std::uint32_t* characters(std::size_t row) const noexcept {
+        return reinterpret_cast<const std::uint32_t*>(column_.at(row));
+    }
     Column column_;
+    std::size_t longest_;
 };
-
-// Null as pandas means it, among the types that native routes know.
-inline bool is_plain_null(PyObject* value) noexcept {
-    return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));
-}
 
 // The view of an exact str, or nothing where its characters do not lie side by side.
 std::optional<kernels::TextView> view_of(PyObject* text) noexcept;

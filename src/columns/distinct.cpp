@@ -3,7 +3,9 @@
 #include <cstring>
 #include <utility>
 
+#include "columns/numbers.hpp"
 #include "interp/errors.hpp"
+#include "kernels/number_count.hpp"
 #include "kernels/text_order.hpp"
 
 namespace quorin::columns {
@@ -51,6 +53,25 @@ std::optional<std::vector<DistinctText>> distinct_texts(const Column& column) {
     sorted.reserve(found->size());
     for (const std::uint32_t number : kernels::ascending(texts)) sorted.push_back((*found)[number]);
     return sorted;
+}
+
+std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough) {
+    kernels::NumberSet numbers(enough);
+    std::size_t distinct = 0;
+    const bool counted = with_number_type(column, [&](auto type) {
+        using Number = decltype(type);
+        for (std::size_t row = 0; row < column.rows && distinct < enough; ++row) {
+            const Number value = load<Number>(column, row);
+            if constexpr (std::is_floating_point_v<Number>) {
+                distinct = numbers.add(kernels::pattern_of(static_cast<double>(value)));
+            } else {
+                distinct = numbers.add(static_cast<std::uint64_t>(value));
+            }
+        }
+        return true;
+    });
+    if (!counted) return std::nullopt;
+    return distinct;
 }
 
 Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {

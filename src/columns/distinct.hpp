@@ -22,4 +22,8 @@ std::optional<std::vector<DistinctText>> distinct_texts(const Column& column);
 Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct);
 Ref counts_of(const std::vector<DistinctText>& distinct);
 
+// How many different numbers a column holds; `enough` where it holds at least as many. Nothing for a column of objects
+// or texts. NaN counts as one.
+std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough);
+
 }  // namespace quorin::columns

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "columns/numbers.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 
@@ -11,11 +12,6 @@ namespace {
 
 char* bytes_of(Object mask) noexcept {
     return PyArray_BYTES(as_array(mask));
-}
-
-template <class Number>
-Number load(const Column& column, std::size_t row) noexcept {
-    return *reinterpret_cast<const Number*>(column.at(row));
 }
 
 // Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
@@ -101,37 +97,16 @@ bool match_integers(const Column& column, const Markers& values, OnMatch on_matc
 
 template <class OnMatch>
 bool match_rows(const Column& column, const Markers& values, OnMatch on_match) {
-    switch (column.storage) {
-        case Storage::objects:
-            return match_objects(column, values, on_match);
-        case Storage::fixed_text:
-            return match_fixed_texts(column, values, on_match);
-        case Storage::float64:
-            return match_floats<double>(column, values, on_match);
-        case Storage::float32:
-            return match_floats<float>(column, values, on_match);
-        case Storage::boolean:
-            return match_integers<std::uint8_t>(column, values, on_match);
-        case Storage::integer:
-            break;
-    }
-    const bool is_signed = PyTypeNum_ISSIGNED(PyArray_TYPE(column.array));
-    switch (column.width) {
-        case 1:
-            return is_signed ? match_integers<std::int8_t>(column, values, on_match)
-                             : match_integers<std::uint8_t>(column, values, on_match);
-        case 2:
-            return is_signed ? match_integers<std::int16_t>(column, values, on_match)
-                             : match_integers<std::uint16_t>(column, values, on_match);
-        case 4:
-            return is_signed ? match_integers<std::int32_t>(column, values, on_match)
-                             : match_integers<std::uint32_t>(column, values, on_match);
-        case 8:
-            return is_signed ? match_integers<std::int64_t>(column, values, on_match)
-                             : match_integers<std::uint64_t>(column, values, on_match);
-        default:
-            return false;
-    }
+    if (column.storage == Storage::objects) return match_objects(column, values, on_match);
+    if (column.storage == Storage::fixed_text) return match_fixed_texts(column, values, on_match);
+    return with_number_type(column, [&](auto type) {
+        using Number = decltype(type);
+        if constexpr (std::is_floating_point_v<Number>) {
+            return match_floats<Number>(column, values, on_match);
+        } else {
+            return match_integers<Number>(column, values, on_match);
+        }
+    });
 }
 
 }  // namespace

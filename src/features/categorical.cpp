@@ -1,7 +1,13 @@
+#include <algorithm>
+#include <optional>
+
+#include "columns/distinct.hpp"
+#include "columns/membership.hpp"
 #include "features/column.hpp"
 #include "features/features.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 
@@ -33,8 +39,41 @@ double ratio(Py_ssize_t part, Py_ssize_t whole) {
     return static_cast<double>(part) / static_cast<double>(whole);
 }
 
+// Counted no further than it matters: beyond `uni_max` and the few distinct values that are always few.
+std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
+    constexpr long most_counted = 100000;
+    if (!originals_in_place() || !PyLong_CheckExact(uni_max.get()) || !PyFloat_CheckExact(uni_ratio.get())) return {};
+    int overflow = 0;
+    const long most = PyLong_AsLongAndOverflow(uni_max.get(), &overflow);
+    if (overflow != 0 || most < 0 || most > most_counted) return {};
+    const std::optional<columns::Column> column = columns::plain_column(dfc);
+    if (!column) return {};
+    const std::size_t enough = static_cast<std::size_t>(std::max<long>(most, few_values));
+    const std::optional<std::size_t> uni = columns::count_distinct_numbers(*column, enough);
+    if (!uni) return {};
+    const double r = static_cast<double>(*uni) / static_cast<double>(column->rows);
+    if (*uni < static_cast<std::size_t>(most) && r < PyFloat_AS_DOUBLE(uni_ratio.get())) return true;
+    return *uni == 2 || (*uni < few_values && column->rows < few_rows);
+}
+
+// In a column of numbers only numbers are in the list: a null read from an array is an object of its own, equal to
+// none.
+Ref native_without(Object y, Object misslist) {
+    if (!originals_in_place() || !PyList_CheckExact(misslist.get())) return {};
+    const std::optional<columns::Column> column = columns::plain_column(y);
+    if (!column || PyArray_NDIM(column->array) != 1) return {};
+    if (column->storage == columns::Storage::objects || column->storage == columns::Storage::fixed_text) return {};
+    std::optional<columns::Markers> markers = columns::plain_markers(misslist);
+    if (!markers) return {};
+    if (markers->numbers.empty()) return Ref::share(y);
+    markers->null_bits = 0;
+    const std::optional<Ref> mask = columns::membership_mask(*column, *markers);
+    return mask ? item(y, inverted(*mask)) : Ref();
+}
+
 // The values of y that are not in misslist.
 Ref without(Object y, Object misslist) {
+    if (Ref kept = native_without(y, misslist)) return kept;
     const Ref ylist = list({});
     const Py_ssize_t rows = count(row_count(y));
     for (Py_ssize_t i = 0; i < rows; ++i) {
@@ -98,6 +137,7 @@ Examples
 True
 )",
     .body = [](Object dfc, Object uni_max, Object uni_ratio) -> Ref {
+        if (const std::optional<bool> few = native_few_values(dfc, uni_max, uni_ratio)) return Ref::truth(*few);
         const Ref uni = distinct_values(dfc);
         const Py_ssize_t distinct = length(uni);
         const double r = ratio(distinct, length(dfc));

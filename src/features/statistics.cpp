@@ -1,7 +1,12 @@
 // Whether a column looks like a person's sex, height, weight or age.
+#include <cmath>
+#include <optional>
 #include "features/column.hpp"
+
+#include "columns/numbers.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 
@@ -44,6 +49,69 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
                 break;
             }
         }
+    }
+    return flag;
+}
+
+// A number that a 64-bit float holds exactly and that stays exact under the arithmetic of the test.
+std::optional<double> plain_number(Object value) noexcept {
+    constexpr double large = 1e15;
+    double number = 0.0;
+    if (PyFloat_CheckExact(value.get())) {
+        number = PyFloat_AS_DOUBLE(value.get());
+    } else if (PyLong_CheckExact(value.get())) {
+        int overflow = 0;
+        number = static_cast<double>(PyLong_AsLongLongAndOverflow(value.get(), &overflow));
+        if (overflow != 0) return std::nullopt;
+    } else {
+        return std::nullopt;
+    }
+    if (!(std::fabs(number) <= large)) return std::nullopt;
+    return number;
+}
+
+struct PlainBounds {
+    double mean_value;
+    double allowed;
+    double min_value;
+    double max_value;
+};
+
+// The interpreter's own arithmetic on 64-bit floats, which is what it makes of such values and bounds. Nothing for
+// values that are so large that it would warn or round.
+std::optional<bool> values_pass(const columns::Column& values, double k, const PlainBounds& bounds) {
+    constexpr double large = 1e15;
+    bool pass = true;
+    for (std::size_t row = 0; row < values.rows; ++row) {
+        const double value = columns::load<double>(values, row);
+        if (std::fabs(value) > large) return std::nullopt;
+        const double elt = k * value;
+        const bool failing =
+            std::fabs(elt - bounds.mean_value) > bounds.allowed || elt > bounds.max_value || elt < bounds.min_value;
+        pass = pass && !failing;
+    }
+    return pass;
+}
+
+std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
+    if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
+    const std::optional<columns::Column> values = columns::plain_column(X);
+    if (!values || values->storage != columns::Storage::float64) return std::nullopt;
+    const auto mean = plain_number(bounds.mean_value);
+    const auto deviation = plain_number(bounds.std_value);
+    const auto min = plain_number(bounds.min_value);
+    const auto max = plain_number(bounds.max_value);
+    const auto stds = plain_number(bounds.num_stds);
+    if (!mean || !deviation || !min || !max || !stds) return std::nullopt;
+    const PlainBounds plain{*mean, *stds * *deviation, *min, *max};
+    if (std::fabs(plain.allowed) > 1e15) return std::nullopt;
+    bool flag = false;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()) && !flag; ++i) {
+        const auto k = plain_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        if (!k) return std::nullopt;
+        const std::optional<bool> pass = values_pass(*values, *k, plain);
+        if (!pass) return std::nullopt;
+        flag = *pass;
     }
     return flag;
 }
@@ -93,6 +161,7 @@ True
                Object unit_factors_list) -> Ref {
         const Bounds bounds{mean_value, std_value, min_value, max_value, num_stds};
         const Ref X = dfc.attr("values"_py);
+        if (const auto answer = native_check(X, bounds, unit_factors_list)) return Ref::truth(*answer);
         bool flag = false;
         const Ref factors = iterate(unit_factors_list);
         while (const Ref k = next(factors)) {

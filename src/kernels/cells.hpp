@@ -4,6 +4,8 @@
 //     std::size_t size() const
 //     Cell read(std::size_t row, TextView& text) const   what the cell is; `text` is set for a text
 //     void prefetch(std::size_t row) const               a hint that the row will be read soon
+//     bool longer_than(std::size_t row, std::size_t length) const
+//         whether it is a text of more characters, where that is quick to see: false tells nothing
 #pragma once
 
 #include <cstddef>
@@ -34,9 +36,26 @@ inline std::uint32_t character(TextView text, std::size_t i) noexcept {
     }
 }
 
+inline std::uint64_t eight_bytes(const void* at) noexcept {
+    std::uint64_t bytes = 0;
+    std::memcpy(&bytes, at, sizeof bytes);
+    return bytes;
+}
+
+// The characters of a compact text of one to eight, the first one lowest, and zeros above them.
+inline std::uint64_t short_text(TextView text) noexcept {
+    const auto* characters = static_cast<const std::uint8_t*>(text.characters);
+    return eight_bytes(characters + text.length - 8) >> (64 - 8 * text.length);
+}
+
 // By code point, as the interpreter orders texts: below 0, 0 or above 0.
 inline int compare(TextView left, TextView right) noexcept {
     const std::size_t common = left.length < right.length ? left.length : right.length;
+    if (common != 0) {
+        const std::uint32_t a = character(left, 0);
+        const std::uint32_t b = character(right, 0);
+        if (a != b) return a < b ? -1 : 1;
+    }
     if (left.width == 1 && right.width == 1) {
         const int order = common == 0 ? 0 : std::memcmp(left.characters, right.characters, common);
         if (order != 0) return order;
@@ -51,7 +70,10 @@ inline int compare(TextView left, TextView right) noexcept {
 }
 
 inline bool same(TextView left, TextView right) noexcept {
-    return left.length == right.length && compare(left, right) == 0;
+    if (left.length != right.length) return false;
+    if (left.characters == right.characters && left.width == right.width) return true;
+    if (left.compact && right.compact && left.length - 1 < 8) return short_text(left) == short_text(right);
+    return compare(left, right) == 0;
 }
 
 }  // namespace quorin::kernels

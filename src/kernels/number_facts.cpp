@@ -1,6 +1,9 @@
 #include "kernels/number_facts.hpp"
 
-#include <cmath>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 
 namespace quorin::kernels {
@@ -11,47 +14,136 @@ namespace {
 template <class Float>
 constexpr Float always_whole = static_cast<Float>(1) / std::numeric_limits<Float>::epsilon();
 
-// No jumps, so that the compiler can take several elements at once. Adding and taking away `always_whole` leaves a
-// number below it as it is exactly when it is whole. NaN fails every comparison.
-template <class Float, class At>
-NumberFacts gather_block(std::size_t rows, At at) noexcept {
-    int nulls = 0;
-    int fractions = 0;
-    for (std::size_t row = 0; row < rows; ++row) {
-        const Float x = at(row);
-        const Float magnitude = std::fabs(x);
-        const int null = x != x ? 1 : 0;
-        const int small_whole = (magnitude + always_whole<Float>)-always_whole<Float> == magnitude ? 1 : 0;
-        const int large_whole = magnitude >= always_whole<Float> ? 1 : 0;
-        const int infinite = magnitude > std::numeric_limits<Float>::max() ? 1 : 0;
-        nulls += null;
-        fractions |= (infinite | ((small_whole | large_whole) ^ 1)) & (null ^ 1);
-    }
-    return {nulls != 0, static_cast<std::size_t>(nulls) != rows, fractions != 0};
+// Several numbers side by side, which every processor in use compares at once; a comparison sets all bits of a number's
+// place or none. By itself the compiler finds no such form for comparisons of float64.
+template <class Float>
+struct Pack;
+template <>
+struct Pack<double> {
+    using Numbers [[gnu::vector_size(16)]] = double;
+    using Bits [[gnu::vector_size(16)]] = std::int64_t;
+    static constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
+};
+template <>
+struct Pack<float> {
+    using Numbers [[gnu::vector_size(16)]] = float;
+    using Bits [[gnu::vector_size(16)]] = std::int32_t;
+    static constexpr std::int32_t sign = std::numeric_limits<std::int32_t>::min();
+};
+template <class Float>
+using Numbers = typename Pack<Float>::Numbers;
+template <class Float>
+using Bits = typename Pack<Float>::Bits;
+
+template <class Float>
+Numbers<Float> magnitude(Numbers<Float> x) noexcept {
+    return std::bit_cast<Numbers<Float>>(std::bit_cast<Bits<Float>>(x) & ~Pack<Float>::sign);
 }
 
 template <class Float>
-NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept {
+Numbers<Float> without_fraction(Numbers<Float> magnitude) noexcept {
+    return (magnitude + always_whole<Float>)-always_whole<Float>;
+}
+
+// What comparisons gave, as bytes: gcc makes something else, and slow, of `|` and `&` on comparisons of float64.
+using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
+
+template <class Float>
+Bytes bytes(Bits<Float> compared) noexcept {
+    return std::bit_cast<Bytes>(compared);
+}
+
+template <class Float>
+Bytes is_null(Numbers<Float> x) noexcept {
+    return bytes<Float>(x != x);
+}
+
+// True of NaN and of everything that is not plainly a whole number.
+template <class Float>
+Bytes is_doubtful(Numbers<Float> x) noexcept {
+    const Numbers<Float> size = magnitude<Float>(x);
+    return bytes<Float>(without_fraction<Float>(size) != size) | bytes<Float>(size >= always_whole<Float>);
+}
+
+template <class Float>
+Bytes is_fraction_or_infinite(Numbers<Float> x) noexcept {
+    const Numbers<Float> size = magnitude<Float>(x);
+    const Bytes fraction =
+        bytes<Float>(without_fraction<Float>(size) != size) & bytes<Float>(size < always_whole<Float>);
+    return fraction | bytes<Float>(size == std::numeric_limits<Float>::infinity());
+}
+
+template <class Float>
+struct SideBySide {
+    const Float* values;
+    [[nodiscard]] Float one(std::size_t row) const noexcept { return values[row]; }
+    [[nodiscard]] Numbers<Float> pack(std::size_t row) const noexcept {
+        Numbers<Float> numbers;
+        std::memcpy(&numbers, values + row, sizeof numbers);
+        return numbers;
+    }
+};
+
+template <class Float>
+struct Apart {
+    const char* data;
+    std::ptrdiff_t stride;
+    [[nodiscard]] Float one(std::size_t row) const noexcept {
+        return *reinterpret_cast<const Float*>(data + static_cast<std::ptrdiff_t>(row) * stride);
+    }
+    [[nodiscard]] Numbers<Float> pack(std::size_t row) const noexcept {
+        Numbers<Float> numbers;
+        for (std::size_t i = 0; i < sizeof numbers / sizeof(Float); ++i) numbers[i] = one(row + i);
+        return numbers;
+    }
+};
+
+inline bool any_set(Bytes bytes) noexcept {
+    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(bytes);
+    return (halves[0] | halves[1]) != 0;
+}
+
+template <class Float, class Rows, class Has>
+bool any(const Rows& rows, std::size_t begin, std::size_t end, Has has) noexcept {
+    constexpr std::size_t together = sizeof(Numbers<Float>) / sizeof(Float);
+    Bytes even{};
+    Bytes odd{};
+    std::size_t row = begin;
+    for (; end - row >= 2 * together; row += 2 * together) {
+        even |= has(rows.pack(row));
+        odd |= has(rows.pack(row + together));
+    }
+    // What is left, one number in all places.
+    for (; row < end; ++row) even |= has(rows.one(row) - Numbers<Float>{});
+    return any_set(even | odd);
+}
+
+// Once a block has shown a null or a fraction, the blocks after it are no longer asked.
+template <class Float, class Rows>
+void gather_block(NumberFacts& facts, const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+    if (!facts.nulls && !facts.fractions && !any<Float>(rows, begin, end, is_doubtful<Float>)) return;
+    if (!facts.nulls) facts.nulls = any<Float>(rows, begin, end, is_null<Float>);
+    if (!facts.fractions) facts.fractions = any<Float>(rows, begin, end, is_fraction_or_infinite<Float>);
+}
+
+template <class Float, class Rows>
+NumberFacts gather_rows(const Rows& rows, std::size_t size) noexcept {
     constexpr std::size_t block = 1024;
     NumberFacts facts;
-    for (std::size_t start = 0; start < rows; start += block) {
-        const std::size_t size = rows - start < block ? rows - start : block;
-        const char* first = data + static_cast<std::ptrdiff_t>(start) * stride;
-        NumberFacts found;
-        if (stride == static_cast<std::ptrdiff_t>(sizeof(Float))) {
-            const auto* values = reinterpret_cast<const Float*>(first);
-            found = gather_block<Float>(size, [&](std::size_t row) { return values[row]; });
-        } else {
-            found = gather_block<Float>(size, [&](std::size_t row) {
-                return *reinterpret_cast<const Float*>(first + static_cast<std::ptrdiff_t>(row) * stride);
-            });
-        }
-        facts.nulls = facts.nulls || found.nulls;
-        facts.values = facts.values || found.values;
-        facts.fractions = facts.fractions || found.fractions;
-        if (facts.nulls && facts.fractions) break;
+    for (std::size_t begin = 0; begin < size && !(facts.nulls && facts.fractions); begin += block) {
+        gather_block<Float>(facts, rows, begin, size - begin < block ? size : begin + block);
     }
+    // Found at once, unless nearly everything is missing.
+    for (std::size_t row = 0; row < size && !facts.values; ++row) facts.values = rows.one(row) == rows.one(row);
     return facts;
+}
+
+template <class Float>
+NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
+    if (stride == static_cast<std::ptrdiff_t>(sizeof(Float))) {
+        return gather_rows<Float>(SideBySide<Float>{reinterpret_cast<const Float*>(data)}, size);
+    }
+    return gather_rows<Float>(Apart<Float>{data, stride}, size);
 }
 
 }  // namespace

@@ -95,10 +95,10 @@ NumberText parse(const Character* begin, const Character* end) noexcept {
 
 // Characters beyond ASCII may be digits or white space of another script, which the interpreter translates first.
 template <class Character>
-NumberText classify(const void* characters, std::size_t length) noexcept {
-    const auto* begin = static_cast<const Character*>(characters);
-    const auto* end = begin + length;
-    if (!is_ascii(begin, end)) return NumberText::ask;
+NumberText classify(TextView text) noexcept {
+    const auto* begin = static_cast<const Character*>(text.characters);
+    const auto* end = begin + text.length;
+    if (!text.compact && !is_ascii(begin, end)) return NumberText::ask;
     return parse(begin, end);
 }
 
@@ -107,11 +107,11 @@ NumberText classify(const void* characters, std::size_t length) noexcept {
 NumberText classify_number(TextView text) noexcept {
     switch (text.width) {
         case 1:
-            return classify<std::uint8_t>(text.characters, text.length);
+            return classify<std::uint8_t>(text);
         case 2:
-            return classify<std::uint16_t>(text.characters, text.length);
+            return classify<std::uint16_t>(text);
         case 4:
-            return classify<std::uint32_t>(text.characters, text.length);
+            return classify<std::uint32_t>(text);
         default:
             return NumberText::ask;
     }

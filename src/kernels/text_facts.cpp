@@ -1,5 +1,8 @@
 #include "kernels/text_facts.hpp"
 
+#include <algorithm>
+#include <bit>
+
 namespace quorin::kernels {
 
 namespace {
@@ -9,16 +12,6 @@ bool is_ascii(TextView text) noexcept {
         if (character(text, i) > 0x7f) return false;
     }
     return true;
-}
-
-bool is_ascii_alphanumeric(std::uint32_t c) noexcept {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-// A number text starts with white space, a sign, a dot or a digit; words for infinity and NaN hold no dot and are
-// plain.
-bool may_start_number(std::uint32_t c) noexcept {
-    return (c >= '0' && c <= '9') || c == '.' || c == '-' || c == '+' || c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 bool has_dot(TextView text) noexcept {
@@ -57,30 +50,60 @@ TextClass classify_translated(TextView text, const Script& script) noexcept {
     return from_grammar({translated.data(), text.length, 1});
 }
 
+// Room for what classify_common() looks at, and for what it may read before.
+struct Narrowed {
+    std::array<std::uint8_t, 8 + 32> bytes;
+};
+
+// The compact text of the same characters, where they are few and ASCII.
+template <class Character>
+bool narrow(TextView text, Narrowed& narrowed) noexcept {
+    if (text.length > narrowed.bytes.size() - 8 || std::endian::native != std::endian::little) return false;
+    const auto* from = static_cast<const Character*>(text.characters);
+    std::uint8_t* to = narrowed.bytes.data() + 8;
+    Character all = 0;
+    for (std::size_t i = 0; i < text.length; ++i) {
+        all = static_cast<Character>(all | from[i]);
+        to[i] = static_cast<std::uint8_t>(from[i]);
+    }
+    return all <= 0x7f;
+}
+
+TextClass classify_narrowed(TextView text) noexcept {
+    Narrowed narrowed;
+    const bool done = text.width == 4   ? narrow<std::uint32_t>(text, narrowed)
+                      : text.width == 2 ? narrow<std::uint16_t>(text, narrowed)
+                                        : narrow<std::uint8_t>(text, narrowed);
+    if (!done) return TextClass::unsettled;
+    return classify_common({narrowed.bytes.data() + 8, text.length, 1, true});
+}
+
 }  // namespace
 
-TextClass classify_text(TextView text, const Script& script) noexcept {
-    if (text.length == 0) return TextClass::plain;
-    const std::uint32_t first = character(text, 0);
-    if (first <= 0x7f && !may_start_number(first)) return TextClass::plain;
-    if (!is_ascii(text)) return classify_translated(text, script);
+TextClass classify_uncommon(const void* characters, std::size_t length, int width, bool compact,
+                            const Script& script) noexcept {
+    const TextView text{characters, length, width, compact};
+    if (!text.compact) {
+        const std::uint32_t first = character(text, 0);
+        if (first <= 0x7f && !may_start_number[first]) return TextClass::plain;
+        const TextClass common = classify_narrowed(text);
+        if (common != TextClass::unsettled) return common;
+        if (!is_ascii(text)) return classify_translated(text, script);
+    }
     return from_grammar(text);
 }
 
-bool is_lone(TextView text, const Script& script) noexcept {
-    if (text.length != 1) return text.length == 0;
-    const std::uint32_t c = character(text, 0);
-    return c <= 0x7f ? !is_ascii_alphanumeric(c) : !script.is_alphanumeric(c);
-}
-
 bool MarkerSet::add(TextView text) noexcept {
-    if (size_ == most_markers || text.length > longest_possible) return false;
+    if (size_ == most_markers || text.length > longest_possible || text.width != 1) return false;
     lengths_ |= 1U << text.length;
+    longest_ = std::max(longest_, text.length);
+    firsts_[text.length] |= std::uint64_t{1} << (text.length == 0 ? 0 : character(text, 0) & 63U);
     texts_[size_++] = text;
     return true;
 }
 
-std::uint32_t MarkerSet::find_slowly(TextView text) const noexcept {
+std::uint32_t MarkerSet::find_slowly(const void* characters, std::size_t length, int width) const noexcept {
+    const TextView text{characters, length, width};
     std::uint32_t found = 0;
     for (std::size_t i = 0; i < size_; ++i) {
         if (same(texts_[i], text)) found |= 1U << i;

@@ -32,6 +32,13 @@ std::size_t common_start(const std::vector<TextView>& texts) noexcept {
     return common;
 }
 
+bool fits_bytes(const TextView& text) noexcept {
+    if (text.width == 1) return true;
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < text.length; ++i) all |= character(text, i);
+    return all <= 0xffU;
+}
+
 // The characters from `start` on as one number that sorts as they do: eight of a byte each or two of four bytes. A text
 // that ends is filled up with zeros, so equal keys settle nothing.
 std::uint64_t key_of(TextView text, std::size_t start, bool narrow) noexcept {
@@ -74,7 +81,7 @@ std::vector<std::uint32_t> ascending(const std::vector<TextView>& texts) {
     };
     if (texts.empty()) return {};
     const std::size_t start = common_start(texts);
-    const bool narrow = std::all_of(texts.begin(), texts.end(), [](const TextView& text) { return text.width == 1; });
+    const bool narrow = std::all_of(texts.begin(), texts.end(), fits_bytes);
     std::vector<Keyed> keyed;
     keyed.reserve(texts.size());
     for (std::uint32_t number = 0; number < texts.size(); ++number) {

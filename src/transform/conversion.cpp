@@ -1,6 +1,11 @@
+#include <limits>
+#include <optional>
+
+#include "columns/markers.hpp"
 #include "interp/errors.hpp"
 #include "interp/numpy.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 #include "transform/transform.hpp"
@@ -20,6 +25,38 @@ void convert_or_report(Object X, Object Y, const Operand& i) {
         print(handling.exception());
         print(concat({"Setting value "_py, text_of(item(X, i)), " to NaN"_py}));
     }
+}
+
+// float(text) for a text that the number grammar accepts.
+double value_of(Object text) {
+    const Ref number = Ref::take(PyFloat_FromString(text.get()));
+    return PyFloat_AS_DOUBLE(number.get());
+}
+
+// An object array of texts that are all markers or numbers: nothing is to be told, and nothing foreign is asked.
+Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
+    if (!originals_in_place()) return {};
+    const std::optional<columns::Column> column = columns::plain_column(X);
+    if (!column || PyArray_NDIM(column->array) != 1 || column->storage != columns::Storage::objects) return {};
+    const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
+    if (!missing) return {};
+    npy_intp rows = static_cast<npy_intp>(column->rows);
+    Ref Z = Ref::take(PyArray_SimpleNew(1, &rows, NPY_DOUBLE));
+    auto* out = reinterpret_cast<double*>(PyArray_BYTES(as_array(Z)));
+    const columns::ObjectCells cells(*column);
+    for (std::size_t row = 0; row < column->rows; ++row) {
+        cells.prefetch(row + kernels::prefetch_distance);
+        kernels::TextView text{};
+        if (cells.read(row, text) != kernels::Cell::text) return {};
+        if (missing->texts.find(text) != 0) {
+            out[row] = std::numeric_limits<double>::quiet_NaN();
+            continue;
+        }
+        const kernels::NumberText kind = kernels::classify_number(text);
+        if (kind != kernels::NumberText::integer && kind != kernels::NumberText::real) return {};
+        out[row] = value_of(column->object(row));
+    }
+    return Z;
 }
 
 // '?' for a null, no fraction for a whole float, str() for the rest.
@@ -68,6 +105,7 @@ Examples
 array([   1.5,    nan, 1000. ])
 )",
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
+        if (Ref Z = native_floatstr2float(X, missing_values_reference_list)) return Z;
         const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);
         const Ref Y = X.attr("copy"_py)();
         const Py_ssize_t rows = count(row_count(X));

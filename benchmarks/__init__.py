@@ -1,0 +1,1 @@
+"""How long the routines take, beside their interpreter route and what one would use instead."""

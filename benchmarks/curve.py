@@ -1,0 +1,109 @@
+"""Cost per element and memory as columns grow."""
+
+from __future__ import annotations
+
+import contextlib
+import ctypes
+import pathlib
+import re
+from typing import Any, Callable, NamedTuple, Optional, Sequence
+
+from benchmarks import table
+from benchmarks.columns import MARKERS, ColumnSpec, build
+from benchmarks.timing import Contestant, compare
+from quorin_libs.utils import exportable_utils as eu
+
+LENGTHS = tuple(10**power for power in range(1, 8))
+
+STATUS = pathlib.Path("/proc/self/status")
+RESET = pathlib.Path("/proc/self/clear_refs")
+
+
+def _whatis(column: Any) -> Any:
+    return eu.numpy_whatis(column, MARKERS)
+
+
+def _statistics(column: Any) -> Any:
+    return eu.numpy_whatis(column, MARKERS, return_stats_flag=True)
+
+
+def _isin(column: Any) -> Any:
+    return eu.numpy_isin(column, MARKERS)
+
+
+ROUTINES: tuple[tuple[str, Callable[[Any], Any], ColumnSpec], ...] = (
+    ("numpy_whatis", _whatis, ColumnSpec("words")),
+    ("numpy_whatis", _whatis, ColumnSpec("words", order="shuffled")),
+    ("numpy_whatis", _whatis, ColumnSpec("float_text")),
+    ("numpy_whatis", _whatis, ColumnSpec("float64")),
+    ("numpy_isin", _isin, ColumnSpec("words")),
+    ("numpy_whatis statistics", _statistics, ColumnSpec("words", distinct=1000)),
+    ("numpy_whatis statistics", _statistics, ColumnSpec("float64")),
+)
+
+
+class Point(NamedTuple):
+    """A routine at one length; `memory` in bytes above what was there before the call."""
+
+    case: str
+    rows: int
+    nanoseconds_per_element: float
+    memory: Optional[int]
+
+
+def peak_memory(call: Callable[[Any], Any], subject: Any) -> Optional[int]:
+    """Return by how much the process grew at most while the call ran, its result included.
+
+    None where the system does not say. What a small column takes hides in memory that the process
+    holds anyway.
+    """
+    with contextlib.suppress(AttributeError, OSError):
+        ctypes.CDLL(None).malloc_trim(0)  # glibc: what was freed before would be used first, unseen
+    try:
+        RESET.write_text("5", encoding="ascii")  # the high-water mark starts at the present size
+        before = _high_water()
+        call(subject)
+        return _high_water() - before
+    except OSError:
+        return None
+
+
+def _high_water() -> int:
+    found = re.search(r"^VmHWM:\s+(\d+) kB$", STATUS.read_text(encoding="ascii"), re.MULTILINE)
+    if found is None:
+        raise OSError("no high-water mark")
+    return int(found.group(1)) * 1024
+
+
+def run(lengths: Sequence[int], repeat: int, filters: Sequence[str]) -> list[Point]:
+    """Measure each routine at each length; a column goes before the next one is made."""
+    progress = table.Progress()
+    points = []
+    for routine, call, spec in ROUTINES:
+        case = "{}/{}".format(routine, spec.label)
+        if not all(re.search(pattern, case) for pattern in filters):
+            continue
+        for rows in lengths:
+            progress.show("{} {:,} rows".format(case, rows))
+            column = build(spec, rows)
+            # Before anything is timed: that would leave freed memory behind.
+            memory = peak_memory(call, column)
+            (times,) = compare([Contestant(case, call, column)], repeat)
+            points.append(Point(case, rows, times.least / rows * 1e9, memory))
+            del column
+    progress.show("")
+    return points
+
+
+def as_text(points: Sequence[Point]) -> str:
+    """Return nanoseconds per element by length, and bytes per element at the last one."""
+    lengths = sorted({point.rows for point in points})
+    found = {(point.case, point.rows): point for point in points}
+    rows = []
+    for case in dict.fromkeys(point.case for point in points):
+        last = found[case, lengths[-1]]
+        memory = "?" if last.memory is None else "{:.3g}".format(last.memory / last.rows)
+        costs = ["{:.4g}".format(found[case, n].nanoseconds_per_element) for n in lengths]
+        rows.append((case, *costs, memory))
+    header = ("ns per element at", *map("{:,}".format, lengths), "peak bytes/element")
+    return table.align(header, rows, left=("ns per element at",))

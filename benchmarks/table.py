@@ -1,0 +1,173 @@
+"""Running cases and printing what came out as aligned columns."""
+
+from __future__ import annotations
+
+import platform
+import sys
+from typing import Any, Iterable, NamedTuple, Optional, Sequence, TextIO
+
+import numpy as np
+import pandas as pd
+
+from benchmarks.cases import Case, elements
+from benchmarks.columns import build
+from benchmarks.timing import Contestant, Times, compare, geometric_mean
+
+
+class Line(NamedTuple):
+    """A case at one length, beside one peer or none; times in seconds per call."""
+
+    case: str
+    rows: int
+    elements: int
+    native: Times
+    interpreter: Times
+    peer: Optional[str]
+    peer_times: Optional[Times]
+    note: str
+
+    @property
+    def over_interpreter(self) -> float:
+        """How many times the interpreter route takes as long."""
+        return self.interpreter.least / self.native.least
+
+    @property
+    def over_peer(self) -> Optional[float]:
+        """How many times the peer takes as long."""
+        return self.peer_times.least / self.native.least if self.peer_times else None
+
+    def as_json(self) -> dict[str, Any]:
+        """Return the line as JSON holds it."""
+        times = {"native": self.native, "interpreter": self.interpreter, "peer": self.peer_times}
+        return {
+            "case": self.case,
+            "rows": self.rows,
+            "elements": self.elements,
+            "seconds": {name: t._asdict() for name, t in times.items() if t},
+            "interpreter_over_native": self.over_interpreter,
+            "peer_over_native": self.over_peer,
+            "peer": self.peer,
+            "note": self.note,
+        }
+
+
+class Progress:
+    """A line on standard error that is written over, if a terminal shows it."""
+
+    def __init__(self, stream: TextIO = sys.stderr):
+        self._stream = stream if stream.isatty() else None
+
+    def show(self, text: str) -> None:
+        """Write the text over the last one."""
+        if self._stream:
+            self._stream.write("\r\x1b[K" + text)
+            self._stream.flush()
+
+
+def run(case: Case, rows: int, repeat: int) -> list[Line]:
+    """Time one case at one length: a line for each peer, or one alone."""
+    column = build(case.spec, rows)
+    routine = case.routine
+    native = Contestant("native", routine.call, case.subject(column), copied=routine.copied)
+    contestants = [native, native._replace(name="interpreter", forced=True)]
+    contestants += [Contestant(peer.name, peer.call, peer.subject(column)) for peer in case.peers]
+    times = compare(contestants, repeat)
+    common = (case.name, rows, elements(native.subject), times[0], times[1])
+    if not case.peers:
+        return [Line(*common, None, None, "")]
+    return [Line(*common, peer.name, t, peer.note) for peer, t in zip(case.peers, times[2:])]
+
+
+def run_all(chosen: Sequence[tuple[Case, int]], repeat: int) -> list[Line]:
+    """Time the cases one after the other; an interrupt ends it and keeps what there is."""
+    progress = Progress()
+    lines: list[Line] = []
+    try:
+        for index, (case, rows) in enumerate(chosen):
+            progress.show("{}/{} {} {:,} rows".format(index + 1, len(chosen), case.name, rows))
+            lines += run(case, rows, repeat)
+    except KeyboardInterrupt:
+        pass
+    progress.show("")
+    return lines
+
+
+def align(header: Sequence[str], rows: Iterable[Sequence[str]], *, left: Sequence[str]) -> str:
+    """Return the table as text; columns named in `left` start, all others end, together."""
+    table = [list(header), *map(list, rows)]
+    widths = [max(map(len, column)) for column in zip(*table)]
+    table.insert(1, ["-" * width for width in widths])
+    return "\n".join(
+        "  ".join(
+            cell.ljust(width) if name in left else cell.rjust(width)
+            for cell, width, name in zip(row, widths, header)
+        ).rstrip()
+        for row in table
+    )
+
+
+def ratio(value: Optional[float]) -> str:
+    """Return three significant digits of a ratio."""
+    if value is None:
+        return ""
+    return "{:,.0f}".format(value) if value >= 100 else "{:.3g}".format(value)
+
+
+def environment() -> dict[str, str]:
+    """Return what the times depend on besides the code."""
+    return {
+        "python": platform.python_version(),
+        "numpy": np.__version__,
+        "pandas": pd.__version__,
+        "machine": "{} {}".format(platform.system(), platform.machine()),
+    }
+
+
+def as_text(lines: Sequence[Line]) -> str:
+    """Return the lines as a table."""
+    header = ("case", "rows", "ns/element", "interpreter", "peer", "peer's name", "note")
+    return align(
+        header,
+        (
+            (
+                line.case,
+                "{:,}".format(line.rows),
+                "{:.4g}".format(line.native.least / line.elements * 1e9),
+                ratio(line.over_interpreter),
+                ratio(line.over_peer),
+                line.peer or "",
+                line.note,
+            )
+            for line in lines
+        ),
+        left=("case", "peer's name", "note"),
+    )
+
+
+def summary(lines: Sequence[Line]) -> str:
+    """Return geometric means for each length, with the least ratio and whose it is."""
+    rows = []
+    for length in sorted({line.rows for line in lines}):
+        there = [line for line in lines if line.rows == length]
+        # A case has a line for each of its peers but one interpreter route.
+        routes = {line.case: line.over_interpreter for line in there}
+        peers = {
+            "{}, {}".format(line.case, line.peer): line.over_peer
+            for line in there
+            if line.over_peer is not None
+        }
+        for name, ratios in (("interpreter", routes), ("peer", peers)):
+            if ratios:
+                least = min(ratios, key=lambda case, found=ratios: found[case])
+                rows.append(
+                    (
+                        "{:,}".format(length),
+                        name,
+                        str(len(ratios)),
+                        ratio(geometric_mean(list(ratios.values()))),
+                        ratio(ratios[least]),
+                        least,
+                    )
+                )
+    header = ("rows", "beside", "cases", "geometric mean", "least", "least of")
+    return align(header, rows, left=("beside", "least of"))

@@ -1,0 +1,195 @@
+"""Both routes of a routine show the same on any column, whichever name forces the slow one."""
+
+from __future__ import annotations
+
+import numpy as np
+from columns import flags
+from hypothesis import strategies as st
+from properties import property_test
+from routes import SHORT, cases, compare_routes, frame_of, long_columns, names_for
+
+TEXT_KINDS = [
+    "numbers as text",
+    "numbers and lone signs",
+    "numbers and words",
+    "nearly numbers",
+    "words",
+    "any text",
+    "text and missing",
+]
+NUMBER_KINDS = [
+    "small integers",
+    "integers",
+    "floats",
+    "whole floats",
+    "numbers and missing",
+    "numbers",
+    "booleans",
+    "booleans and missing",
+]
+
+
+@property_test(weight=6, case=cases(TEXT_KINDS), by=names_for("numpy_whatis"))
+def test_kind_of_text(case, by):
+    X, values = case
+    compare_routes("numpy_whatis", by, (X, values))
+
+
+@property_test(weight=6, case=cases(), by=names_for("numpy_whatis"))
+def test_kind_of_any_column(case, by):
+    X, values = case
+    compare_routes("numpy_whatis", by, (X, values))
+    compare_routes("numpy_whatis", by, (X,))
+
+
+@property_test(
+    weight=3,
+    case=cases(lengths=SHORT),
+    by=names_for("numpy_whatis"),
+    stop=st.booleans(),
+    debug=st.sampled_from([False, False, False, True]),
+    counted=st.booleans(),
+    stats=st.booleans(),
+)
+def test_kind_and_statistics(case, by, stop, debug, counted, stats):
+    X, values = case
+    kwargs = {
+        "stop_at_one_missing_value_flag": stop,
+        "use_dtype_str1_flag": counted,
+        "return_stats_flag": stats,
+    }
+    if debug:
+        kwargs["debug"] = True
+    compare_routes("numpy_whatis", by, (X, values), kwargs)
+
+
+@property_test(weight=1, case=cases(TEXT_KINDS), by=names_for("numpy_whatis"))
+def test_statistics_of_text(case, by):
+    X, values = case
+    compare_routes("numpy_whatis", by, (X, values), {"return_stats_flag": True})
+
+
+@property_test(weight=4, case=cases(), by=names_for("numpy_isin"), debug=flags)
+def test_isin(case, by, debug):
+    X, values = case
+    compare_routes("numpy_isin", by, (X, values))
+    if debug is True:
+        compare_routes("numpy_isin", by, (X, values), {"debug": debug})
+
+
+hashable = st.one_of(
+    st.sampled_from(["?", "", "-", "1", "a", "1.5", "N/A", "\u00e9", "\ud800", "\x00", "a\x00"]),
+    st.sampled_from([0, 1, 2, -1, 2.5, 1.0, -0.0, True, False, None, np.nan, 10**30, 2**63]),
+    st.sampled_from([np.str_("1"), np.float64(1.5), np.int64(2), b"1", (1, 2), float("inf")]),
+)
+sets = st.one_of(st.sets(hashable, max_size=9), st.frozensets(hashable, max_size=3))
+
+
+@property_test(
+    weight=4,
+    X=long_columns(),
+    members=sets,
+    own=st.integers(0, 3),
+    by=names_for("indicator_mask"),
+)
+def test_membership(X, members, own, by):
+    plain = (str, int, float, bool, type(None))
+    more = [cell for cell in X.values[-own:] if own and type(cell) in plain]
+    compare_routes("indicator_mask", by, (set(members) | set(more), X))
+    compare_routes("indicator_mask", by, (members, X))
+
+
+@property_test(
+    weight=4, case=cases(), stop=st.booleans(), by=names_for("numpy_compute_missing_indicator")
+)
+def test_missing_indicator(case, stop, by):
+    X, values = case
+    compare_routes("numpy_compute_missing_indicator", by, (X, values, stop))
+
+
+@property_test(
+    weight=4,
+    case=cases(),
+    by=names_for("get_unique_values"),
+    index=st.booleans(),
+    inverse=st.booleans(),
+    counts=st.booleans(),
+)
+def test_unique_values(case, by, index, inverse, counts):
+    y, exclusion_list = case
+    compare_routes("get_unique_values", by, (y, exclusion_list), {"return_counts": counts})
+    compare_routes("get_unique_values", by, (y,), {"return_counts": True})
+    compare_routes("get_unique_values", by, (y, exclusion_list, index, inverse, counts))
+
+
+@property_test(weight=3, case=cases(TEXT_KINDS), by=names_for("numpy_isintstr"))
+def test_integer_test_of_text(case, by):
+    X, values = case
+    compare_routes("numpy_isintstr", by, (X, values))
+
+
+@property_test(weight=3, case=cases(), by=names_for("numpy_isintstr"))
+def test_integer_test_of_any_column(case, by):
+    X, values = case
+    compare_routes("numpy_isintstr", by, (X, values))
+
+
+@property_test(weight=3, case=cases(TEXT_KINDS), by=names_for("numpy_floatstr2float"))
+def test_conversion_of_text(case, by):
+    X, values = case
+    compare_routes("numpy_floatstr2float", by, (X, values))
+
+
+@property_test(weight=3, case=cases(), by=names_for("numpy_floatstr2float"))
+def test_conversion_of_any_column(case, by):
+    X, values = case
+    compare_routes("numpy_floatstr2float", by, (X, values))
+
+
+@property_test(
+    weight=3,
+    X=st.one_of(long_columns(NUMBER_KINDS), long_columns()),
+    by=names_for("FCplus.is_num_column_categorical"),
+    uni_max=st.sampled_from([0, 1, 2, 3, 5, 10, 100, 100, 2.5, True, float("nan"), np.int64(3)]),
+    uni_ratio=st.sampled_from([0.0, 0.1, 0.5, 1, 2.0, float("nan"), np.float64(0.25)]),
+)
+def test_few_distinct_numbers(X, by, uni_max, uni_ratio):
+    compare_routes("FCplus.is_num_column_categorical", by, (X,))
+    compare_routes("FCplus.is_num_column_categorical", by, (X, uni_max, uni_ratio))
+
+
+@property_test(weight=2, case=cases(), by=names_for("FCplus.is_column_categorical"))
+def test_categorical_column(case, by):
+    compare_routes("FCplus.is_column_categorical", by, case)
+
+
+@property_test(weight=3, case=cases(), exclude=flags, by=names_for("FCplus.getClasses"))
+def test_classes(case, exclude, by):
+    y, values = case
+    compare_routes("FCplus.getClasses", by, (y,))
+    compare_routes("FCplus.getClasses", by, (y, exclude, values))
+
+
+bounds = st.sampled_from([0, 1, 2.5, -1.0, 100, 10**30, float("inf"), float("nan"), np.float64(2)])
+factors = st.lists(st.sampled_from([1, 2.54, 0.5, 0, -1, 10**30, float("inf")]), max_size=3)
+
+
+@property_test(
+    weight=3,
+    X=st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT)),
+    numbers=st.lists(bounds, min_size=5, max_size=5),
+    units=factors,
+    by=names_for("FCplus.check_statistics"),
+)
+def test_statistics_check(X, numbers, units, by):
+    compare_routes("FCplus.check_statistics", by, (frame_of(X), *numbers, units))
+
+
+@property_test(
+    weight=2,
+    X=st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT)),
+    routine=st.sampled_from(["is_column_height", "is_column_weight", "is_column_age"]),
+    by=st.sampled_from(["FCplus", "FCplus.check_statistics"]),
+)
+def test_measures(X, routine, by):
+    compare_routes("FCplus." + routine, by, (frame_of(X),))

@@ -1,0 +1,376 @@
+"""Every name that a routine looks up is honoured on columns that it could answer from memory."""
+
+from __future__ import annotations
+
+import unittest.mock
+
+import numpy as np
+import pytest
+from comparison import DELETED, Tally, find_owner, find_routine, module
+from hypothesis import strategies as st
+from properties import property_test
+from recipes import Recipe
+from routes import SHORT, cases, events_of, names_for, objects, pass_through, shown
+
+FC_TEST = "FC.is_string_in_datetime_format"
+FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
+
+
+class Foreign(Exception):
+    """Raised by a replacement."""
+
+
+def refuse(*args, **kwargs):
+    raise Foreign
+
+
+def always(answer):
+    return lambda *args, **kwargs: answer
+
+
+def two(values, counts):
+    return always((objects(*values), np.array(counts)))
+
+
+def all_true(function, otypes=None):
+    return lambda column: np.ones(np.shape(column), dtype=bool)
+
+
+NUMBER_TEXTS = Recipe("objects('1', '2', '?')", lambda inner: objects("1", "2", "?"))
+REAL_TEXTS = Recipe("objects('1.5', '2', '?')", lambda inner: objects("1.5", "2", "?"))
+NUMBER_AND_WORD = Recipe("objects('1', 'a')", lambda inner: objects("1", "a"))
+LONE_AND_WORDS = Recipe("objects('b', '?', 'a')", lambda inner: objects("b", "?", "a"))
+WORDS = Recipe("objects('b', '?', None)", lambda inner: objects("b", "?", None))
+ONE_COLUMN = Recipe("one column", lambda inner: np.array([["b"], ["?"], ["a"]], dtype=object))
+FIXED = Recipe("np.array(['b', 'a'])", lambda inner: np.array(["b", "a"]))
+WHOLE = Recipe("np.array([2, 1, 2])", lambda inner: np.array([2, 1, 2]))
+REAL = Recipe("np.array([1.5, 2.0])", lambda inner: np.array([1.5, 2.0]))
+TRUTH = Recipe("np.array([True, False])", lambda inner: np.array([True, False]))
+
+MASK = [
+    ("np.vectorize", all_true),
+    ("np.vectorize", refuse),
+]
+FLATTEN = [
+    ("numpy_flatten_column", always(objects("zz", "1"))),
+    ("np.ndarray", object),
+]
+# A routine, its arguments, and pairs of a name and something that answers differently.
+GUARDS = [
+    ("indicator_mask", ({"?"}, WORDS), MASK),
+    (
+        "numpy_isin",
+        (WORDS, ["?", np.nan]),
+        MASK
+        + FLATTEN
+        + [
+            ("indicator_mask", always(np.ones(3, dtype=bool))),
+            ("pd.isnull", lambda value: np.zeros(len(value), dtype=bool)),
+            ("np.any", always(False)),
+            ("np.asarray", always(objects("b", "b"))),
+        ],
+    ),
+    (
+        "numpy_isin",
+        (ONE_COLUMN, ["?"]),
+        [
+            ("np.concatenate", always(objects("?", "?", "?"))),
+            ("numpy_remove_second_dim", always(objects("?", "?", "?"))),
+        ],
+    ),
+    (
+        "numpy_compute_missing_indicator",
+        (WORDS, ["?", np.nan]),
+        MASK
+        + FLATTEN
+        + [
+            ("indicator_mask", always(np.ones(3, dtype=bool))),
+            ("numpy_isin", always(np.zeros(3, dtype=bool))),
+            ("np.any", always(False)),
+            ("pd.isnull", refuse),
+        ],
+    ),
+    (
+        "numpy_compute_missing_indicator",
+        (WORDS, ["none of them"]),
+        [("np.zeros", always(np.ones(3, dtype=bool)))],
+    ),
+    (
+        "get_unique_values",
+        (FIXED, ["a"]),
+        MASK
+        + FLATTEN
+        + [
+            ("numpy_isin", always(np.array([True, True]))),
+            ("indicator_mask", always(np.array([True, True]))),
+            ("np.unique", always(np.array(["zz"]))),
+            ("np.unique", refuse),
+        ],
+    ),
+    ("get_unique_values", (NUMBER_TEXTS,), [("np.unique", always(np.array(["zz"])))]),
+    (
+        "numpy_whatis",
+        (NUMBER_TEXTS, ["?", np.nan]),
+        [
+            ("numpy_flatten_column", always(objects("zz"))),
+            ("np.ndarray", object),
+            ("numpy_compute_missing_indicator", lambda X, *a, **k: (np.ones(3, bool), [], ["zz"])),
+            ("np.vectorize", all_true),
+            ("get_unique_values", two(["zz"], [1])),
+            ("np.unique", two(["zz"], [1])),
+            ("isint", always(False)),
+            ("isfloat", refuse),
+            ("six.string_types", ()),
+            (FCPLUS_TEST, refuse),
+            (FC_TEST, refuse),
+        ],
+    ),
+    (
+        "numpy_whatis",
+        (LONE_AND_WORDS, ["?", np.nan]),
+        [
+            ("numpy_isin", always(np.zeros(3, dtype=bool))),
+            ("indicator_mask", always(np.zeros(3, dtype=bool))),
+            ("np.any", always(False)),
+            ("pd.isnull", refuse),
+            ("isint", always(True)),
+        ],
+    ),
+    ("numpy_whatis", (NUMBER_TEXTS, ["*"]), [("np.zeros", always(np.ones(3, dtype=bool)))]),
+    ("numpy_whatis", (REAL_TEXTS,), [("isfloat", always(False))]),
+    ("numpy_whatis", (NUMBER_AND_WORD,), [("np.nan", "a"), ("np.nan", "1")]),
+    ("numpy_whatis", (ONE_COLUMN,), [("np.concatenate", always(objects("1")))]),
+    (
+        "numpy_whatis",
+        (REAL,),
+        [("np.integer", np.floating), ("np.bool_", np.floating), ("numbers.Integral", float)],
+    ),
+    ("numpy_whatis", (TRUTH,), [("np.float", np.bool_), ("get_unique_values", refuse)]),
+    ("numpy_whatis", (WHOLE,), [("get_unique_values", two(["zz"], [1])), (FC_TEST, refuse)]),
+    ("numpy_isintstr", (NUMBER_TEXTS, ["?"]), [("isint", always(False)), ("isint", refuse)]),
+    ("numpy_isintstr", (WHOLE,), [("isint", always(0))]),
+    (
+        "numpy_floatstr2float",
+        (REAL_TEXTS, ["?"]),
+        [("isfloat", refuse), ("np.nan", 7.0)],
+    ),
+    ("numpy_floatstr2float", (NUMBER_AND_WORD,), [("isfloat", always(True)), ("np.nan", 7.0)]),
+    (
+        "FCplus.is_num_column_categorical",
+        (WHOLE,),
+        [("np.unique", always(range(50))), ("np.unique", refuse)],
+    ),
+    (
+        "FCplus.getClasses",
+        (NUMBER_TEXTS,),
+        [
+            ("numpy_whatis", always((["1"], "char_str"))),
+            ("setValueOrDefault", always(["2"])),
+            ("global_missing_values_reference_list", ["2"]),
+            ("Counter", always({"zz": 1})),
+            ("isint", refuse),
+            (FC_TEST, refuse),
+        ],
+    ),
+]
+ROWS = [
+    pytest.param(name, args, by, other, id="{} {} {}".format(name, by, i))
+    for i, (name, args, pairs) in enumerate(GUARDS)
+    for by, other in pairs
+]
+FRAME_OF_NUMBERS = Recipe("frame", lambda inner: module.pd.DataFrame({0: [62.0, 66.5, 71.0]}))
+ABOVE = [
+    ("FCplus.is_column_height", (FRAME_OF_NUMBERS,)),
+    ("FCplus.is_column_weight", (FRAME_OF_NUMBERS,)),
+]
+
+
+def as_member(by, other):
+    return staticmethod(other) if by.startswith(("FC.", "FCplus.")) else other
+
+
+def is_there(by):
+    owner, name = find_owner(module, by)
+    return name in vars(owner)
+
+
+@pytest.fixture
+def alias():
+    """The name that old numpy has and new numpy has not, bound to what it always meant."""
+    with unittest.mock.patch.dict(vars(np), {"float": float}):
+        yield
+
+
+@pytest.mark.usefixtures("alias")
+@pytest.mark.parametrize("name, args, by, other", ROWS)
+def test_other_answer_counts(name, args, by, other):
+    before = shown(name, args, {}, {})
+    changed = shown(name, args, {}, {by: as_member(by, other)})
+    assert changed != before
+    assert shown(name, args, {}, {}) == before
+
+
+# getClasses counts with Counter, which is Python, on both routes.
+SILENT = [row for row in ROWS if row.values[0] != "FCplus.getClasses"]
+
+
+@pytest.mark.parametrize("name, args, by, other", SILENT)
+def test_native_answer_comes_back(name, args, by, other):
+    if not is_there(by):
+        return
+    built = tuple(arg.make(None) if isinstance(arg, Recipe) else arg for arg in args)
+    at_first = events_of(name, built)
+    shown(name, args, {}, {by: as_member(by, other)})
+    shown(name, args, {}, {by: DELETED})
+    assert events_of(name, built) == at_first == []
+
+
+@pytest.mark.parametrize("name, args, by, other", ROWS)
+def test_deleted_name_is_missed(name, args, by, other):
+    if not is_there(by):
+        return
+    before = shown(name, args, {}, {})
+    gone = shown(name, args, {}, {by: DELETED})
+    assert "error" in gone
+    assert "'{}'".format(by.rpartition(".")[2]) in gone["error"][1] + gone["printed"]
+    assert shown(name, args, {}, {}) == before
+
+
+@pytest.mark.parametrize("name, args", ABOVE)
+def test_measures_ask_for_the_statistics_check(name, args):
+    before = shown(name, args, {}, {})
+    for other in (refuse, always(before["result"] == (bool, "False"))):
+        names = {"FCplus.check_statistics": staticmethod(other)}
+        assert shown(name, args, {}, names) != before
+    gone = shown(name, args, {}, {"FCplus.check_statistics": DELETED})
+    assert gone["error"][0] is AttributeError
+    assert shown(name, args, {}, {}) == before
+
+
+ODD = st.sampled_from(
+    [refuse, always(None), always(True), always([]), always(([], "zz")), all_true]
+)
+CALLS = st.sampled_from(
+    [
+        ("numpy_whatis", {}),
+        ("numpy_isin", {}),
+        ("numpy_compute_missing_indicator", {}),
+        ("get_unique_values", {"return_counts": True}),
+        ("numpy_isintstr", {}),
+        ("numpy_floatstr2float", {}),
+        ("FCplus.getClasses", {}),
+        ("FCplus.is_column_categorical", {}),
+    ]
+)
+
+
+@property_test(
+    weight=5,
+    case=cases(lengths=SHORT),
+    call=CALLS,
+    by=names_for("FCplus.getClasses"),
+    also=st.sampled_from(["isint", "isfloat", "numpy_isin", "numpy_flatten_column"]),
+    odd=ODD,
+)
+def test_odd_answers_are_the_same_on_both_routes(case, call, by, also, odd):
+    name, kwargs = call
+    if by in (also, name, "FCplus") or not callable(find_routine(module, by)):
+        return
+    args = (case[0], True, case[1]) if name == "FCplus.getClasses" else case
+    names = {by: as_member(by, odd)}
+    Tally.cases += 1
+    alone = shown(name, args, kwargs, names)
+    names[also] = pass_through(also)
+    assert shown(name, args, kwargs, names) == alone
+
+
+# A name can be bound in more than one way.
+WAYS = {
+    "setattr": lambda value: setattr(module, "isint", value),
+    "item": lambda value: vars(module).__setitem__("isint", value),
+    "update": lambda value: vars(module).update(isint=value),
+    "gone and back": lambda value: (vars(module).pop("isint"), setattr(module, "isint", value)),
+    "exec": lambda value: exec("global isint; isint = value", vars(module), {"value": value}),
+    "__dict__": lambda value: object.__setattr__(module, "isint", value),
+}
+
+
+@pytest.mark.parametrize("way", sorted(WAYS))
+def test_however_it_is_bound(way):
+    column = objects("1", "2")
+    original = module.isint
+    order = list(vars(module))
+    assert module.numpy_whatis(column) == ([], "int_str")
+    try:
+        WAYS[way](always(False))
+        assert module.numpy_whatis(column) == ([], "char_str")
+        WAYS[way](original)
+        assert module.numpy_whatis(column) == ([], "int_str")
+        assert events_of("numpy_whatis", (column,)) == []
+    finally:
+        module.isint = original
+        for name in order:
+            vars(module)[name] = vars(module).pop(name)
+
+
+def test_members_of_classes_however_they_are_bound():
+    column = objects("a", "b")
+    for owner in (module.FC, module.FCplus):
+        name = (FC_TEST if owner is module.FC else FCPLUS_TEST).partition(".")[2]
+        original = vars(owner)[name]
+        for bind in (setattr, type.__setattr__):
+            bind(owner, name, staticmethod(refuse))
+            try:
+                with pytest.raises(Foreign):
+                    module.numpy_whatis(column)
+            finally:
+                bind(owner, name, original)
+            assert module.numpy_whatis(column) == ([], "char_str")
+            assert events_of("numpy_whatis", (column,)) == []
+
+
+def test_binding_the_same_object_changes_nothing():
+    column = objects("1", "2")
+    module.isint = module.isint
+    np.unique = np.unique
+    assert events_of("numpy_whatis", (column,)) == []
+
+
+def test_many_changes_one_after_another():
+    column = objects("1", "2")
+    original = module.isint
+    for _ in range(300):
+        module.isint = always(False)
+        assert module.numpy_whatis(column) == ([], "char_str")
+        module.isint = original
+        assert module.numpy_whatis(column) == ([], "int_str")
+
+
+def test_a_name_of_no_concern_leaves_the_native_route():
+    column = objects("1", "2")
+    module.not_a_name_of_ours = 1
+    try:
+        assert events_of("numpy_whatis", (column,)) == []
+    finally:
+        del module.not_a_name_of_ours
+    assert events_of("numpy_whatis", (column,)) == []
+
+
+@pytest.mark.parametrize("routine", ["getClasses", "is_column_categorical"])
+def test_list_of_markers_may_be_changed_in_place(routine):
+    column = objects(*["a", "b", "zz", "a"])
+    numbers = np.array([100.0] * 50 + [200.0] * 50 + list(range(10)))
+    ask = getattr(module.FCplus, routine)
+    markers = module.global_missing_values_reference_list
+    before = list(markers)
+    first = ask(column), ask(numbers)
+    try:
+        markers.append("zz")
+        markers.extend(float(i) for i in range(10))
+        changed = ask(column), ask(numbers)
+        own = [list(markers)] if routine == "is_column_categorical" else [True, list(markers)]
+        assert changed == (ask(column, *own), ask(numbers, *own))
+        assert changed != first
+    finally:
+        markers[:] = before
+    assert (ask(column), ask(numbers)) == first

@@ -1,0 +1,116 @@
+"""The native route is taken where it should be, and leaves nothing behind."""
+
+from __future__ import annotations
+
+import sys
+
+import numpy as np
+import pytest
+from comparison import find_routine, module
+from routes import SHAPES, events_of, objects
+
+MARKERS = ["?", "", "-", np.nan]
+TEXTS = objects("b", "?", "a", "", "b", "c")
+NUMBER_TEXTS = objects("1", "-", "2.5", "1e3", "", "2")
+OBJECTS = {
+    "texts": TEXTS,
+    "number texts": NUMBER_TEXTS,
+    "integer texts": objects("1", "2", "10"),
+    "texts and nulls": objects("a", None, "b", float("nan"), "?"),
+    "texts of other alphabets": objects("\u00e9", "\u6f22", "\U0001d7d8", "\u0661", "\ud800"),
+    "Python floats": objects(1.5, 2.0, 1.5, np.nan, 3.0),
+    "Python integers": objects(1, 2, 2, 3),
+    "Python booleans": objects(True, False, True),
+}
+FIXED = {
+    "fixed-width texts": np.array(["b", "?", "a", "", "b"]),
+    "fixed-width number texts": np.array(["1", "2.5", "", "-3"]),
+}
+NUMBERS = {
+    "floats": np.array([1.5, np.nan, 2.0, 1.5, -0.0]),
+    "whole floats": np.array([1.0, 2.0, 2.0]),
+    "short floats": np.array([1.5, np.nan, 2.0], dtype="f4"),
+    "booleans": np.array([True, False, True]),
+}
+for _dtype in ("i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8"):
+    NUMBERS["integers " + _dtype] = np.array([3, 1, 2, 1], dtype=_dtype)
+COLUMNS = dict(OBJECTS, **FIXED, **NUMBERS)
+ALL_TEXT = {
+    kind: column
+    for kind, column in COLUMNS.items()
+    if column.dtype.kind == "U" or all(type(cell) is str for cell in column.tolist())
+}
+
+# A routine, what comes after the column, and the columns that it answers from memory.
+TAKEN = [
+    ("numpy_whatis", (), COLUMNS),
+    ("numpy_whatis", (MARKERS,), COLUMNS),
+    ("numpy_isin", (["?", "a"],), COLUMNS),
+    ("numpy_isin", (MARKERS,), COLUMNS),
+    ("numpy_compute_missing_indicator", (MARKERS,), COLUMNS),
+    ("numpy_compute_missing_indicator", (["none of them"],), COLUMNS),
+    ("get_unique_values", (), ALL_TEXT),
+    ("get_unique_values", (MARKERS,), dict(ALL_TEXT, nulls=OBJECTS["texts and nulls"])),
+]
+# A profiler sees every step of numpy and pandas that the interpreter route takes in these.
+CASES = [
+    pytest.param(name, more, column, id="{} {} {}".format(name, len(more), kind))
+    for name, more, columns in TAKEN
+    for kind, column in columns.items()
+]
+
+
+@pytest.mark.parametrize("name, more, column", CASES)
+def test_nothing_of_python_runs(name, more, column):
+    assert events_of(name, (column,) + more, by="numpy_isin")
+    assert events_of(name, (column,) + more) == []
+
+
+@pytest.mark.parametrize("shape", sorted(set(SHAPES) - {"byte-swapped"}))
+@pytest.mark.parametrize("kind", ["texts", "number texts", "fixed-width texts", "floats"])
+@pytest.mark.parametrize("name", ["numpy_whatis", "numpy_isin", "numpy_compute_missing_indicator"])
+def test_in_every_layout(name, kind, shape):
+    column = SHAPES[shape](COLUMNS[kind].copy())
+    assert events_of(name, (column, MARKERS), by="numpy_isin")
+    assert events_of(name, (column, MARKERS)) == []
+
+
+@pytest.mark.parametrize("kind", sorted(COLUMNS))
+def test_membership_runs_nothing_of_python(kind):
+    arguments = ({"?", "a", "1"}, COLUMNS[kind])
+    assert events_of("indicator_mask", arguments, by="np.vectorize")
+    assert events_of("indicator_mask", arguments) == []
+
+
+REPEATS = 50
+
+
+@pytest.mark.parametrize("more", [(), (MARKERS,)])
+@pytest.mark.parametrize("name", ["numpy_whatis", "numpy_isin", "get_unique_values",
+                                  "numpy_compute_missing_indicator", "numpy_isintstr",
+                                  "FCplus.getClasses"])  # fmt: skip
+@pytest.mark.parametrize("kind", sorted(OBJECTS))
+def test_references_are_given_back(name, kind, more):
+    if name in ("numpy_isin", "numpy_compute_missing_indicator"):
+        more = (MARKERS,)
+    # None is counted by whoever handles a log record meanwhile.
+    cells = [cell for cell in OBJECTS[kind].tolist() + MARKERS + [MARKERS] if cell is not None]
+    routine = find_routine(module, name)
+    before = [sys.getrefcount(cell) for cell in cells]
+    for _ in range(REPEATS):
+        try:
+            routine(OBJECTS[kind], *more)
+        except Exception:
+            pass
+    after = [sys.getrefcount(cell) for cell in cells]
+    assert max(abs(a - b) for a, b in zip(after, before)) < REPEATS
+
+
+@pytest.mark.parametrize("name", ["numpy_isin", "numpy_compute_missing_indicator", "numpy_whatis"])
+@pytest.mark.parametrize("kind", sorted(COLUMNS))
+def test_the_column_is_given_back(name, kind):
+    column = COLUMNS[kind].copy()
+    before = sys.getrefcount(column)
+    for _ in range(REPEATS):
+        find_routine(module, name)(column, MARKERS)
+    assert sys.getrefcount(column) == before
