@@ -2,6 +2,7 @@
 #include "classify/progress.hpp"
 #include "classify/verdict.hpp"
 #include "columns/answer.hpp"
+#include "columns/membership.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -20,11 +21,42 @@ struct Parted {
     Ref xx_xounts;
 };
 
+// The rows that hold markers, straight from the column's memory. False, and nothing done, where that is not for memory
+// to say.
+bool find_missing_natively(Parted& parted, Object X, Object missing_values_list) {
+    if (!originals_in_place()) return false;
+    const std::optional<columns::Column> column = columns::plain_column(X);
+    if (!column || PyArray_NDIM(column->array) != 1) return false;
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
+    if (!markers) return false;
+    const auto masks = columns::masks_by_value(*column, *markers);
+    if (!masks) return false;
+    Ref mask = columns::empty_mask(column->rows);
+    std::uint32_t bits = 0;
+    for (const auto& [bit, marked] : *masks) {
+        mask = columns::merged_masks(mask, marked);
+        bits |= bit;
+    }
+    parted.X_non_missing = bits == 0 ? Ref::share(X) : item(X, inverted(mask));
+    parted.cum_missing_mask_arr = std::move(mask);
+    parted.missing_reference_values_exist_list = columns::markers_of(*markers, bits);
+    return true;
+}
+
 // Without a reference list there is no mask, and NaN is no distinct value though its rows are not missing.
 Parted part(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) {
     Parted parted;
     std::array<Ref, 2> distinct;
-    if (truth(missing_values_list)) {
+    const bool plain_question = stop_at_one_missing_value_flag.is(Py_False) && debug.is(Py_False);
+    if (!truth(missing_values_list)) {
+        parted.missing_reference_values_exist_list = list({});
+        parted.X_non_missing = Ref::share(X);
+        const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});
+        distinct = unpack<2>(
+            global("get_unique_values"_py)({parted.X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
+    } else if (plain_question && find_missing_natively(parted, X, missing_values_list)) {
+        distinct = unpack<2>(global("get_unique_values"_py)({parted.X_non_missing}, {{"return_counts"_py, true}}));
+    } else {
         const Ref indicator = global("numpy_compute_missing_indicator"_py)(
             {X, missing_values_list},
             {{"stop_at_one_missing_value_flag"_py, stop_at_one_missing_value_flag}, {"debug"_py, debug}});
@@ -33,12 +65,6 @@ Parted part(Object X, Object missing_values_list, Object stop_at_one_missing_val
         parted.cum_missing_mask_arr = std::move(mask);
         parted.missing_reference_values_exist_list = std::move(markers);
         distinct = unpack<2>(global("get_unique_values"_py)({parted.X_non_missing}, {{"return_counts"_py, true}}));
-    } else {
-        parted.missing_reference_values_exist_list = list({});
-        parted.X_non_missing = Ref::share(X);
-        const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});
-        distinct = unpack<2>(
-            global("get_unique_values"_py)({parted.X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
     }
     parted.XX = std::move(distinct[0]);
     parted.xx_xounts = std::move(distinct[1]);

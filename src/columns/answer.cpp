@@ -89,6 +89,11 @@ std::optional<Answer> answer_texts(const Column& column, const Markers& markers)
         return answer;
     }
     const Texts texts(column);
+    if (std::is_same_v<Texts, ObjectTexts> && !facts.lone) {
+        answer.kind = number_kind(facts);
+        append(answer.misslist, column.object(facts.first_plain));
+        return answer;
+    }
     Ordered least_number;
     Ordered end_marker;
     find_end_marker(cells, markers.texts, script, least_number, end_marker);

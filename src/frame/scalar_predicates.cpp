@@ -37,8 +37,16 @@ bool int_accepts(Object value) {
     return accepted(PyNumber_Long(value.get()));
 }
 
+// An integer of 64 bits, which no float is too small for.
+bool is_moderate_integer(Object value) {
+    if (!PyLong_CheckExact(value.get()) && !PyBool_Check(value.get())) return false;
+    int overflow = 0;
+    PyLong_AsLongLongAndOverflow(value.get(), &overflow);
+    return overflow == 0;
+}
+
 bool float_accepts(Object value) {
-    if (PyFloat_CheckExact(value.get())) return true;
+    if (PyFloat_CheckExact(value.get()) || is_moderate_integer(value)) return true;
     if (is_plain_text(value)) {
         const NumberText kind = number_text(value);
         if (kind != NumberText::ask) return kind != NumberText::none;

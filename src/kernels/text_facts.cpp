@@ -94,7 +94,7 @@ TextClass classify_uncommon(const void* characters, std::size_t length, int widt
 }
 
 bool MarkerSet::add(TextView text) noexcept {
-    if (size_ == most_markers || text.length > longest_possible || text.width != 1) return false;
+    if (size_ == most_markers || text.length > longest_possible) return false;
     lengths_ |= 1U << text.length;
     longest_ = std::max(longest_, text.length);
     firsts_[text.length] |= std::uint64_t{1} << (text.length == 0 ? 0 : character(text, 0) & 63U);

@@ -113,7 +113,7 @@ inline bool is_lone(TextView text, const Script& script) noexcept {
 
 constexpr std::size_t most_markers = 16;
 
-// The marker texts of a column, to be found in its cells; short ones only, of one byte a character.
+// The marker texts of a column, to be found in its cells; short ones only.
 class MarkerSet {
   public:
     // False where the text is none that this set can hold.

@@ -7,6 +7,13 @@ namespace quorin::transform {
 
 namespace {
 
+// "".join(s.split())
+Ref without_white_space(Object s) {
+    if (!PyUnicode_CheckExact(s.get())) return Object(""_py.text).attr("join"_py)({s.attr("split"_py)()});
+    const Ref pieces = Ref::take(PyUnicode_Split(s.get(), nullptr, -1));
+    return Ref::take(PyUnicode_Join(""_py.text, pieces.get()));
+}
+
 Ref digest(Object s) {
     const Ref bytes = s.attr("encode"_py)();
     const Ref md5 = global("hashlib"_py).attr("md5"_py)({bytes});
@@ -67,7 +74,7 @@ Examples
 16955237001963240173058271559858726497
 )",
     .body = [](Object s, Object compress_type) -> Ref {
-        if (equal(compress_type, "string"_py)) return Object(""_py.text).attr("join"_py)({s.attr("split"_py)()});
+        if (equal(compress_type, "string"_py)) return without_white_space(s);
         return digest(s);
     },
 };
