@@ -15,10 +15,8 @@ namespace {
 // the rows behind the first that is no number would show nowhere.
 std::optional<bool> native_isintstr(Object X, Object missing_values_reference_list) {
     if (!originals_in_place()) return std::nullopt;
-    const std::optional<columns::Column> column = columns::plain_column(X);
-    if (!column || PyArray_NDIM(column->array) != 1 || column->storage != columns::Storage::objects) {
-        return std::nullopt;
-    }
+    const std::optional<columns::Column> column = columns::flat_column(X, columns::Storage::objects);
+    if (!column) return std::nullopt;
     const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
     if (!missing) return std::nullopt;
     const columns::ObjectCells cells(*column);

@@ -113,18 +113,11 @@ Ref numpy_whole(npy_intp value) {
     return Ref::take(PyArray_Scalar(&value, reinterpret_cast<PyArray_Descr*>(dtype.get()), nullptr));
 }
 
-// A flat array of a dtype that the walk knows.
-std::optional<Column> flat(Object array) noexcept {
-    std::optional<Column> column = columns::plain_column(array);
-    if (column && PyArray_NDIM(column->array) != 1) column.reset();
-    return column;
-}
-
 }  // namespace
 
 bool Scan::run_native(Object XX, Object xx_xounts, Object missing_values_list) {
-    const std::optional<Column> values = flat(XX);
-    const std::optional<Column> counts = flat(xx_xounts);
+    const std::optional<Column> values = columns::flat_column(XX);
+    const std::optional<Column> counts = columns::flat_column(xx_xounts);
     if (!values || !counts || PyArray_TYPE(counts->array) != NPY_INTP || counts->rows != values->rows) return false;
     Seen seen;
     if (!walk(*values, *counts, seen)) return false;

@@ -25,8 +25,8 @@ struct Parted {
 // to say.
 bool find_missing_natively(Parted& parted, Object X, Object missing_values_list) {
     if (!originals_in_place()) return false;
-    const std::optional<columns::Column> column = columns::plain_column(X);
-    if (!column || PyArray_NDIM(column->array) != 1) return false;
+    const std::optional<columns::Column> column = columns::flat_column(X);
+    if (!column) return false;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
     if (!markers) return false;
     const auto masks = columns::masks_by_value(*column, *markers);

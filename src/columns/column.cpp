@@ -55,6 +55,18 @@ std::optional<Column> plain_column(Object X) noexcept {
                   static_cast<std::size_t>(PyArray_ITEMSIZE(array))};
 }
 
+std::optional<Column> flat_column(Object X) noexcept {
+    std::optional<Column> column = plain_column(X);
+    if (column && PyArray_NDIM(column->array) != 1) column.reset();
+    return column;
+}
+
+std::optional<Column> flat_column(Object X, Storage storage) noexcept {
+    std::optional<Column> column = flat_column(X);
+    if (column && column->storage != storage) column.reset();
+    return column;
+}
+
 std::optional<kernels::TextView> view_of(PyObject* text) noexcept {
 #if PY_VERSION_HEX < 0x030C0000
     if (!is_ready_text(text)) return std::nullopt;

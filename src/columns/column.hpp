@@ -34,6 +34,10 @@ struct Column {
 // non-empty array of a known dtype.
 std::optional<Column> plain_column(Object X) noexcept;
 
+// The same for an array of one dimension only, and of one storage where that matters.
+std::optional<Column> flat_column(Object X) noexcept;
+std::optional<Column> flat_column(Object X, Storage storage) noexcept;
+
 // Null as pandas means it, among the types that native routes know.
 inline bool is_plain_null(PyObject* value) noexcept {
     return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));

@@ -60,8 +60,8 @@ std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_rat
 // none.
 Ref native_without(Object y, Object misslist) {
     if (!originals_in_place() || !PyList_CheckExact(misslist.get())) return {};
-    const std::optional<columns::Column> column = columns::plain_column(y);
-    if (!column || PyArray_NDIM(column->array) != 1) return {};
+    const std::optional<columns::Column> column = columns::flat_column(y);
+    if (!column) return {};
     if (column->storage == columns::Storage::objects || column->storage == columns::Storage::fixed_text) return {};
     std::optional<columns::Markers> markers = columns::plain_markers(misslist);
     if (!markers) return {};

@@ -26,8 +26,8 @@ Ref membership_test(Object reference_set) {
 // The mask of one flat column, straight from its memory.
 std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
     if (!originals_in_place()) return std::nullopt;
-    const std::optional<columns::Column> column = columns::plain_column(l);
-    if (!column || PyArray_NDIM(column->array) != 1) return std::nullopt;
+    const std::optional<columns::Column> column = columns::flat_column(l);
+    if (!column) return std::nullopt;
     const std::optional<columns::Markers> members = columns::plain_members(reference_set);
     if (!members) return std::nullopt;
     return columns::membership_mask(*column, *members);

@@ -17,8 +17,8 @@ bool is_mixed_text_failure(Object message) {
 // The distinct texts of a flat column, with counts if they are wanted. For other dtypes numpy's sort has no peer.
 Ref native_unique(Object y_to_process, bool return_counts) {
     if (!originals_in_place()) return {};
-    const std::optional<columns::Column> column = columns::plain_column(y_to_process);
-    if (!column || PyArray_NDIM(column->array) != 1) return {};
+    const std::optional<columns::Column> column = columns::flat_column(y_to_process);
+    if (!column) return {};
     if (column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text) return {};
     const auto distinct = columns::distinct_texts(*column);
     if (!distinct) return {};

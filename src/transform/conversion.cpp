@@ -36,8 +36,8 @@ double value_of(Object text) {
 // An object array of texts that are all markers or numbers: nothing is to be told, and nothing foreign is asked.
 Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
     if (!originals_in_place()) return {};
-    const std::optional<columns::Column> column = columns::plain_column(X);
-    if (!column || PyArray_NDIM(column->array) != 1 || column->storage != columns::Storage::objects) return {};
+    const std::optional<columns::Column> column = columns::flat_column(X, columns::Storage::objects);
+    if (!column) return {};
     const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
     if (!missing) return {};
     npy_intp rows = static_cast<npy_intp>(column->rows);

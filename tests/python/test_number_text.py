@@ -1,0 +1,98 @@
+"""Which texts are numbers: every short text over the characters that matter.
+
+``int()`` and ``float()`` are the judges. There are 5,220 texts of up to three characters, all of
+them tried, and 83,521 of four, from which 25 x QUORIN_CASES are drawn: all from QUORIN_CASES=3341
+on.
+"""
+
+from __future__ import annotations
+
+import itertools
+import random
+
+import numpy as np
+import pytest
+from properties import CASES, SEED
+from support import objects
+
+from quorin_libs.utils.exportable_utils import isfloat, isint, numpy_whatis
+
+# Every character that the grammar treats in a way of its own, and one it does not know.
+ALPHABET = "09_+-.eE \t\x1cnaif\0x"
+
+# Beyond ASCII: digits and white space of other scripts, which count, and a letter and a fraction,
+# which do not.
+OTHER_SCRIPTS = "1._- \u0663\uff15\U0001d7d7\xa0\u2003\xe9\xbd\x85"
+
+
+def texts(alphabet, length):
+    return ["".join(characters) for characters in itertools.product(alphabet, repeat=length)]
+
+
+def drawn(population, size):
+    if size >= len(population):
+        return population
+    return random.Random(SEED).sample(population, size)
+
+
+def accepts(built_in, text):
+    try:
+        built_in(text)
+    except ValueError:
+        return False
+    return True
+
+
+def kind_by_built_ins(text):
+    """What a column of this text alone is: a float without a dot, words included, is plain text."""
+    if accepts(int, text):
+        return "int_str"
+    return "float_str" if "." in text and accepts(float, text) else "char_str"
+
+
+def differences(population):
+    """The texts for which a predicate, or the classifier on a column, disagrees with them."""
+    different = []
+    for text in population:
+        expected = accepts(int, text), accepts(float, text)
+        if (isint(text), isfloat(text)) != expected:
+            different.append(("str", text))
+        if (isint(np.str_(text)), isfloat(np.str_(text))) != expected:
+            different.append(("np.str_", text))
+        kind = kind_by_built_ins(text)
+        if numpy_whatis(objects(text), [])[1] != kind:
+            different.append(("object column", text))
+        # A column of fixed-width text cannot hold zeros at the end.
+        if not text.endswith("\0") and numpy_whatis(np.array([text]), [])[1] != kind:
+            different.append(("fixed-width column", text))
+    return different
+
+
+@pytest.mark.parametrize("length", [0, 1, 2, 3])
+def test_all_texts_of_up_to_three_characters(length):
+    population = texts(ALPHABET, length)
+    assert len(population) == 17**length
+    assert differences(population) == []
+
+
+def test_texts_of_four_characters():
+    assert differences(drawn(texts(ALPHABET, 4), 25 * CASES)) == []
+
+
+@pytest.mark.parametrize("length", [1, 2, 3])
+def test_texts_with_characters_of_other_scripts(length):
+    assert differences(texts(OTHER_SCRIPTS, length)) == []
+
+
+def test_longer_texts():
+    """Lengths around those at which a kernel looks at eight characters together."""
+    draw = random.Random(SEED)
+    population = []
+    for _ in range(10 * CASES):
+        text = [draw.choice("0123456789") for _ in range(draw.randint(5, 40))]
+        for _ in range(draw.randint(0, 3)):
+            text[draw.randrange(len(text))] = draw.choice(".-+_eE \tx\xe9\u0663")
+        population.append("".join(text))
+    kinds = {kind_by_built_ins(text) for text in population}
+    assert kinds == {"int_str", "float_str", "char_str"}
+    assert differences(population) == []
