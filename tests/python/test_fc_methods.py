@@ -53,9 +53,11 @@ def containers(cells):
     yield "tuple", tuple(cells)
     yield "array of objects", as_objects
     yield "array (n, 1)", as_objects.reshape(-1, 1)
-    yield "Series", pd.Series(as_objects)
-    yield "Series, other index", pd.Series(as_objects, index=range(10, 10 + len(cells)))
-    yield "DataFrame", pd.DataFrame({"x": as_objects})
+    # Told the dtype, since some versions of pandas try huge integers as dates and fail.
+    yield "Series", pd.Series(as_objects, dtype=object)
+    index = range(10, 10 + len(cells))
+    yield "Series, other index", pd.Series(as_objects, index=index, dtype=object)
+    yield "DataFrame", pd.DataFrame({"x": as_objects}, dtype=object)
     if cells and not any(isinstance(cell, int) and abs(cell) > 2**1000 for cell in cells):
         # pandas warns when it guesses for nothing, and older ones fail for want of a float
         yield "Series, inferred", pd.Series(list(cells))

@@ -272,6 +272,7 @@ except ImportError as error:
 def test_start_up_by_hand_that_fails_leaves_nothing_listed(tmp_path):
     code = """
 import importlib, importlib.util
+import pandas  # which needs six as well and does not stand a second try
 spec = importlib.util.find_spec("{module}")
 sys.modules["six"] = None
 failed = ""

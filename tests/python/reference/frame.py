@@ -61,9 +61,10 @@ def isfloat(value):
     except ValueError:
         return False
     except TypeError as e:
-        # The interpreter puts the type's name before this text; the module does not.
-        _, found, rest = str(e).partition(NON_FLOAT)
-        if found:
+        # The interpreter puts the type's name before this text; the module does not. What the
+        # conversion of an array says about its element is another matter.
+        owner, found, rest = str(e).partition(NON_FLOAT)
+        if found and owner in ("", type(value).__name__[:50] + "."):
             raise TypeError(NON_FLOAT + rest)
         raise
     return True
