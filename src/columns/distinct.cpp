@@ -75,7 +75,7 @@ std::optional<std::size_t> count_distinct_numbers(const Column& column, std::siz
 }
 
 Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
-    npy_intp size = static_cast<npy_intp>(distinct.size());
+    const npy_intp size = static_cast<npy_intp>(distinct.size());
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
     // PyArray_Empty() takes a reference over.
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
@@ -94,7 +94,7 @@ Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
 }
 
 Ref counts_of(const std::vector<DistinctText>& distinct) {
-    npy_intp size = static_cast<npy_intp>(distinct.size());
+    const npy_intp size = static_cast<npy_intp>(distinct.size());
     Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
     auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
     for (const DistinctText& entry : distinct) *out++ = entry.count;

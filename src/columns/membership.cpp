@@ -112,7 +112,7 @@ bool match_rows(const Column& column, const Markers& values, OnMatch on_match) {
 }  // namespace
 
 Ref empty_mask(std::size_t rows) {
-    npy_intp shape = static_cast<npy_intp>(rows);
+    const npy_intp shape = static_cast<npy_intp>(rows);
     return Ref::take(PyArray_Zeros(1, &shape, PyArray_DescrFromType(NPY_BOOL), 0));
 }
 

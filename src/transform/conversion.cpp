@@ -40,7 +40,7 @@ Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
     if (!column) return {};
     const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
     if (!missing) return {};
-    npy_intp rows = static_cast<npy_intp>(column->rows);
+    const npy_intp rows = static_cast<npy_intp>(column->rows);
     Ref Z = Ref::take(PyArray_SimpleNew(1, &rows, NPY_DOUBLE));
     auto* out = reinterpret_cast<double*>(PyArray_BYTES(as_array(Z)));
     const columns::ObjectCells cells(*column);
