@@ -1,12 +1,12 @@
 // The scan over distinct values that lie in memory as texts or as plain numbers.
 #include <array>
-#include <cmath>
 #include <optional>
 #include <vector>
 
 #include "classify/scan.hpp"
 #include "columns/column.hpp"
 #include "interp/operations.hpp"
+#include "kernels/number_runs.hpp"
 
 namespace quorin::classify {
 
@@ -32,9 +32,11 @@ struct Seen {
     std::vector<std::size_t> plain_above;  // texts above the first number
     std::optional<std::size_t> end_marker;
 
-    void count(Kind kind, npy_intp rows) {
+    void count(Kind kind, npy_intp rows) { count(kind, 1, rows); }
+    void count(Kind kind, std::size_t distinct, npy_intp rows) {
+        if (distinct == 0) return;
         Tally& tally = tallies[static_cast<std::size_t>(kind)];
-        ++tally.distinct;
+        tally.distinct += static_cast<Py_ssize_t>(distinct);
         tally.rows += rows;
         running = kind;
     }
@@ -72,19 +74,29 @@ bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
     return true;
 }
 
-void walk_floats(const Column& values, const Column& counts, Seen& seen) {
-    bool fraction_seen = false;
-    for (std::size_t i = 0; i < values.rows; ++i) {
-        const double value = *reinterpret_cast<const double*>(values.at(i));
-        const bool whole_valued = std::isfinite(value) && std::floor(value) == value;
-        fraction_seen = fraction_seen || !whole_valued;
-        seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
-    }
-    if (fraction_seen) seen.running = Kind::float_num;
+// The numbers and the counts stand side by side, as numpy.unique() makes them.
+std::optional<kernels::FractionTally> tally_floats(const Column& values, const Column& counts) {
+    if (values.stride != sizeof(double) || counts.stride != sizeof(npy_intp)) return std::nullopt;
+    return kernels::tally_fractions(reinterpret_cast<const double*>(values.data),
+                                    reinterpret_cast<const npy_intp*>(counts.data), values.rows);
 }
 
-void walk_alike(const Column& values, const Column& counts, Kind kind, Seen& seen) {
-    for (std::size_t i = 0; i < values.rows; ++i) seen.count(kind, rows_of(counts, i));
+npy_intp all_rows(const Column& counts) {
+    return kernels::sum(reinterpret_cast<const npy_intp*>(counts.data), counts.rows);
+}
+
+bool walk_floats(const Column& values, const Column& counts, Seen& seen) {
+    const auto fractions = tally_floats(values, counts);
+    if (!fractions) return false;
+    seen.count(Kind::float_int_num, values.rows - fractions->distinct, all_rows(counts) - fractions->rows);
+    seen.count(Kind::float_num, fractions->distinct, fractions->rows);
+    return true;
+}
+
+bool walk_alike(const Column& values, const Column& counts, Kind kind, Seen& seen) {
+    if (counts.stride != sizeof(npy_intp)) return false;
+    seen.count(kind, values.rows, all_rows(counts));
+    return true;
 }
 
 bool walk(const Column& values, const Column& counts, Seen& seen) {
@@ -94,14 +106,11 @@ bool walk(const Column& values, const Column& counts, Seen& seen) {
         case Storage::fixed_text:
             return walk_texts(columns::FixedTextCells(values), counts, seen);
         case Storage::float64:
-            walk_floats(values, counts, seen);
-            return true;
+            return walk_floats(values, counts, seen);
         case Storage::integer:
-            walk_alike(values, counts, Kind::int_num, seen);
-            return true;
+            return walk_alike(values, counts, Kind::int_num, seen);
         case Storage::boolean:
-            walk_alike(values, counts, Kind::boolean, seen);
-            return true;
+            return walk_alike(values, counts, Kind::boolean, seen);
         case Storage::float32:
             break;
     }

@@ -1,8 +1,8 @@
 #include "classify/classify.hpp"
+#include "classify/parted.hpp"
 #include "classify/progress.hpp"
 #include "classify/verdict.hpp"
 #include "columns/answer.hpp"
-#include "columns/membership.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -11,65 +11,6 @@
 namespace quorin::classify {
 
 namespace {
-
-// The column, parted into rows that are missing and distinct values of the others.
-struct Parted {
-    Local cum_missing_mask_arr{"cum_missing_mask_arr"_py};
-    Ref missing_reference_values_exist_list;
-    Ref X_non_missing;
-    Ref XX;
-    Ref xx_xounts;
-};
-
-// The rows that hold markers, straight from the column's memory. False, and nothing done, where that is not for memory
-// to say.
-bool find_missing_natively(Parted& parted, Object X, Object missing_values_list) {
-    if (!originals_in_place()) return false;
-    const std::optional<columns::Column> column = columns::flat_column(X);
-    if (!column) return false;
-    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
-    if (!markers) return false;
-    const auto masks = columns::masks_by_value(*column, *markers);
-    if (!masks) return false;
-    Ref mask = columns::empty_mask(column->rows);
-    std::uint32_t bits = 0;
-    for (const auto& [bit, marked] : *masks) {
-        mask = columns::merged_masks(mask, marked);
-        bits |= bit;
-    }
-    parted.X_non_missing = bits == 0 ? Ref::share(X) : item(X, inverted(mask));
-    parted.cum_missing_mask_arr = std::move(mask);
-    parted.missing_reference_values_exist_list = columns::markers_of(*markers, bits);
-    return true;
-}
-
-// Without a reference list there is no mask, and NaN is no distinct value though its rows are not missing.
-Parted part(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) {
-    Parted parted;
-    std::array<Ref, 2> distinct;
-    const bool plain_question = stop_at_one_missing_value_flag.is(Py_False) && debug.is(Py_False);
-    if (!truth(missing_values_list)) {
-        parted.missing_reference_values_exist_list = list({});
-        parted.X_non_missing = Ref::share(X);
-        const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});
-        distinct = unpack<2>(
-            global("get_unique_values"_py)({parted.X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
-    } else if (plain_question && find_missing_natively(parted, X, missing_values_list)) {
-        distinct = unpack<2>(global("get_unique_values"_py)({parted.X_non_missing}, {{"return_counts"_py, true}}));
-    } else {
-        const Ref indicator = global("numpy_compute_missing_indicator"_py)(
-            {X, missing_values_list},
-            {{"stop_at_one_missing_value_flag"_py, stop_at_one_missing_value_flag}, {"debug"_py, debug}});
-        auto [mask, missing_masks_list, markers] = unpack<3>(indicator);
-        parted.X_non_missing = item(X, inverted(mask));
-        parted.cum_missing_mask_arr = std::move(mask);
-        parted.missing_reference_values_exist_list = std::move(markers);
-        distinct = unpack<2>(global("get_unique_values"_py)({parted.X_non_missing}, {{"return_counts"_py, true}}));
-    }
-    parted.XX = std::move(distinct[0]);
-    parted.xx_xounts = std::move(distinct[1]);
-    return parted;
-}
 
 // Whether the least distinct values read as dates. A false answer is handed on as it came.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
@@ -159,23 +100,17 @@ Examples
         }
         Progress progress(debug);
         progress.column(column);
-        Ref X = global("numpy_flatten_column"_py)({column});
-        const Ref missing_values_list =
-            missing_values_reference_list.is_none() ? list({}) : missing_values_reference_list.attr("copy"_py)();
-        if (equal(X.attr("dtype"_py), "float32"_py)) X = X.attr("astype"_py)({&PyFloat_Type});
-
-        const Parted parted = part(X, missing_values_list, stop_at_one_missing_value_flag, debug);
+        const Parted parted = part(column, missing_values_reference_list, stop_at_one_missing_value_flag, debug);
         const Ref& XX = parted.XX;
-        const Kind initial = equal(row_count(parted.X_non_missing), 0) ? Kind::missing : Kind::unknown;
+        const Kind initial = equal(parted.non_missing_rows, 0) ? Kind::missing : Kind::unknown;
         const Ref distinct_values = row_count(XX);
-        const bool unique_values_column_flag = equal(distinct_values, row_count(parted.X_non_missing));
+        const bool unique_values_column_flag = equal(distinct_values, parted.non_missing_rows);
         const bool constant_column_flag = equal(row_count(XX), 1) || initial == Kind::missing;
 
-        const Ref rows = row_count(X);
-        Scan scan(subtract(rows, row_count(parted.X_non_missing)));
+        Scan scan(subtract(parted.rows, parted.non_missing_rows));
         scan.dtype_str = initial;
         progress.scan_starts(XX);
-        scan.run(XX, parted.xx_xounts, missing_values_list);
+        scan.run(XX, parted.xx_xounts, parted.missing_values_list);
         progress.scan_ends(XX);
 
         const Kind dtype_str = scan.found_float_str_flag && scan.found_int_str_flag ? Kind::float_str : scan.dtype_str;
@@ -189,7 +124,7 @@ Examples
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);
-        progress.order_and_gaps(capped_row_count(parted.X_non_missing));
+        progress.order_and_gaps(capped(parted.non_missing_rows));
         progress.end();
         if (!truth(return_stats_flag)) return tuple({new_missing_values_list, dtype_str_final});
 

@@ -17,6 +17,7 @@ struct Scope {
     struct Entry {
         PyObject* name;
         PyObject* value;
+        bool date_test;  // on the way to the date test, and to nothing else that a native route stands in for
     };
     PyObject* dictionary;
     std::vector<Entry> entries;
@@ -31,7 +32,12 @@ std::vector<Scope>& scopes() {
     return *all;
 }
 
-bool all_in_place = false;
+struct InPlace {
+    bool date_test = false;
+    bool others = false;
+};
+InPlace in_place;
+bool own_date_test_is_pure = false;
 
 // Interpreters before 3.12 count the changes of every dictionary; later ones tell whoever watches it.
 #if PY_VERSION_HEX < 0x030C0000
@@ -77,15 +83,22 @@ void watch(PyObject* dictionary) {
 
 #endif
 
-bool look_everything_up() noexcept {
+InPlace look_everything_up() noexcept {
+    InPlace found{own_date_test_is_pure, true};
     for (const Scope& scope : scopes()) {
         for (const Scope::Entry& entry : scope.entries) {
             PyObject* held = PyDict_GetItemWithError(scope.dictionary, entry.name);
             if (held == nullptr) PyErr_Clear();
-            if (held != entry.value) return false;
+            if (held != entry.value) (entry.date_test ? found.date_test : found.others) = false;
         }
     }
-    return true;
+    return found;
+}
+
+void look_again() noexcept {
+    if (scopes().empty() || !changed()) return;
+    in_place = look_everything_up();
+    settle();
 }
 
 void remember(Object dictionary, std::initializer_list<Name> names) {
@@ -93,7 +106,7 @@ void remember(Object dictionary, std::initializer_list<Name> names) {
     for (const Name name : names) {
         PyObject* held = PyDict_GetItemWithError(dictionary.get(), name.text);
         if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
-        scope.entries.push_back({name.text, Ref::share(held).give()});
+        scope.entries.push_back({name.text, Ref::share(held).give(), false});
     }
     watch(scope.dictionary);
     scopes().push_back(std::move(scope));
@@ -108,14 +121,22 @@ bool is_aside(Object name) {
            among({"random"_py, "time"_py, "traceback"_py, "logging"_py, "logger"_py, "DatasetS"_py});
 }
 
-void remember_all(Object dictionary) {
+enum class DateTest { among_others, all_of_it };
+
+// FC and the method of FCplus that asks it. Its other tests are asked by name, whatever they are.
+bool leads_to_date_test(Object name) {
+    return equal(name, "FC"_py) || equal(name, "is_column_string_in_datetime_format"_py);
+}
+
+void remember_all(Object dictionary, DateTest date_test = DateTest::among_others) {
     Scope scope{Ref::share(dictionary).give(), {}};
     PyObject* name = nullptr;
     PyObject* value = nullptr;
     Py_ssize_t position = 0;
     while (PyDict_Next(dictionary.get(), &position, &name, &value) != 0) {
         if (is_aside(name)) continue;
-        scope.entries.push_back({Ref::share(name).give(), Ref::share(value).give()});
+        const bool on_the_way = date_test == DateTest::all_of_it || leads_to_date_test(name);
+        scope.entries.push_back({Ref::share(name).give(), Ref::share(value).give(), on_the_way});
     }
     watch(scope.dictionary);
     scopes().push_back(std::move(scope));
@@ -138,7 +159,7 @@ bool date_test_is_pure(Object FC) {
 
 void remember_originals() {
     scopes().clear();
-    all_in_place = false;
+    in_place = {};
     const Object names = module_names();
     const Ref FC = item(names, "FC"_py);
     const std::array libraries = {item(names, "np"_py), item(names, "pd"_py), item(names, "six"_py),
@@ -146,11 +167,11 @@ void remember_originals() {
     for (const Ref& library : libraries) {
         if (!PyModule_Check(library.get())) return;
     }
-    if (!date_test_is_pure(FC)) return;
+    own_date_test_is_pure = date_test_is_pure(FC);
 
     remember_all(names);
     remember_all(members_of(item(names, "FCplus"_py)));
-    remember_all(members_of(FC));
+    if (PyType_Check(FC.get())) remember_all(members_of(FC), DateTest::all_of_it);
     const auto in_library = [&](std::size_t i) { return Object(PyModule_GetDict(libraries[i].get())); };
     remember(in_library(0),
              {"any"_py, "array"_py, "asarray"_py, "bool_"_py, "concatenate"_py, "empty"_py, "float"_py, "int"_py,
@@ -159,15 +180,17 @@ void remember_originals() {
     remember(in_library(2), {"string_types"_py});
     remember(in_library(3), {"Integral"_py});
     settle();
-    all_in_place = true;
+    in_place = {own_date_test_is_pure, true};
 }
 
 bool originals_in_place() noexcept {
-    if (!scopes().empty() && changed()) {
-        all_in_place = look_everything_up();
-        settle();
-    }
-    return all_in_place;
+    look_again();
+    return in_place.date_test && in_place.others;
+}
+
+bool originals_in_place_but_date_test() noexcept {
+    look_again();
+    return in_place.others;
 }
 
 }  // namespace quorin

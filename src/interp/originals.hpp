@@ -12,4 +12,8 @@ void remember_originals();
 // has changed since the last time: then every name is looked up again.
 bool originals_in_place() noexcept;
 
+// The same but for the date test, which an application may replace by its own, or leave without the word that it has no
+// side effects: the classifier then asks it, and the rest of its work is still its own.
+bool originals_in_place_but_date_test() noexcept;
+
 }  // namespace quorin

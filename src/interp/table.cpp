@@ -21,8 +21,11 @@ Ref every(Where where) {
 }
 
 Ref capped_row_count(Object X, Where where) {
-    Ref rows = row_count(X, where);
-    return less(rows, 50, where) ? std::move(rows) : whole(50, where);
+    return capped(row_count(X, where), where);
+}
+
+Ref capped(Object rows, Where where) {
+    return less(rows, 50, where) ? Ref::share(rows) : whole(50, where);
 }
 
 Ref first_rows(Object X, Object limit, Where where) {

@@ -12,6 +12,7 @@ Ref every(Where where = Where::current());                                  // t
 
 // As many rows as messages and samples take: 50, or all where there are fewer.
 Ref capped_row_count(Object X, Where where = Where::current());
+Ref capped(Object rows, Where where = Where::current());
 Ref first_rows(Object X, Object limit, Where where = Where::current());  // X[list(range(limit))]
 
 }  // namespace quorin

@@ -1,4 +1,8 @@
+#include <optional>
+
 #include "columns/distinct.hpp"
+#include "columns/distinct_numbers.hpp"
+#include "columns/missing_rows.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -14,9 +18,9 @@ bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// The distinct texts of a flat column, with counts if they are wanted. For other dtypes numpy's sort has no peer.
+// The distinct texts of a flat column, with counts if they are wanted.
 Ref native_unique(Object y_to_process, bool return_counts) {
-    if (!originals_in_place()) return {};
+    if (!originals_in_place_but_date_test()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y_to_process);
     if (!column) return {};
     if (column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text) return {};
@@ -25,6 +29,29 @@ Ref native_unique(Object y_to_process, bool return_counts) {
     Ref values = columns::texts_of(*column, *distinct);
     if (!return_counts) return values;
     return tuple({values, columns::counts_of(*distinct)});
+}
+
+// The distinct numbers that are not on the list, with their counts. Without counts newer releases of numpy find them by
+// another way, where another one of several equal floats may stand for them.
+Ref native_unique_numbers(Object y, Object exclusion_list, bool return_counts) {
+    if (!originals_in_place_but_date_test()) return {};
+    const std::optional<columns::Column> column = columns::flat_column(y);
+    if (!column) return {};
+    const bool floats =
+        column->storage == columns::Storage::float64 || column->storage == columns::Storage::float32;
+    if (floats && !return_counts) return {};
+    const std::optional<columns::Markers> excluded = columns::plain_markers(exclusion_list);
+    if (!excluded || (excluded->null_bits != 0 && !columns::survive_asarray(*excluded))) return {};
+    std::optional<columns::MissingRows> left_out;
+    if (!excluded->none()) {
+        left_out = columns::missing_rows(*column, *excluded);
+        if (!left_out) return {};
+    }
+    const auto distinct = columns::distinct_numbers(
+        *column, left_out ? columns::LeftOut{left_out->mask, left_out->marked} : columns::LeftOut{});
+    if (!distinct) return {};
+    if (!return_counts) return Ref::share(distinct->values);
+    return tuple({distinct->values, distinct->counts});
 }
 
 }  // namespace
@@ -71,12 +98,17 @@ array(['a', 'b'], dtype=object)
 )",
     .body = [](Object y, Object exclusion_list, Object return_index, Object return_inverse, Object return_counts,
                Object fast_str_conversion_flag) -> Ref {
+        const bool plain_question =
+            return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
+        if (plain_question) {
+            if (Ref result = native_unique_numbers(y, exclusion_list, return_counts.is(Py_True))) return result;
+        }
         Ref y_to_process = Ref::share(y);
         if (truth(exclusion_list)) {
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
             y_to_process = item(y, inverted(included_mask));
         }
-        if (return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get())) {
+        if (plain_question) {
             if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
         }
         const auto unique = [&] {

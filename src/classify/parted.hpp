@@ -1,0 +1,20 @@
+// A column, parted into rows that are missing and distinct values of the others.
+#pragma once
+
+#include "interp/space.hpp"
+
+namespace quorin::classify {
+
+struct Parted {
+    Local cum_missing_mask_arr{"cum_missing_mask_arr"_py};
+    Ref missing_values_list;  // the caller's, copied
+    Ref missing_reference_values_exist_list;
+    Ref rows;
+    Ref non_missing_rows;
+    Ref XX;
+    Ref xx_xounts;
+};
+
+Parted part(Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug);
+
+}  // namespace quorin::classify

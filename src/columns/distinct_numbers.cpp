@@ -1,0 +1,162 @@
+#include "columns/distinct_numbers.hpp"
+
+#include <algorithm>
+#include <type_traits>
+#include <vector>
+
+#include "columns/numbers.hpp"
+#include "interp/errors.hpp"
+#include "kernels/number_runs.hpp"
+
+namespace quorin::columns {
+
+namespace {
+
+Ref empty_array(std::size_t size, PyArray_Descr* dtype) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    // PyArray_Empty() takes a reference over.
+    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
+    return Ref::take(PyArray_Empty(1, &shape, dtype, 0));
+}
+
+Ref empty_array(std::size_t size, int type) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    return Ref::take(PyArray_SimpleNew(1, &shape, type));
+}
+
+template <class Number>
+Number* data_of(Object array) noexcept {
+    return reinterpret_cast<Number*>(PyArray_BYTES(as_array(array)));
+}
+
+const char* marks_of(const LeftOut& left_out) noexcept {
+    return left_out.marked == 0 ? nullptr : PyArray_BYTES(as_array(left_out.mask));
+}
+
+void sort(Object array) {
+    if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
+}
+
+// NaNs, which stand at the end, count as one.
+template <class Number>
+DistinctNumbers runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
+    const Number* numbers = data_of<Number>(sorted);
+    std::size_t plain = size;
+    if constexpr (std::is_floating_point_v<Number>) {
+        if (size != 0 && std::isnan(numbers[size - 1])) {
+            const auto is_number = [](Number number) { return !std::isnan(number); };
+            plain = static_cast<std::size_t>(std::partition_point(numbers, numbers + size, is_number) - numbers);
+        }
+    }
+    const std::size_t runs = kernels::count_runs(numbers, plain);
+    const std::size_t distinct = runs + static_cast<std::size_t>(plain != size);
+    DistinctNumbers found{{}, empty_array(distinct, NPY_INTP)};
+    auto* counts = data_of<npy_intp>(found.counts);
+    if (distinct == size) {
+        std::fill(counts, counts + size, 1);
+        found.values = std::move(sorted);
+        return found;
+    }
+    found.values = empty_array(distinct, dtype);
+    auto* values = data_of<Number>(found.values);
+    kernels::write_runs(numbers, plain, runs, values, counts);
+    if (plain != size) {
+        values[runs] = numbers[plain];
+        counts[runs] = static_cast<npy_intp>(size - plain);
+    }
+    return found;
+}
+
+template <class From, class To>
+DistinctNumbers sorted_runs(const Column& column, const LeftOut& left_out, PyArray_Descr* dtype) {
+    const std::size_t size = column.rows - left_out.marked;
+    Ref copy = empty_array(size, dtype);
+    kernels::copy_kept<From>(column.data, column.stride, marks_of(left_out), data_of<To>(copy), size);
+    sort(copy);
+    return runs_of<To>(std::move(copy), size, dtype);
+}
+
+// Integers close together are counted in a table, where no sort can follow.
+template <class Integer>
+std::optional<DistinctNumbers> counted(const char* data, std::ptrdiff_t stride, std::size_t size,
+                                       PyArray_Descr* dtype) {
+    constexpr std::uint64_t most_slots = 0x10000;
+    if (size == 0) return std::nullopt;
+    const auto [least, greatest] = kernels::range_of<Integer>(data, stride, size);
+    const std::uint64_t span = static_cast<std::uint64_t>(greatest) - static_cast<std::uint64_t>(least);
+    if (span >= most_slots || span > size + 256) return std::nullopt;
+    std::vector<npy_intp> table(static_cast<std::size_t>(span) + 1);
+    kernels::count_each<Integer>(data, stride, size, least, table.data());
+    const auto distinct = static_cast<std::size_t>(
+        std::count_if(table.begin(), table.end(), [](npy_intp occurrences) { return occurrences != 0; }));
+    DistinctNumbers found{empty_array(distinct, dtype), empty_array(distinct, NPY_INTP)};
+    auto* values = data_of<Integer>(found.values);
+    auto* counts = data_of<npy_intp>(found.counts);
+    for (std::size_t slot = 0; slot < table.size(); ++slot) {
+        if (table[slot] == 0) continue;
+        *values++ = static_cast<Integer>(static_cast<std::uint64_t>(least) + slot);
+        *counts++ = table[slot];
+    }
+    return found;
+}
+
+template <class Integer>
+DistinctNumbers distinct_integers(const Column& column, const LeftOut& left_out) {
+    PyArray_Descr* dtype = PyArray_DESCR(column.array);
+    if (left_out.marked == 0) {
+        auto found = counted<Integer>(column.data, column.stride, column.rows, dtype);
+        return found ? std::move(*found) : sorted_runs<Integer, Integer>(column, left_out, dtype);
+    }
+    const std::size_t size = column.rows - left_out.marked;
+    Ref copy = empty_array(size, dtype);
+    kernels::copy_kept<Integer>(column.data, column.stride, marks_of(left_out), data_of<Integer>(copy), size);
+    if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
+        return std::move(*found);
+    }
+    sort(copy);
+    return runs_of<Integer>(std::move(copy), size, dtype);
+}
+
+}  // namespace
+
+std::optional<DistinctNumbers> distinct_numbers(const Column& column, LeftOut left_out) {
+    std::optional<DistinctNumbers> found;
+    // A boolean may be a byte of any value, and what numpy makes of those is its own affair.
+    if (column.storage == Storage::boolean &&
+        kernels::range_of<std::uint8_t>(column.data, column.stride, column.rows).greatest > 1) {
+        return found;
+    }
+    with_number_type(column, [&](auto type) {
+        using Number = decltype(type);
+        if constexpr (std::is_floating_point_v<Number>) {
+            found = sorted_runs<Number, Number>(column, left_out, PyArray_DESCR(column.array));
+        } else {
+            found = distinct_integers<Number>(column, left_out);
+        }
+        return true;
+    });
+    return found;
+}
+
+std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut left_out) {
+    if (column.storage == Storage::float64) return distinct_numbers(column, left_out);
+    if (column.storage != Storage::float32) return std::nullopt;
+    const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
+    auto* wide = reinterpret_cast<PyArray_Descr*>(float64.get());
+    const std::size_t size = column.rows - left_out.marked;
+    Ref copy = empty_array(size, NPY_FLOAT);
+    auto* numbers = data_of<float>(copy);
+    kernels::copy_kept<float>(column.data, column.stride, marks_of(left_out), numbers, size);
+    if (kernels::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
+    // Half the width sorts faster, and where equal numbers are all alike the result is the same.
+    sort(copy);
+    DistinctNumbers found = runs_of<float>(std::move(copy), size, PyArray_DESCR(column.array));
+    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(found.values)));
+    Ref values = empty_array(distinct, wide);
+    kernels::copy_kept<float>(PyArray_BYTES(as_array(found.values)), sizeof(float), nullptr, data_of<double>(values),
+                              distinct);
+    found.values = std::move(values);
+    return found;
+}
+
+}  // namespace quorin::columns
