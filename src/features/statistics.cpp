@@ -1,14 +1,18 @@
 // Whether a column looks like a person's sex, height, weight or age.
+#include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <optional>
-#include "features/column.hpp"
+#include <vector>
 
-#include "columns/numbers.hpp"
+#include "columns/column.hpp"
+#include "features/column.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "kernels/within_limits.hpp"
 
 namespace quorin::features {
 
@@ -53,9 +57,10 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
     return flag;
 }
 
+constexpr double exact_limit = 1e15;
+
 // A number that a 64-bit float holds exactly and that stays exact under the arithmetic of the test.
 std::optional<double> plain_number(Object value) noexcept {
-    constexpr double large = 1e15;
     double number = 0.0;
     if (PyFloat_CheckExact(value.get())) {
         number = PyFloat_AS_DOUBLE(value.get());
@@ -66,54 +71,90 @@ std::optional<double> plain_number(Object value) noexcept {
     } else {
         return std::nullopt;
     }
-    if (!(std::fabs(number) <= large)) return std::nullopt;
+    if (!(std::fabs(number) <= exact_limit)) return std::nullopt;
     return number;
 }
 
-struct PlainBounds {
-    double mean_value;
-    double allowed;
-    double min_value;
-    double max_value;
+// The numbers of a column, and how far the arithmetic of the kernels is that of the interpreter: exact, and without a
+// warning.
+struct Measured {
+    enum class As { float64, float32, whole, boolean } as;
+    double most;         // larger numbers are the interpreter's
+    double most_factor;  // and so are larger factors
 };
 
-// The interpreter's own arithmetic on 64-bit floats, which is what it makes of such values and bounds. Nothing for
-// values that are so large that it would warn or round.
-std::optional<bool> values_pass(const columns::Column& values, double k, const PlainBounds& bounds) {
-    constexpr double large = 1e15;
-    bool pass = true;
-    for (std::size_t row = 0; row < values.rows; ++row) {
-        const double value = columns::load<double>(values, row);
-        if (std::fabs(value) > large) return std::nullopt;
-        const double elt = k * value;
-        const bool failing =
-            std::fabs(elt - bounds.mean_value) > bounds.allowed || elt > bounds.max_value || elt < bounds.min_value;
-        pass = pass && !failing;
+std::optional<Measured> measured(const columns::Column& values) noexcept {
+    // Products of integers stay below the first that a float does not hold.
+    constexpr double most_whole = 1e9;
+    constexpr double most_whole_factor = 1e6;
+    switch (values.storage) {
+        case columns::Storage::float64:
+            return Measured{Measured::As::float64, exact_limit, exact_limit};
+        case columns::Storage::float32:
+            return Measured{Measured::As::float32, exact_limit, exact_limit};
+        case columns::Storage::boolean:
+            return Measured{Measured::As::boolean, 1.0, most_whole_factor};
+        case columns::Storage::integer:
+            // Narrow integers and those without a sign overflow in ways of their own.
+            if (values.width != sizeof(std::int64_t) || !PyTypeNum_ISSIGNED(PyArray_TYPE(values.array))) break;
+            return Measured{Measured::As::whole, most_whole, most_whole_factor};
+        case columns::Storage::objects:
+        case columns::Storage::fixed_text:
+            break;
     }
-    return pass;
+    return std::nullopt;
+}
+
+// Since numpy 2 a product or a difference of a float32 and a Python number is a float32, before that it may be a
+// float64: what the numpy in use does is seen best on the first element.
+bool stays_float32(const columns::Column& values) {
+    const Ref first = Ref::take(PyArray_Scalar(const_cast<char*>(values.data), PyArray_DESCR(values.array),
+                                               reinterpret_cast<PyObject*>(values.array)));
+    const auto is_float32 = [](const Ref& number) { return Py_TYPE(number.get()) == &PyFloatArrType_Type; };
+    return is_float32(multiply(1, first)) && is_float32(multiply(1.0, first)) && is_float32(subtract(first, 1)) &&
+           is_float32(subtract(first, 1.0));
+}
+
+template <class Number>
+std::optional<bool> passes(const columns::Column& values, const Measured& kind, const std::vector<double>& factors,
+                           const kernels::Limits& limits) {
+    if (kernels::any_beyond<Number>(values.data, values.stride, values.rows, kind.most)) return std::nullopt;
+    return std::any_of(factors.begin(), factors.end(), [&](double factor) {
+        return kernels::all_within<Number>(values.data, values.stride, values.rows, factor, limits);
+    });
 }
 
 std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
     if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
     const std::optional<columns::Column> values = columns::plain_column(X);
-    if (!values || values->storage != columns::Storage::float64) return std::nullopt;
+    if (!values) return std::nullopt;
+    const std::optional<Measured> kind = measured(*values);
     const auto mean = plain_number(bounds.mean_value);
     const auto deviation = plain_number(bounds.std_value);
     const auto min = plain_number(bounds.min_value);
     const auto max = plain_number(bounds.max_value);
     const auto stds = plain_number(bounds.num_stds);
-    if (!mean || !deviation || !min || !max || !stds) return std::nullopt;
-    const PlainBounds plain{*mean, *stds * *deviation, *min, *max};
-    if (std::fabs(plain.allowed) > 1e15) return std::nullopt;
-    bool flag = false;
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()) && !flag; ++i) {
-        const auto k = plain_number(PyList_GET_ITEM(unit_factors_list.get(), i));
-        if (!k) return std::nullopt;
-        const std::optional<bool> pass = values_pass(*values, *k, plain);
-        if (!pass) return std::nullopt;
-        flag = *pass;
+    if (!kind || !mean || !deviation || !min || !max || !stds) return std::nullopt;
+    const kernels::Limits limits{*mean, *stds * *deviation, *min, *max};
+    if (std::fabs(limits.allowed) > exact_limit) return std::nullopt;
+    std::vector<double> factors;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
+        const auto factor = plain_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        if (!factor || std::fabs(*factor) > kind->most_factor) return std::nullopt;
+        factors.push_back(*factor);
     }
-    return flag;
+    switch (kind->as) {
+        case Measured::As::float64:
+            return passes<double>(*values, *kind, factors, limits);
+        case Measured::As::float32:
+            if (!stays_float32(*values)) return std::nullopt;
+            return passes<float>(*values, *kind, factors, limits);
+        case Measured::As::whole:
+            return passes<std::int64_t>(*values, *kind, factors, limits);
+        case Measured::As::boolean:
+            return passes<std::uint8_t>(*values, *kind, factors, limits);
+    }
+    return std::nullopt;
 }
 
 Ref check(Positional arguments) {
