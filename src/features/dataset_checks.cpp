@@ -1,10 +1,16 @@
 // Questions about a whole data set. Five of them are one walk over the columns: each column is classified, and what
 // is asked of the answer, and what is done with it, is a line per question.
+#include <optional>
+#include <vector>
+
+#include "columns/markers.hpp"
 #include "features/column.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "kernels/float_tables.hpp"
 
 namespace quorin::features {
 
@@ -22,12 +28,51 @@ bool hit(Question question, const Classified& column) {
            equal(column.dtype_str, "float_str"_py);
 }
 
+// The columns of a table of numbers that the question hits, straight from its memory: numbers are never text, and
+// without a number among the markers only nulls are missing.
+std::optional<std::vector<bool>> native_hits(Question question, Object X, Object markers_list, bool one_is_enough) {
+    if (!originals_in_place() || !is_exact_array(X)) return std::nullopt;
+    PyArrayObject* array = as_array(X);
+    if (PyArray_NDIM(array) != 2 || PyArray_DIM(array, 1) == 0) return std::nullopt;
+    const std::optional<columns::Markers> markers = columns::plain_markers(markers_list);
+    if (!markers || !markers->numbers.empty()) return std::nullopt;
+    // The first column stands for the others where it comes to dtype, rows and memory.
+    const Ref first = matrix_column(X, 0);
+    const std::optional<columns::Column> column = columns::flat_column(first);
+    if (!column) return std::nullopt;
+    const auto width = static_cast<std::size_t>(PyArray_DIM(array, 1));
+    const kernels::FloatTable table{column->data, column->rows, width, column->stride, PyArray_STRIDE(array, 1)};
+    switch (column->storage) {
+        case columns::Storage::objects:
+        case columns::Storage::fixed_text:
+            return std::nullopt;
+        case columns::Storage::float64:
+            if (!question.missing || markers->null_bits == 0) break;
+            return kernels::null_columns<double>(table, one_is_enough);
+        case columns::Storage::float32:
+            if (!question.missing || markers->null_bits == 0) break;
+            return kernels::null_columns<float>(table, one_is_enough);
+        case columns::Storage::integer:
+        case columns::Storage::boolean:
+            break;
+    }
+    return std::vector<bool>(width);
+}
+
+enum class Wanted { first, all };
+
 // Hands the index of each column that the question hits to `on_hit`, until that says no more.
 template <class OnHit>
-void walk(Question question, Object X, Object missing_values_reference_list, OnHit on_hit) {
+void walk(Question question, Wanted wanted, Object X, Object missing_values_reference_list, OnHit on_hit) {
     const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
     if (equal(X.attr("ndim"_py), 1)) {
         if (hit(question, whatis(X, l_missing_values_reference_list))) on_hit(0);
+        return;
+    }
+    if (const auto hits = native_hits(question, X, l_missing_values_reference_list, wanted == Wanted::first)) {
+        for (std::size_t j = 0; j < hits->size(); ++j) {
+            if ((*hits)[j] && !on_hit(static_cast<Py_ssize_t>(j))) return;
+        }
         return;
     }
     const Py_ssize_t columns = count(column_count(X));
@@ -40,7 +85,7 @@ void walk(Question question, Object X, Object missing_values_reference_list, OnH
 template <Question question>
 constexpr auto no_column = [](Object X, Object missing_values_reference_list) -> Ref {
     bool flag = true;
-    walk(question, X, missing_values_reference_list, [&](Py_ssize_t) { return flag = false; });
+    walk(question, Wanted::first, X, missing_values_reference_list, [&](Py_ssize_t) { return flag = false; });
     return Ref::truth(flag);
 };
 
@@ -48,7 +93,7 @@ constexpr auto no_column = [](Object X, Object missing_values_reference_list) ->
 template <Question question>
 constexpr auto columns_with = [](Object X, Object missing_values_reference_list) -> Ref {
     Ref columns = list({});
-    walk(question, X, missing_values_reference_list, [&](Py_ssize_t j) {
+    walk(question, Wanted::all, X, missing_values_reference_list, [&](Py_ssize_t j) {
         append(columns, whole(j));
         return true;
     });
