@@ -3,6 +3,7 @@
 #include "classify/progress.hpp"
 #include "classify/verdict.hpp"
 #include "columns/answer.hpp"
+#include "columns/least_texts.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -12,25 +13,36 @@ namespace quorin::classify {
 
 namespace {
 
+Ref ask_date_test(Object sample) {
+    return global("FCplus"_py).attr("is_column_string_in_datetime_format"_py)({sample});
+}
+
 // Whether the least distinct values read as dates. A false answer is handed on as it came.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     const Ref check_limit = capped_row_count(XX);
     progress.datetime_starts(check_limit);
     const Ref sample = first_rows(XX, check_limit);
-    Ref flag = global("FCplus"_py).attr("is_column_string_in_datetime_format"_py)({sample});
+    Ref flag = ask_date_test(sample);
     if (truth(flag)) flag = Ref::truth(dtype_str == Kind::char_str);
     progress.datetime_ends(check_limit);
     return flag;
 }
 
 // The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
+// Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
 std::optional<columns::Answer> native_answer(Object X, Object missing_values_reference_list) {
-    if (!originals_in_place()) return std::nullopt;
+    constexpr std::size_t sample_size = 50;
+    if (!originals_in_place_but_date_test()) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return std::nullopt;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list);
     if (!markers) return std::nullopt;
-    return columns::answer_for(*column, *markers);
+    std::optional<columns::Answer> answer = columns::answer_for(*column, *markers);
+    if (!answer || originals_in_place()) return answer;
+    const std::optional<Ref> sample = columns::least_texts(*column, *markers, sample_size);
+    if (!sample) return std::nullopt;
+    static_cast<void>(truth(ask_date_test(*sample)));
+    return answer;
 }
 
 }  // namespace
@@ -123,6 +135,9 @@ Examples
         }
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
+        if (debug.is(Py_False) && return_stats_flag.is(Py_False) && originals_in_place()) {
+            return tuple({new_missing_values_list, dtype_str_final});
+        }
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);
         progress.order_and_gaps(capped(parted.non_missing_rows));
         progress.end();

@@ -8,9 +8,9 @@
 namespace quorin::columns {
 
 struct MissingRows {
-    Ref mask;                 // of shape (n,)
-    std::uint32_t bits = 0;   // of the markers that occur
-    std::size_t marked = 0;   // rows that the mask marks
+    Ref mask;                // of shape (n,)
+    std::uint32_t bits = 0;  // of the markers that occur
+    std::size_t marked = 0;  // rows that the mask marks
 };
 
 // Nothing where an element is of no known kind, or where numbers meet elements of an object array. With `first_only`

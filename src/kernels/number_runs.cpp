@@ -143,7 +143,8 @@ FractionTally tally_fractions(const double* values, const std::ptrdiff_t* counts
         const bool fraction = (magnitude + always_whole) - always_whole != magnitude;
         const bool small = magnitude < always_whole;
         const bool finite = magnitude <= std::numeric_limits<double>::max();
-        const auto counted = static_cast<std::ptrdiff_t>(static_cast<int>(fraction & small) | static_cast<int>(!finite));
+        const auto counted =
+            static_cast<std::ptrdiff_t>(static_cast<int>(fraction & small) | static_cast<int>(!finite));
         tally.distinct += static_cast<std::size_t>(counted);
         tally.rows += counts[i] & -counted;
     }
@@ -166,8 +167,8 @@ template void copy_kept<float, double>(const char*, std::ptrdiff_t, const char*,
     template void copy_kept<Number, Number>(const char*, std::ptrdiff_t, const char*, Number*, std::size_t) noexcept; \
     template std::size_t count_runs<Number>(const Number*, std::size_t) noexcept;                                     \
     template void write_runs<Number>(const Number*, std::size_t, std::size_t, Number*, std::ptrdiff_t*) noexcept;
-#define QUORIN_FOR_INTEGER(Integer)                                                                  \
-    template Range<Integer> range_of<Integer>(const char*, std::ptrdiff_t, std::size_t) noexcept;     \
+#define QUORIN_FOR_INTEGER(Integer)                                                                                 \
+    template Range<Integer> range_of<Integer>(const char*, std::ptrdiff_t, std::size_t) noexcept;                   \
     template void count_each<Integer>(const char*, std::ptrdiff_t, std::size_t, Integer, std::ptrdiff_t*) noexcept; \
     QUORIN_FOR_NUMBER(Integer)
 

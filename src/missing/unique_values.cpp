@@ -37,8 +37,7 @@ Ref native_unique_numbers(Object y, Object exclusion_list, bool return_counts) {
     if (!originals_in_place_but_date_test()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
     if (!column) return {};
-    const bool floats =
-        column->storage == columns::Storage::float64 || column->storage == columns::Storage::float32;
+    const bool floats = column->storage == columns::Storage::float64 || column->storage == columns::Storage::float32;
     if (floats && !return_counts) return {};
     const std::optional<columns::Markers> excluded = columns::plain_markers(exclusion_list);
     if (!excluded || (excluded->null_bits != 0 && !columns::survive_asarray(*excluded))) return {};

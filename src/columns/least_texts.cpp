@@ -1,0 +1,22 @@
+#include "columns/least_texts.hpp"
+
+#include "columns/distinct.hpp"
+#include "kernels/least_distinct.hpp"
+
+namespace quorin::columns {
+
+std::optional<Ref> least_texts(const Column& column, const Markers& markers, std::size_t most) {
+    std::vector<kernels::KeyedText> least;
+    const bool texts = column.storage == Storage::objects
+                           ? kernels::least_distinct(ObjectCells(column), markers.texts, most, least)
+                       : column.storage == Storage::fixed_text
+                           ? kernels::least_distinct(FixedTextCells(column), markers.texts, most, least)
+                           : false;
+    if (!texts) return std::nullopt;
+    std::vector<DistinctText> listed;
+    listed.reserve(least.size());
+    for (const kernels::KeyedText& entry : least) listed.push_back({entry.text, entry.row, 1});
+    return texts_of(column, listed);
+}
+
+}  // namespace quorin::columns

@@ -1,0 +1,59 @@
+// The least different texts of a column, up to a number of them: what is greater is turned away at the first glance.
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <vector>
+
+#include "kernels/text_facts.hpp"
+
+namespace quorin::kernels {
+
+struct KeyedText {
+    std::uint64_t key;
+    TextView text;
+    std::size_t row;  // of its first occurrence
+};
+
+// The first characters as one number that sorts as they do. Characters that do not fit into a byte end it, as the end
+// of the text does, so that equal keys settle nothing.
+inline std::uint64_t leading_characters(TextView text) noexcept {
+    constexpr std::size_t most = 8;
+    if (text.compact && text.length >= most) return __builtin_bswap64(eight_bytes(text.characters));
+    if (text.compact && text.length != 0) return __builtin_bswap64(short_text(text));
+    constexpr std::uint32_t wide = 0xff;
+    constexpr unsigned bits = 8;
+    std::uint64_t key = 0;
+    bool ended = false;
+    for (std::size_t i = 0; i < most; ++i) {
+        const std::uint32_t c = !ended && i < text.length ? character(text, i) : 0;
+        ended = ended || c >= wide;
+        key = key << bits | std::min(c, wide);
+    }
+    return key;
+}
+
+// At most `most` texts, ascending, of those that are no markers. False where a cell is neither text nor null.
+template <class Cells>
+[[gnu::flatten]] bool least_distinct(const Cells& cells, const MarkerSet& markers, std::size_t most,
+                                     std::vector<KeyedText>& least) {
+    least.clear();
+    least.reserve(most + 1);
+    const auto below = [](const KeyedText& left, const KeyedText& right) {
+        if (left.key != right.key) return left.key < right.key;
+        return compare(left.text, right.text) < 0;
+    };
+    TextFacts facts;
+    const auto on_text = [&](std::size_t row, TextView text) {
+        const KeyedText entry{leading_characters(text), text, row};
+        if (least.size() == most && entry.key > least.back().key) return true;
+        const auto place = std::lower_bound(least.begin(), least.end(), entry, below);
+        if (place != least.end() && place->key == entry.key && same(place->text, text)) return true;
+        least.insert(place, entry);
+        if (least.size() > most) least.pop_back();
+        return true;
+    };
+    return walk_texts(cells, markers, facts, on_text) == Gathered::all;
+}
+
+}  // namespace quorin::kernels
