@@ -167,6 +167,11 @@ void remember_originals() {
     for (const Ref& library : libraries) {
         if (!PyModule_Check(library.get())) return;
     }
+    const Ref Series = Ref::adopt(PyObject_GetAttr(libraries[1].get(), "Series"_py.text));
+    if (!Series || !PyType_Check(Series.get())) {
+        PyErr_Clear();
+        return;
+    }
     own_date_test_is_pure = date_test_is_pure(FC);
 
     remember_all(names);
@@ -176,7 +181,8 @@ void remember_originals() {
     remember(in_library(0),
              {"any"_py, "array"_py, "asarray"_py, "bool_"_py, "concatenate"_py, "empty"_py, "float"_py, "int"_py,
               "integer"_py, "nan"_py, "ndarray"_py, "putmask"_py, "unique"_py, "vectorize"_py, "zeros"_py});
-    remember(in_library(1), {"isnull"_py});
+    remember(in_library(1), {"Series"_py, "isnull"_py});
+    remember(members_of(Series), {"unique"_py});
     remember(in_library(2), {"string_types"_py});
     remember(in_library(3), {"Integral"_py});
     settle();
