@@ -61,9 +61,9 @@ Ref cumulated(Object masks) {
     return cum_missing_mask_arr;
 }
 
-// One pass over the column for all markers.
-Ref native_indicator(Object X, Object missing_values_list) {
-    if (!originals_in_place() || !PyList_CheckExact(missing_values_list.get())) return {};
+// One pass over the column for all markers; the first one that occurs stands for all where one is enough.
+Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
+    if (!originals_in_place_but_date_test() || !PyList_CheckExact(missing_values_list.get())) return {};
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return {};
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
@@ -75,10 +75,11 @@ Ref native_indicator(Object X, Object missing_values_list) {
     for (const auto& [bit, mask] : *found) {
         append(masks, mask);
         bits |= bit;
+        if (one_is_enough) break;
     }
     if (bits == 0) return nothing_found(columns::empty_mask(column->rows));
     Ref cum_missing_mask_arr = Ref::share(found->front().second);
-    for (std::size_t i = 1; i < found->size(); ++i) {
+    for (std::size_t i = 1; i < found->size() && !one_is_enough; ++i) {
         cum_missing_mask_arr = columns::merged_masks(cum_missing_mask_arr, (*found)[i].second);
     }
     return tuple({cum_missing_mask_arr, masks, columns::markers_of(*markers, bits)});
@@ -120,8 +121,9 @@ Examples
 (array([False,  True,  True]), ['?', ''])
 )",
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
-        if (stop_at_one_missing_value_flag.is(Py_False) && debug.is(Py_False)) {
-            if (Ref answer = native_indicator(X, missing_values_list)) return answer;
+        if (PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False)) {
+            const bool one_is_enough = stop_at_one_missing_value_flag.is(Py_True);
+            if (Ref answer = native_indicator(X, missing_values_list, one_is_enough)) return answer;
         }
         if (truth(debug)) {
             print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(first_rows(X, capped_row_count(X))),
