@@ -30,7 +30,7 @@ Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
 
 // The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
 // Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
-std::optional<columns::Answer> native_answer(Object X, Object missing_values_reference_list) {
+std::optional<columns::Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
     constexpr std::size_t sample_size = 50;
     if (!originals_in_place_but_date_test()) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
@@ -38,7 +38,10 @@ std::optional<columns::Answer> native_answer(Object X, Object missing_values_ref
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list);
     if (!markers) return std::nullopt;
     std::optional<columns::Answer> answer = columns::answer_for(*column, *markers);
-    if (!answer || originals_in_place()) return answer;
+    if (!answer) return std::nullopt;
+    // Rows with the other markers of the list would not count as missing.
+    if (first_only && PyList_GET_SIZE(answer->misslist.get()) > 1) return std::nullopt;
+    if (originals_in_place()) return answer;
     const std::optional<Ref> sample = columns::least_texts(*column, *markers, sample_size);
     if (!sample) return std::nullopt;
     static_cast<void>(truth(ask_date_test(*sample)));
@@ -103,10 +106,11 @@ Examples
 )",
     .body = [](Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug,
                Object use_dtype_str1_flag, Object return_stats_flag) -> Ref {
-        const bool short_question = stop_at_one_missing_value_flag.is(Py_False) && debug.is(Py_False) &&
+        const bool short_question = PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False) &&
                                     use_dtype_str1_flag.is(Py_True) && return_stats_flag.is(Py_False);
         if (short_question) {
-            if (const auto answer = native_answer(column, missing_values_reference_list)) {
+            const bool first_only = stop_at_one_missing_value_flag.is(Py_True);
+            if (const auto answer = native_answer(column, missing_values_reference_list, first_only)) {
                 return tuple({answer->misslist, text(answer->kind)});
             }
         }

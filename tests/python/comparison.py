@@ -5,6 +5,7 @@ from __future__ import annotations
 import contextlib
 import io
 import logging
+import operator
 import re
 import time
 import warnings
@@ -89,7 +90,7 @@ def restore_order(namespace: Dict[str, Any], order: List[str]) -> None:
 
 def find_owner(namespace: Any, dotted: str) -> Tuple[Any, str]:
     owner, _, name = dotted.rpartition(".")
-    return (getattr(namespace, owner) if owner else namespace), name
+    return (operator.attrgetter(owner)(namespace) if owner else namespace), name
 
 
 def find_routine(namespace: Any, dotted: str) -> Any:

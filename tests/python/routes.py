@@ -52,7 +52,17 @@ LOOKED_UP: Dict[str, List[str]] = {
     "FCplus.is_column_height": ["FCplus", "FCplus.check_statistics"],
     "FCplus.is_column_weight": ["FCplus", "FCplus.check_statistics"],
     "FCplus.is_column_age": WHATIS + LISTED + ["FCplus.check_statistics"],
+    "FCplus.is_column_sex": ["pd", "pd.Series", "pd.Series.unique"],
 }
+DATASET_CHECKS = [
+    "is_dataset_preprocessed",
+    "is_dataset_missing",
+    "get_dataset_missing_columns",
+    "is_dataset_numeric",
+    "get_dataset_non_numeric_columns",
+]
+for _check in DATASET_CHECKS:
+    LOOKED_UP["FCplus." + _check] = WHATIS + LISTED
 
 
 FLAG = re.compile("invalid value encountered in (not_)?equal$")
@@ -81,6 +91,10 @@ def pass_through(dotted: str) -> Any:
         return _Instances("Integral", (), {"real": value})
     if dotted in ("np", "pd", "six", "numbers", "FC", "FCplus"):
         return Overlay(value)
+    if dotted == "pd.Series":
+        return type("Series", (value,), {})
+    if dotted == "pd.Series.unique":
+        return lambda series: value(series)
     # Called from C without a frame of its own, so that profilers see the interpreter route alone.
     passed = functools.partial(value)
     return staticmethod(passed) if dotted.startswith(("FC.", "FCplus.")) else passed
@@ -294,8 +308,60 @@ def objects(*cells: Any) -> np.ndarray:
 
 
 def frame_of(recipe: Recipe) -> Recipe:
-    """The column as the only one of a DataFrame."""
-    return Recipe(
-        "pd.DataFrame({!r})".format(recipe),
-        lambda inner: pd.DataFrame({0: inner(recipe).reshape(-1)}),
+    """The column as the only one of a DataFrame, which keeps its dtype."""
+
+    def make(inner: Callable[[Any], Any]) -> pd.DataFrame:
+        column = inner(recipe).reshape(-1)
+        kept = column.dtype if column.dtype.kind in "Oiufb" and column.dtype.isnative else None
+        return pd.DataFrame({0: column}, dtype=kept)
+
+    return Recipe("frame of {!r}".format(recipe), make)
+
+
+# How the columns of a table can lie in memory.
+def _wide(table: np.ndarray) -> np.ndarray:
+    wide = np.empty((table.shape[0], 2 * table.shape[1]), dtype=table.dtype)
+    wide[:, ::2], wide[:, 1::2] = table, table[::-1]
+    return wide[:, ::2]
+
+
+TABLE_SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
+    "row-major": lambda table: table,
+    "column-major": lambda table: np.array(table, order="F"),
+    "every other column": _wide,
+    "rows reversed": lambda table: table[::-1].copy()[::-1],
+    "columns reversed": lambda table: table[:, ::-1].copy()[:, ::-1],
+    "read only": _frozen,
+    "byte-swapped": lambda table: table.astype(table.dtype.newbyteorder()),
+}
+TABLE_DTYPES = ["f8", "f8", "f4", "i8", "u1", "?", "O", "U3", "f2"]
+
+
+@st.composite
+def number_tables(draw: Any) -> Recipe:
+    """A table of numbers, few of its cells missing; long enough to make more than one block."""
+    dtype, shape = draw(st.sampled_from(TABLE_DTYPES)), draw(st.sampled_from(sorted(TABLE_SHAPES)))
+    rows = draw(st.sampled_from([1, 2, 3, 50, 51, 1500, 4200] if dtype[0] == "f" else [1, 2, 51]))
+    columns = draw(st.integers(1, 5))
+    step = draw(st.sampled_from([0.5, 1]))
+    odd = [float("nan"), float("inf"), -0.0, 7.0] if dtype[0] in "fO" else [7, 0]
+    places = draw(
+        st.lists(
+            st.tuples(
+                st.one_of(st.just(rows - 1), st.just(0), st.integers(0, rows - 1)),
+                st.integers(0, columns - 1),
+                st.sampled_from(odd),
+            ),
+            max_size=4,
+        )
     )
+
+    def make(inner: Callable[[Any], Any]) -> np.ndarray:
+        numbers = np.arange(rows * columns) % 100 * step
+        table = numbers.astype(dtype).reshape(rows, columns)
+        for row, column, value in places:
+            table[row, column] = value
+        return TABLE_SHAPES[shape](table)
+
+    text = "{} table {}x{} of {} by {} with {}".format(shape, rows, columns, dtype, step, places)
+    return Recipe(text, make)

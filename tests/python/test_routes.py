@@ -4,9 +4,24 @@ from __future__ import annotations
 
 import numpy as np
 from columns import flags
+from comparison import module, replaced
 from hypothesis import strategies as st
 from properties import property_test
-from routes import SHORT, cases, compare_routes, frame_of, long_columns, names_for
+from recipes import Recipe
+from routes import (
+    DATASET_CHECKS,
+    SHAPES,
+    SHORT,
+    cases,
+    compare_routes,
+    frame_of,
+    long_columns,
+    names_for,
+    number_tables,
+    pass_through,
+    route_markers,
+    spread,
+)
 
 TEXT_KINDS = [
     "numbers as text",
@@ -67,6 +82,79 @@ def test_kind_and_statistics(case, by, stop, debug, counted, stats):
 def test_statistics_of_text(case, by):
     X, values = case
     compare_routes("numpy_whatis", by, (X, values), {"return_stats_flag": True})
+
+
+@property_test(
+    weight=3,
+    case=cases(NUMBER_KINDS),
+    by=names_for("numpy_whatis"),
+    stop=st.booleans(),
+    counted=st.booleans(),
+)
+def test_statistics_of_numbers(case, by, stop, counted):
+    X, values = case
+    kwargs = {"stop_at_one_missing_value_flag": stop, "use_dtype_str1_flag": counted}
+    compare_routes("numpy_whatis", by, (X, values), dict(kwargs, return_stats_flag=True))
+    compare_routes("numpy_whatis", by, (X, values), kwargs)
+    compare_routes("numpy_whatis", by, (X,), kwargs)
+
+
+def _bits(dtype, patterns):
+    return np.array(patterns, dtype="u{}".format(dtype[1])).view(dtype)
+
+
+# Zeros of both signs and NaNs of several patterns: which of them is kept depends on the sort.
+UNLIKE = {
+    "f8": _bits(
+        "f8", [0, 1 << 63, 0x7FF8 << 48, 0xFFF8 << 48, (0x7FF8 << 48) + 5, 1, 0x3FF0 << 48]
+    ),
+    "f4": _bits(
+        "f4", [0, 1 << 31, 0x7FC0 << 16, 0xFFC0 << 16, (0x7FC0 << 16) + 5, 1, 0x3F80 << 16]
+    ),
+}
+
+
+NATIVE_SHAPES = set(SHAPES) - {"byte-swapped"}
+
+
+@st.composite
+def unlike_equals(draw):
+    dtype = draw(st.sampled_from(sorted(UNLIKE)))
+    kinds = draw(st.lists(st.sampled_from(range(7)), min_size=1, max_size=5))
+    rows = draw(st.sampled_from([1, 2, 3, 15, 16, 17, 40, 64, 65, 130, 300, 1000]))
+    seed, shape = draw(st.integers(0, 10**6)), draw(st.sampled_from(sorted(NATIVE_SHAPES)))
+
+    def make(inner):
+        numbers = np.random.RandomState(seed).choice(kinds, rows)
+        return SHAPES[shape](UNLIKE[dtype][numbers])
+
+    return Recipe("{} {} rows of {} {} seed {}".format(shape, rows, dtype, kinds, seed), make)
+
+
+def bits_of(result):
+    """What a comparison by value would not tell apart."""
+    arrays = [part for part in result if isinstance(part, np.ndarray)]
+    return [(array.dtype, array.tobytes()) for array in arrays]
+
+
+@property_test(
+    weight=3,
+    X=unlike_equals(),
+    markers=st.sampled_from([None, [], ["?"], ["?", np.nan], [1.0, None], [0.0]]),
+    by=names_for("get_unique_values"),
+    counts=st.booleans(),
+)
+def test_zeros_and_nulls_to_the_bit(X, markers, by, counts):
+    column = X.make(None)
+    with replaced(module, {by: pass_through(by)}):
+        forced = module.get_unique_values(column, markers, return_counts=counts)
+        whatis = markers and module.numpy_whatis(column, markers, return_stats_flag=True)[2]
+    plain = module.get_unique_values(column, markers, return_counts=counts)
+    as_tuple = (lambda result: result) if counts else (lambda result: (result,))
+    assert bits_of(as_tuple(plain)) == bits_of(as_tuple(forced))
+    if markers:
+        stats = module.numpy_whatis(column, markers, return_stats_flag=True)[2]
+        assert bits_of(stats.values()) == bits_of(whatis.values())
 
 
 @property_test(weight=4, case=cases(), by=names_for("numpy_isin"), debug=flags)
@@ -193,3 +281,57 @@ def test_statistics_check(X, numbers, units, by):
 )
 def test_measures(X, routine, by):
     compare_routes("FCplus." + routine, by, (frame_of(X),))
+
+
+# Numbers of which all pass, or all but a few.
+near = st.lists(st.sampled_from([62, 66, 66.5, 70, 75, 58, 78, 130, 200, 0, 1]), max_size=6)
+AROUND = {"f8": 66.0, "f4": 66.0, "i8": 66, "i4": 66, "u8": 66, "i1": 66, "?": True, "O": 66.0}
+
+
+@property_test(
+    weight=2,
+    odd=near,
+    dtype=st.sampled_from(sorted(AROUND)),
+    rows=st.sampled_from([1, 2, 31, 513, 1030]),
+    shape=st.sampled_from(sorted(SHAPES)),
+    routine=st.sampled_from(["is_column_height", "is_column_weight", "is_column_age"]),
+    by=st.sampled_from(["FCplus", "FCplus.check_statistics"]),
+)
+def test_measures_that_nearly_fit(odd, dtype, rows, shape, routine, by):
+    X = spread(([AROUND[dtype]] * rows + odd)[-rows:], dtype, shape)
+    compare_routes("FCplus." + routine, by, (frame_of(X),))
+    compare_routes("FCplus.check_statistics", by, (frame_of(X), 66, 2.9, 0, 100.0, 3, [1, 2.54]))
+    compare_routes("FCplus.check_statistics", by, (frame_of(X), 66.5, 10, 1, 99, 4, [0.5, 1.0]))
+
+
+sexes = st.sampled_from([["male", "female"], ["m", "f"], ["female"], ["m", "female"], ["f", "f"]])
+no_sexes = st.sampled_from(
+    ["M", "mal", "females", "", None, np.nan, "m\x00", "\u00e9", 1, [1], "\ud800"]
+)
+
+
+@property_test(
+    weight=3,
+    words=sexes,
+    rows=st.sampled_from([1, 2, 3, 70, 200]),
+    odd=st.lists(no_sexes, max_size=2),
+    place=st.integers(0, 199),
+    twins=st.booleans(),
+    by=names_for("FCplus.is_column_sex"),
+)
+def test_sexes(words, rows, odd, place, twins, by):
+    values = [words[i * i % 3 % len(words)] for i in range(rows)]
+    for value in odd:
+        values[place % rows] = value
+    compare_routes("FCplus.is_column_sex", by, (frame_of(spread(values, "O", "plain", twins)),))
+
+
+@property_test(
+    weight=4,
+    X=number_tables(),
+    markers=st.one_of(st.none(), route_markers, st.just([1.0, np.nan]), st.just([np.nan, None])),
+    routine=st.sampled_from(DATASET_CHECKS),
+    by=names_for("FCplus.is_dataset_missing"),
+)
+def test_tables_of_numbers(X, markers, routine, by):
+    compare_routes("FCplus." + routine, by, (X, markers))

@@ -45,6 +45,7 @@ ONE_COLUMN = Recipe("one column", lambda inner: np.array([["b"], ["?"], ["a"]], 
 FIXED = Recipe("np.array(['b', 'a'])", lambda inner: np.array(["b", "a"]))
 WHOLE = Recipe("np.array([2, 1, 2])", lambda inner: np.array([2, 1, 2]))
 REAL = Recipe("np.array([1.5, 2.0])", lambda inner: np.array([1.5, 2.0]))
+TABLE = Recipe("a table", lambda inner: np.array([[1.5, 2.0], [0.5, np.nan]]))
 TRUTH = Recipe("np.array([True, False])", lambda inner: np.array([True, False]))
 
 MASK = [
@@ -156,6 +157,61 @@ GUARDS = [
     ),
     ("numpy_floatstr2float", (NUMBER_AND_WORD,), [("isfloat", always(True)), ("np.nan", 7.0)]),
     (
+        "get_unique_values",
+        (REAL, None, False, False, True),
+        [("np.unique", two(["zz"], [1])), ("np.unique", refuse)],
+    ),
+    (
+        "get_unique_values",
+        (WHOLE, [1], False, False, True),
+        [
+            ("np.unique", two(["zz"], [1])),
+            ("numpy_isin", always(np.array([True, False, False]))),
+            ("np.vectorize", all_true),
+        ],
+    ),
+    (
+        "numpy_whatis",
+        (REAL, [1.5, np.nan], True, False, False),
+        [
+            ("numpy_flatten_column", always(objects("zz"))),
+            ("numpy_compute_missing_indicator", lambda X, *a, **k: (np.ones(2, bool), [], ["zz"])),
+            ("numpy_isin", always(np.zeros(2, dtype=bool))),
+            ("np.any", always(False)),
+            ("get_unique_values", two(["zz"], [1])),
+            ("np.unique", two(["zz"], [1])),
+            (FCPLUS_TEST, refuse),
+            (FC_TEST, refuse),
+        ],
+    ),
+    (
+        "numpy_compute_missing_indicator",
+        (WORDS, ["?", np.nan], True),
+        [("numpy_isin", always(np.zeros(3, dtype=bool))), ("np.any", always(False))],
+    ),
+    (
+        "FCplus.is_dataset_missing",
+        (TABLE, [np.nan]),
+        [
+            ("numpy_whatis", always(([], "float_num"))),
+            ("setValueOrDefault", always([])),
+            ("numpy_flatten_column", always(objects("zz"))),
+            ("np.unique", refuse),
+            ("numpy_isin", always(np.zeros(2, dtype=bool))),
+            (FC_TEST, refuse),
+        ],
+    ),
+    (
+        "FCplus.get_dataset_missing_columns",
+        (TABLE, [np.nan]),
+        [("numpy_whatis", always((["zz"], "float_num"))), (FCPLUS_TEST, refuse)],
+    ),
+    (
+        "FCplus.get_dataset_non_numeric_columns",
+        (TABLE, [np.nan]),
+        [("numpy_whatis", always(([], "int_str"))), ("get_unique_values", two(["zz"], [1]))],
+    ),
+    (
         "FCplus.is_num_column_categorical",
         (WHOLE,),
         [("np.unique", always(range(50))), ("np.unique", refuse)],
@@ -245,6 +301,14 @@ def test_measures_ask_for_the_statistics_check(name, args):
     gone = shown(name, args, {}, {"FCplus.check_statistics": DELETED})
     assert gone["error"][0] is AttributeError
     assert shown(name, args, {}, {}) == before
+
+
+def test_another_search_for_distinct_values_of_a_series():
+    frame = Recipe("sexes", lambda inner: module.pd.DataFrame({0: ["m", "f", "m"]}, dtype=object))
+    before = shown("FCplus.is_column_sex", (frame,), {}, {})
+    for other in (refuse, always(["m"]), always(["m", "x"])):
+        assert shown("FCplus.is_column_sex", (frame,), {}, {"pd.Series.unique": other}) != before
+    assert shown("FCplus.is_column_sex", (frame,), {}, {}) == before
 
 
 ODD = st.sampled_from(

@@ -5,9 +5,10 @@ from __future__ import annotations
 import sys
 
 import numpy as np
+import pandas as pd
 import pytest
 from comparison import find_routine, module
-from routes import SHAPES, events_of, objects
+from routes import DATASET_CHECKS, SHAPES, events_of, objects
 
 MARKERS = ["?", "", "-", np.nan]
 TEXTS = objects("b", "?", "a", "", "b", "c")
@@ -49,6 +50,14 @@ TAKEN = [
     ("numpy_isin", (MARKERS,), COLUMNS),
     ("numpy_compute_missing_indicator", (MARKERS,), COLUMNS),
     ("numpy_compute_missing_indicator", (["none of them"],), COLUMNS),
+    ("numpy_compute_missing_indicator", (MARKERS, True), COLUMNS),
+    ("numpy_whatis", (["?"], True), dict(NUMBERS, **ALL_TEXT)),
+    ("numpy_whatis", (MARKERS, True), dict(NUMBERS, **ALL_TEXT)),
+    ("numpy_whatis", (MARKERS, False, False, False), dict(NUMBERS, **ALL_TEXT)),
+    ("numpy_whatis", (None, False, False, False), dict(NUMBERS, **ALL_TEXT)),
+    ("get_unique_values", (None, False, False, True), dict(NUMBERS, **ALL_TEXT)),
+    ("get_unique_values", (MARKERS, False, False, True), dict(NUMBERS, **ALL_TEXT)),
+    ("get_unique_values", ([1, 2.0], False, False, True), NUMBERS),
     ("get_unique_values", (), ALL_TEXT),
     ("get_unique_values", (MARKERS,), dict(ALL_TEXT, nulls=OBJECTS["texts and nulls"])),
 ]
@@ -75,11 +84,61 @@ def test_in_every_layout(name, kind, shape):
     assert events_of(name, (column, MARKERS)) == []
 
 
+# The statistics tell what the date test answered, so it is asked, whosesoever it is.
+OF_THE_DATE_TEST = ("quorin_libs.utils.fc_methods.", "quorin_libs.utils._date_text.")
+
+
+def without_date_test(events):
+    """The events of Python functions that are none of the date test's, numpy's among them."""
+    return [
+        name for event, name in events if event == "call" and not name.startswith(OF_THE_DATE_TEST)
+    ]
+
+
+@pytest.mark.parametrize("shape", sorted(set(SHAPES) - {"byte-swapped"}))
+@pytest.mark.parametrize("kind", sorted(dict(NUMBERS, **ALL_TEXT)))
+@pytest.mark.parametrize("by", [None, "FC.is_string_in_datetime_format", "FC"])
+def test_statistics_run_nothing_but_the_date_test(kind, shape, by):
+    column = SHAPES[shape](COLUMNS[kind].copy())
+    arguments = (column, MARKERS, False, False, True, True)
+    assert without_date_test(events_of("numpy_whatis", arguments, by="numpy_isin"))
+    found = without_date_test(events_of("numpy_whatis", arguments, by=by))
+    assert [name for name in found if not name.startswith("stand_ins.")] == []
+
+
+@pytest.mark.parametrize("kind", sorted(ALL_TEXT))
+@pytest.mark.parametrize("by", ["FC.is_string_in_datetime_format", "FC"])
+def test_foreign_date_test_of_texts(kind, by):
+    events = events_of("numpy_whatis", (COLUMNS[kind], MARKERS), by=by)
+    assert [name for name in without_date_test(events) if not name.startswith("stand_ins.")] == []
+    assert any(name.startswith(OF_THE_DATE_TEST) for _, name in events)
+
+
+@pytest.mark.parametrize("routine", DATASET_CHECKS)
+@pytest.mark.parametrize("dtype", ["f8", "f4", "i8", "i4", "u1", "?"])
+@pytest.mark.parametrize("order", ["C", "F"])
+def test_tables_of_numbers(routine, dtype, order):
+    table = np.array([[1, 0, 1], [0, 1, 0]], dtype=dtype, order=order)
+    assert events_of("FCplus." + routine, (table, MARKERS), by="numpy_isin")
+    assert events_of("FCplus." + routine, (table, MARKERS)) == []
+
+
 @pytest.mark.parametrize("kind", sorted(COLUMNS))
 def test_membership_runs_nothing_of_python(kind):
     arguments = ({"?", "a", "1"}, COLUMNS[kind])
     assert events_of("indicator_mask", arguments, by="np.vectorize")
     assert events_of("indicator_mask", arguments) == []
+
+
+@pytest.mark.parametrize("words", [("male", "female"), ("m", "f"), ("m", "x"), ("f", None)])
+def test_sexes(words):
+    frame = pd.DataFrame({0: objects(*words * 3)}, dtype=object)
+
+    def unique_asked(by):
+        return any("unique" in name for _, name in events_of("FCplus.is_column_sex", (frame,), by))
+
+    assert unique_asked("pd.Series.unique")
+    assert not unique_asked(None)
 
 
 REPEATS = 50
