@@ -66,10 +66,10 @@ bool part_natively(Parted& parted, Object X, Object missing_values_reference_lis
     if (!column) return false;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list);
     if (!markers) return false;
-    const bool done =
+    parted.natively =
         markers->none() ? part_unmarked(parted, *column) : part_marked(parted, X, *column, *markers, first_only);
-    if (done) parted.rows = whole(static_cast<Py_ssize_t>(column->rows));
-    return done;
+    if (parted.natively) parted.rows = whole(static_cast<Py_ssize_t>(column->rows));
+    return parted.natively;
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ struct Parted {
     Ref non_missing_rows;
     Ref XX;
     Ref xx_xounts;
+    bool natively = false;  // straight from the column's memory
 };
 
 Parted part(Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug);

@@ -139,7 +139,7 @@ Examples
         }
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
-        if (debug.is(Py_False) && return_stats_flag.is(Py_False) && originals_in_place()) {
+        if (parted.natively && return_stats_flag.is(Py_False) && originals_in_place()) {
             return tuple({new_missing_values_list, dtype_str_final});
         }
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);

@@ -54,7 +54,7 @@ TAKEN = [
     ("numpy_whatis", (["?"], True), dict(NUMBERS, **ALL_TEXT)),
     ("numpy_whatis", (MARKERS, True), dict(NUMBERS, **ALL_TEXT)),
     ("numpy_whatis", (MARKERS, False, False, False), dict(NUMBERS, **ALL_TEXT)),
-    ("numpy_whatis", (None, False, False, False), dict(NUMBERS, **ALL_TEXT)),
+    ("numpy_whatis", (None, False, False, False), NUMBERS),
     ("get_unique_values", (None, False, False, True), dict(NUMBERS, **ALL_TEXT)),
     ("get_unique_values", (MARKERS, False, False, True), dict(NUMBERS, **ALL_TEXT)),
     ("get_unique_values", ([1, 2.0], False, False, True), NUMBERS),
