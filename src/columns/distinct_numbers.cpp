@@ -37,10 +37,10 @@ void sort(Object array) {
     if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
 }
 
+// Brings a sorted row of numbers down to the different ones, which stand at its start then, and gives their counts.
 // NaNs, which stand at the end, count as one.
 template <class Number>
-DistinctNumbers runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
-    const Number* numbers = data_of<Number>(sorted);
+Ref collapse(Number* numbers, std::size_t size) {
     std::size_t plain = size;
     if constexpr (std::is_floating_point_v<Number>) {
         if (size != 0 && std::isnan(numbers[size - 1])) {
@@ -49,22 +49,38 @@ DistinctNumbers runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
         }
     }
     const std::size_t runs = kernels::count_runs(numbers, plain);
-    const std::size_t distinct = runs + static_cast<std::size_t>(plain != size);
-    DistinctNumbers found{{}, empty_array(distinct, NPY_INTP)};
-    auto* counts = data_of<npy_intp>(found.counts);
-    if (distinct == size) {
-        std::fill(counts, counts + size, 1);
-        found.values = std::move(sorted);
-        return found;
-    }
-    found.values = empty_array(distinct, dtype);
-    auto* values = data_of<Number>(found.values);
-    kernels::write_runs(numbers, plain, runs, values, counts);
+    Ref counted = empty_array(runs + static_cast<std::size_t>(plain != size), NPY_INTP);
+    auto* counts = data_of<npy_intp>(counted);
+    kernels::write_runs(numbers, plain, runs, numbers, counts);
     if (plain != size) {
-        values[runs] = numbers[plain];
+        numbers[runs] = numbers[plain];
         counts[runs] = static_cast<npy_intp>(size - plain);
     }
-    return found;
+    return counted;
+}
+
+// The first elements of an array that nobody else knows. What is left of a large one is rather given back than copied:
+// memory that is new to the process is slow.
+template <class Number>
+Ref first_elements(Ref array, std::size_t size, PyArray_Descr* dtype) {
+    const auto before = static_cast<std::size_t>(PyArray_SIZE(as_array(array)));
+    if (size == before) return array;
+    if (size < before / 2) {
+        Ref copy = empty_array(size, dtype);
+        std::copy_n(data_of<Number>(array), size, data_of<Number>(copy));
+        return copy;
+    }
+    npy_intp length = static_cast<npy_intp>(size);
+    PyArray_Dims shape{&length, 1};
+    const Ref none = Ref::take(PyArray_Resize(as_array(array), &shape, 0, NPY_CORDER));
+    return array;
+}
+
+template <class Number>
+DistinctNumbers runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
+    Ref counts = collapse(data_of<Number>(sorted), size);
+    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
+    return {first_elements<Number>(std::move(sorted), distinct, dtype), std::move(counts)};
 }
 
 template <class From, class To>
@@ -150,13 +166,11 @@ std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut
     if (kernels::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
     // Half the width sorts faster, and where equal numbers are all alike the result is the same.
     sort(copy);
-    DistinctNumbers found = runs_of<float>(std::move(copy), size, PyArray_DESCR(column.array));
-    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(found.values)));
+    Ref counts = collapse(numbers, size);
+    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
     Ref values = empty_array(distinct, wide);
-    kernels::copy_kept<float>(PyArray_BYTES(as_array(found.values)), sizeof(float), nullptr, data_of<double>(values),
-                              distinct);
-    found.values = std::move(values);
-    return found;
+    kernels::copy_kept<float>(PyArray_BYTES(as_array(copy)), sizeof(float), nullptr, data_of<double>(values), distinct);
+    return DistinctNumbers{std::move(values), std::move(counts)};
 }
 
 }  // namespace quorin::columns
