@@ -71,8 +71,19 @@ inline int compare(TextView left, TextView right) noexcept {
 
 inline bool same(TextView left, TextView right) noexcept {
     if (left.length != right.length) return false;
-    if (left.characters == right.characters && left.width == right.width) return true;
-    if (left.compact && right.compact && left.length - 1 < 8) return short_text(left) == short_text(right);
+    if (left.compact && right.compact) {
+        const std::size_t length = left.length;
+        if (length <= 8) return length == 0 || short_text(left) == short_text(right);
+        const auto* a = static_cast<const std::uint8_t*>(left.characters);
+        const auto* b = static_cast<const std::uint8_t*>(right.characters);
+        // Both ends first: for up to sixteen characters that is all.
+        const std::uint64_t ends =
+            (eight_bytes(a) ^ eight_bytes(b)) | (eight_bytes(a + length - 8) ^ eight_bytes(b + length - 8));
+        return ends == 0 && (length <= 16 || std::memcmp(a + 8, b + 8, length - 16) == 0);
+    }
+    if (left.width == right.width) {
+        return std::memcmp(left.characters, right.characters, left.length * static_cast<std::size_t>(left.width)) == 0;
+    }
     return compare(left, right) == 0;
 }
 

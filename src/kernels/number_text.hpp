@@ -10,8 +10,8 @@ struct TextView {
     const void* characters;
     std::size_t length;
     int width;
-    // Of one byte each and ASCII alone, with eight bytes before the first that may be read as well, whatever they hold;
-    // on little-endian machines only. So the last eight characters of a text, however short, are one read away.
+    // Of one byte each and ASCII alone, with sixteen bytes before the first that may be read as well, whatever they
+    // hold; on little-endian machines only. So the last eight characters of a text, however short, are one read away.
     bool compact = false;
 };
 

@@ -52,15 +52,15 @@ TextClass classify_translated(TextView text, const Script& script) noexcept {
 
 // Room for what classify_common() looks at, and for what it may read before.
 struct Narrowed {
-    std::array<std::uint8_t, 8 + 32> bytes;
+    std::array<std::uint8_t, 16 + 32> bytes;
 };
 
 // The compact text of the same characters, where they are few and ASCII.
 template <class Character>
 bool narrow(TextView text, Narrowed& narrowed) noexcept {
-    if (text.length > narrowed.bytes.size() - 8 || std::endian::native != std::endian::little) return false;
+    if (text.length > narrowed.bytes.size() - 16 || std::endian::native != std::endian::little) return false;
     const auto* from = static_cast<const Character*>(text.characters);
-    std::uint8_t* to = narrowed.bytes.data() + 8;
+    std::uint8_t* to = narrowed.bytes.data() + 16;
     Character all = 0;
     for (std::size_t i = 0; i < text.length; ++i) {
         all = static_cast<Character>(all | from[i]);
@@ -75,7 +75,7 @@ TextClass classify_narrowed(TextView text) noexcept {
                       : text.width == 2 ? narrow<std::uint16_t>(text, narrowed)
                                         : narrow<std::uint8_t>(text, narrowed);
     if (!done) return TextClass::unsettled;
-    return classify_common({narrowed.bytes.data() + 8, text.length, 1, true});
+    return classify_common({narrowed.bytes.data() + 16, text.length, 1, true});
 }
 
 }  // namespace
