@@ -8,6 +8,9 @@ namespace {
 
 __extension__ using Product = unsigned __int128;
 
+// The hash of no text is that of an empty slot.
+constexpr std::uint32_t never_zero = 0x80000000U;
+
 // Two odd numbers without a pattern.
 constexpr std::uint64_t first_salt = 0x9e3779b97f4a7c15ULL;
 constexpr std::uint64_t second_salt = 0xd1b54a32d192ed03ULL;
@@ -23,7 +26,7 @@ std::uint32_t four_bytes(const std::uint8_t* at) noexcept {
     return bytes;
 }
 
-// The last eight and the eight before them, as far as there are any; zeros above.
+// The last eight bytes and the eight before them; where there are fewer, they are the highest of these numbers.
 struct LastSixteen {
     std::uint64_t before;
     std::uint64_t last;
@@ -32,10 +35,11 @@ struct LastSixteen {
 std::uint64_t up_to_eight(const std::uint8_t* bytes, std::size_t size) noexcept {
     if (size == 8) return eight_bytes(bytes);
     if (size >= 4) {
-        return four_bytes(bytes) | std::uint64_t{four_bytes(bytes + size - 4)} << (8 * (size - 4));
+        const std::uint64_t first = std::uint64_t{four_bytes(bytes)} << (64 - 8 * size);
+        return first | std::uint64_t{four_bytes(bytes + size - 4)} << 32U;
     }
     std::uint64_t found = 0;
-    for (std::size_t i = 0; i < size; ++i) found |= std::uint64_t{bytes[i]} << (8 * i);
+    for (std::size_t i = 0; i < size; ++i) found |= std::uint64_t{bytes[i]} << (64 - 8 * (size - i));
     return found;
 }
 
@@ -45,17 +49,13 @@ LastSixteen last_sixteen(const std::uint8_t* bytes, std::size_t size) noexcept {
     return {0, up_to_eight(bytes, size)};
 }
 
-// The same without jumps, which would be hard to predict; what lies before the text is shifted out.
+// The same, with what lies before the text taken out.
 LastSixteen last_sixteen_of_compact(const std::uint8_t* bytes, std::size_t size) noexcept {
-    const std::uint64_t last = eight_bytes(bytes + size - 8);
-    const std::uint64_t before = eight_bytes(bytes + size - 16);
-    return {size > 8 ? before >> (size < 16 ? 128 - 8 * size : 0) : 0,
-            size == 0 ? 0 : last >> (size < 8 ? 64 - 8 * size : 0)};
+    const EndMasks& masks = end_masks[size < 16 ? size : 16];
+    return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
 }
 
-}  // namespace
-
-std::uint32_t hash_text(TextView text) noexcept {
+std::uint32_t hash_text(const TextView& text) noexcept {
     const auto* bytes = static_cast<const std::uint8_t*>(text.characters);
     const std::size_t size = text.length * static_cast<std::size_t>(text.width);
     const LastSixteen end = text.compact ? last_sixteen_of_compact(bytes, size) : last_sixteen(bytes, size);
@@ -63,8 +63,10 @@ std::uint32_t hash_text(TextView text) noexcept {
     for (std::size_t i = 0; i + 16 < size; i += 16) {
         hash = mixed(hash + eight_bytes(bytes + i), eight_bytes(bytes + i + 8));
     }
-    return static_cast<std::uint32_t>(hash >> 32U);
+    return static_cast<std::uint32_t>(hash >> 32U) | never_zero;
 }
+
+}  // namespace
 
 // At most half full, so that a free slot is never far. Small tables double; once they are no longer small, what was
 // seen so far tells how many different texts there may be, and a table that is copied once is cheaper than one that is
@@ -90,39 +92,43 @@ void TextTable::grow(std::size_t rows_so_far) {
     }
 }
 
-inline void TextTable::count(TextView text, std::uint32_t hash, std::size_t row) {
+// For texts that do not stand where they are looked for first.
+void TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
     std::size_t slot = hash & (slots_.size() - 1);
-    while (slots_[slot].number != none) {
-        if (slots_[slot].hash == hash) {
-            DistinctText& entry = entries_[slots_[slot].number];
-            if (same(entry.text, text)) {
-                ++entry.count;
-                return;
-            }
-        }
-        slot = (slot + 1) & (slots_.size() - 1);
+    for (; slots_[slot].number != none; slot = (slot + 1) & (slots_.size() - 1)) {
+        if (slots_[slot].hash != hash) continue;
+        DistinctText& entry = entries_[slots_[slot].number];
+        if (!same(entry.text, text)) continue;
+        ++entry.count;
+        return;
     }
     slots_[slot] = {static_cast<std::uint32_t>(entries_.size()), hash};
     entries_.push_back({text, row, 1});
 }
 
 void TextTable::add(const std::array<TextView, block>& texts, std::size_t row, std::size_t size) {
-    // The entries of fewer texts are at hand.
+    // The slots and entries of fewer texts are at hand.
     constexpr std::size_t at_hand = 1024;
     if (2 * (entries_.size() + size) > slots_.size()) grow(row + size);
     std::array<std::uint32_t, block> hashes;
+    const Slot* const slots = slots_.data();
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = 0; i < size; ++i) {
-        hashes[i] = hash_text(texts[i]);
-        __builtin_prefetch(&slots_[hashes[i] & mask]);
-    }
+    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_text(texts[i]);
     if (entries_.size() > at_hand) {
+        for (std::size_t i = 0; i < size; ++i) __builtin_prefetch(&slots[hashes[i] & mask]);
         for (std::size_t i = 0; i < size; ++i) {
-            const Slot slot = slots_[hashes[i] & mask];
-            if (slot.hash == hashes[i] && slot.number != none) __builtin_prefetch(&entries_[slot.number]);
+            const Slot slot = slots[hashes[i] & mask];
+            if (slot.hash == hashes[i]) __builtin_prefetch(&entries_[slot.number]);
         }
     }
-    for (std::size_t i = 0; i < size; ++i) count(texts[i], hashes[i], row + i);
+    for (std::size_t i = 0; i < size; ++i) {
+        const Slot slot = slots[hashes[i] & mask];
+        if (slot.hash == hashes[i] && same(entries_[slot.number].text, texts[i])) {
+            ++entries_[slot.number].count;
+        } else {
+            find_or_add(texts[i], hashes[i], row + i);
+        }
+    }
 }
 
 }  // namespace quorin::kernels

@@ -10,17 +10,14 @@
 
 namespace quorin::kernels {
 
-// The same for equal texts of the same width.
-std::uint32_t hash_text(TextView text) noexcept;
-
 struct DistinctText {
     TextView text;
     std::size_t row;  // of its first occurrence
     std::int64_t count;
 };
 
-// Open addressing. Texts come in blocks, so that while one is looked up the memory that the next ones need is on its
-// way. Their characters stay with the caller.
+// Open addressing, for columns whose equal texts are of the same width. Texts come in blocks, so that while one is
+// looked up the memory that the next ones need is on its way. Their characters stay with the caller.
 class TextTable {
   public:
     static constexpr std::size_t block = 32;
@@ -41,7 +38,7 @@ class TextTable {
     static constexpr Slot empty{none, 0};
 
     void grow(std::size_t rows_so_far);
-    void count(TextView text, std::uint32_t hash, std::size_t row);
+    void find_or_add(const TextView& text, std::uint32_t hash, std::size_t row);
 
     std::size_t rows_;
     std::vector<Slot> slots_;

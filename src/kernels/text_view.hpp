@@ -1,6 +1,7 @@
 // Texts in memory: their characters, their equality, their order.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -74,18 +75,36 @@ inline int compare(TextView left, TextView right) noexcept {
     return left.length == right.length ? 0 : left.length < right.length ? -1 : 1;
 }
 
+// The bytes of a compact text of up to sixteen characters among the eight before its end and the eight before those. A
+// look into a table, because compilers make jumps of a choice between shifts, and the lengths of texts are
+// unpredictable.
+struct EndMasks {
+    std::uint64_t last;
+    std::uint64_t before;
+};
+constexpr std::array<EndMasks, 17> end_masks = [] {
+    std::array<EndMasks, 17> masks{};
+    const auto highest = [](std::size_t bytes) {
+        return bytes == 0 ? 0 : bytes < 8 ? ~std::uint64_t{0} << (64 - 8 * bytes) : ~std::uint64_t{0};
+    };
+    for (std::size_t size = 0; size < masks.size(); ++size)
+        masks[size] = {highest(size), highest(size < 8 ? 0 : size - 8)};
+    return masks;
+}();
+
+// Compact texts of the same length.
+inline bool same_compact(const void* left, const void* right, std::size_t length) noexcept {
+    const auto* a = static_cast<const std::uint8_t*>(left);
+    const auto* b = static_cast<const std::uint8_t*>(right);
+    if (length > 16) return std::memcmp(a, b, length) == 0;
+    const std::uint64_t last = eight_bytes(a + length - 8) ^ eight_bytes(b + length - 8);
+    const std::uint64_t before = eight_bytes(a + length - 16) ^ eight_bytes(b + length - 16);
+    return ((last & end_masks[length].last) | (before & end_masks[length].before)) == 0;
+}
+
 inline bool same(TextView left, TextView right) noexcept {
     if (left.length != right.length) return false;
-    if (left.compact && right.compact) {
-        const std::size_t length = left.length;
-        if (length <= 8) return length == 0 || short_text(left) == short_text(right);
-        const auto* a = static_cast<const std::uint8_t*>(left.characters);
-        const auto* b = static_cast<const std::uint8_t*>(right.characters);
-        // Both ends first: for up to sixteen characters that is all.
-        const std::uint64_t ends =
-            (eight_bytes(a) ^ eight_bytes(b)) | (eight_bytes(a + length - 8) ^ eight_bytes(b + length - 8));
-        return ends == 0 && (length <= 16 || std::memcmp(a + 8, b + 8, length - 16) == 0);
-    }
+    if (left.compact && right.compact) return same_compact(left.characters, right.characters, left.length);
     if (left.width == right.width) {
         return std::memcmp(left.characters, right.characters, left.length * static_cast<std::size_t>(left.width)) == 0;
     }
