@@ -24,7 +24,11 @@ bool MarkerSet::add(TextView text) noexcept {
     if (size_ == most_markers || text.length > longest_possible) return false;
     lengths_ |= 1U << text.length;
     longest_ = std::max(longest_, text.length);
-    firsts_[text.length] |= std::uint64_t{1} << (text.length == 0 ? 0 : character(text, 0) & 63U);
+    if (text.length == 0) {
+        empty_ |= 1U << size_;
+    } else {
+        firsts_[text.length] |= std::uint64_t{1} << (character(text, 0) & 63U);
+    }
     texts_[size_] = text;
     values_[size_] = {0, 0};
     std::uint64_t value = 0;

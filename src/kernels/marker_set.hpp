@@ -19,7 +19,8 @@ class MarkerSet {
     // The bits of the markers that the text equals. Most texts differ from all of them in length or first character.
     [[nodiscard]] std::uint32_t find(TextView text) const noexcept {
         if (!has_length(text.length)) return 0;
-        if (text.length != 0 && !has_first(text.length, character(text, 0))) return 0;
+        if (text.length == 0) return empty_;
+        if (!has_first(text.length, character(text, 0))) return 0;
         if (text.compact && text.length - 1 < 8) {
             const auto* end = static_cast<const char*>(text.characters) + text.length;
             return find_value(ShortText{eight_bytes(end - 8), text.length}.value(), text.length);
@@ -53,6 +54,7 @@ class MarkerSet {
     [[nodiscard]] std::uint32_t find_slowly(const void* characters, std::size_t length, int width) const noexcept;
 
     std::uint32_t lengths_ = 0;
+    std::uint32_t empty_ = 0;  // the bits of the markers without characters
     std::size_t size_ = 0;
     std::size_t longest_ = 0;
     std::array<std::uint64_t, longest_possible + 1> firsts_{};  // by length: a bit for the first character, modulo 64

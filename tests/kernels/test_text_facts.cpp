@@ -329,22 +329,10 @@ void too_many_digits() {
     }
 }
 
-void markers_that_do_not_fit() {
-    MarkerSet markers;
-    const StoredText too_long(std::u32string(32, U'x'), Stored::one_byte);
-    const StoredText fits(std::u32string(31, U'x'), Stored::one_byte);
-    check(!markers.add(too_long.view()), "32 characters");
-    for (std::size_t i = 0; i < kernels::most_markers; ++i) check(markers.add(fits.view()), "31 characters");
-    check(!markers.add(fits.view()), "one marker too many");
-    check(markers.find(fits.view()) == 0xffff, "all equal markers are found");
-    check(markers.find(too_long.view()) == 0, "no marker is that long");
-}
-
 const std::array tests{
     Test{"random text columns", random_columns},
     Test{"cells of no known kind", other_cells},
     Test{"too many digits", too_many_digits},
-    Test{"markers that do not fit", markers_that_do_not_fit},
 };
 
 }  // namespace
