@@ -7,6 +7,8 @@
 # make fuzz        the property tests with CASES examples each (and another SEED, if one is given)
 # make docs        the reference pages, into build/docs; any warning fails
 # make bench       times of the routines as ratios (BENCH_ARGS="--filter whatis --rows 100000")
+# make kernel-cost  instructions per element of each kernel against a committed table; needs valgrind
+#                  (COST_ARGS=--update writes the table anew)
 # make format      rewrite the sources as `make lint` wants them
 # make clean       remove everything that was made here
 #
@@ -19,6 +21,7 @@ SEED ?=
 ROWS ?=
 PYTEST_ARGS ?=
 BENCH_ARGS ?=
+COST_ARGS ?=
 
 VENV := .venv
 BIN := $(VENV)/bin
@@ -26,7 +29,7 @@ export PATH := $(CURDIR)/$(BIN):$(PATH)
 export PIP_DISABLE_PIP_VERSION_CHECK := 1
 
 .DELETE_ON_ERROR:
-.PHONY: run test kernels lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs bench matrix asan coverage fuzz clean
+.PHONY: run test kernels kernel-cost lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs bench matrix asan coverage fuzz clean
 $(shell mkdir -p build)
 
 SOURCES := $(shell find src -name "*.cpp" -o -name "*.hpp")
@@ -117,6 +120,11 @@ format: $(VENV)/.dev
 
 bench: $(VENV)/.package
 	$(BIN)/python -m benchmarks $(BENCH_ARGS)
+
+kernel-cost: $(VENV)/.tools
+	cmake --preset kernel-cost > build/kernel-cost.log || { cat build/kernel-cost.log; exit 1; }
+	cmake --build --preset kernel-cost --target kernel_cost
+	scripts/kernel_cost $(COST_ARGS) build/kernel-cost/tests/kernels/kernel_cost
 
 clean:
 	rm -rf $(VENV) build dist .pytest_cache .mypy_cache .ruff_cache .hypothesis

@@ -63,11 +63,12 @@ class FixedTexts {
 };
 
 // The plain texts that were found below or beside number texts count as markers, in ascending order. Those below the
-// least number text were listed at once, the others were met one by one.
+// least number text were listed at once, the others were met one by one. Where the least number was not looked for, the
+// plain text is a lone one that is not above it.
 template <class Texts>
 void append_plain(Object misslist, const Texts& texts, const std::vector<Ordered>& plain, const Ordered& least_number) {
     for (const Ordered& text : plain) {
-        const bool below = kernels::compare(text.text, least_number.text) < 0;
+        const bool below = !least_number.found || kernels::compare(text.text, least_number.text) < 0;
         append(misslist, below ? texts.listed(text) : texts.scanned(text));
     }
 }
@@ -96,7 +97,7 @@ std::optional<Answer> answer_texts(const Column& column, const Markers& markers)
     }
     Ordered least_number;
     Ordered end_marker;
-    find_end_marker(cells, markers.texts, script, least_number, end_marker);
+    if (!facts.lone || facts.lone_may_be_above) find_end_marker(cells, markers.texts, script, least_number, end_marker);
     if (!end_marker.found) {
         if (facts.second_plain) return answer;
         answer.kind = number_kind(facts);

@@ -7,6 +7,7 @@
 
 #include "interp/numpy.hpp"
 #include "kernels/cells.hpp"
+#include "kernels/fixed_text.hpp"
 #include "kernels/text_facts.hpp"
 
 namespace quorin::columns {
@@ -62,6 +63,16 @@ class ObjectCells {
         return value != nullptr && PyUnicode_CheckExact(value) &&
                static_cast<std::size_t>(reinterpret_cast<const PyASCIIObject*>(value)->length) > length;
     }
+    [[nodiscard]] bool glance(std::size_t row, kernels::ShortText& text) const noexcept {
+        PyObject* value = column_.object(row);
+        if (value == nullptr || !PyUnicode_CheckExact(value)) return false;
+        const auto* header = reinterpret_cast<const PyASCIIObject*>(value);
+        const auto length = static_cast<std::size_t>(header->length);
+        if (!(header->state.compact & header->state.ascii) || length - 1 >= 8) return false;
+        const char* end = reinterpret_cast<const char*>(value) + sizeof(PyASCIIObject) + length;
+        text = {kernels::eight_bytes(end - 8), length};
+        return std::endian::native == std::endian::little;
+    }
     kernels::Cell read(std::size_t row, kernels::TextView& text) const noexcept {
         PyObject* value = column_.object(row);
         if (value != nullptr && PyUnicode_CheckExact(value)) {
@@ -89,32 +100,11 @@ class ObjectCells {
     Column column_;
 };
 
-// Elements of an array of fixed-width text, four bytes a character, filled up with zeros.
-class FixedTextCells {
+// Elements of an array of fixed-width text.
+class FixedTextCells : public kernels::FixedText {
   public:
     explicit FixedTextCells(const Column& column) noexcept
-        : column_(column), longest_(column.width / sizeof(std::uint32_t)) {}
-    [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
-    void prefetch(std::size_t /*row*/) const noexcept {}
-    [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
-        return length < longest_ && characters(row)[length] != 0;
-    }
-    // Zeros inside a text belong to it, so its end is looked for from behind, two characters at a time.
-    kernels::Cell read(std::size_t row, kernels::TextView& text) const noexcept {
-        const std::uint32_t* at = characters(row);
-        std::size_t length = longest_;
-        while (length > 1 && kernels::eight_bytes(at + length - 2) == 0) length -= 2;
-        if (length > 0 && at[length - 1] == 0) --length;
-        text = {at, length, 4};
-        return kernels::Cell::text;
-    }
-
-  private:
-    [[nodiscard]] const std::uint32_t* characters(std::size_t row) const noexcept {
-        return reinterpret_cast<const std::uint32_t*>(column_.at(row));
-    }
-    Column column_;
-    std::size_t longest_;
+        : FixedText(column.data, column.stride, column.rows, column.width / sizeof(std::uint32_t)) {}
 };
 
 // The view of an exact str, or nothing where its characters do not lie side by side.

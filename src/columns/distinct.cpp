@@ -12,46 +12,27 @@ namespace quorin::columns {
 
 namespace {
 
-template <class Cells>
-std::optional<std::vector<DistinctText>> distinct_of(const Cells& cells) {
-    std::vector<DistinctText> found;
-    kernels::TextTable table;
-    const auto text_of = [&](std::uint32_t number) { return found[number].text; };
-    std::uint32_t last = 0;
-    for (std::size_t row = 0; row < cells.size(); ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        kernels::TextView text{};
-        if (cells.read(row, text) != kernels::Cell::text) return std::nullopt;
-        // Neighbours are often the same object.
-        if (!found.empty() && text.characters == found[last].text.characters) {
-            ++found[last].count;
-            continue;
-        }
-        const auto next = static_cast<std::uint32_t>(found.size());
-        last = table.find_or_add(text, next, text_of);
-        if (last == next) {
-            found.push_back({text, row, 1});
-        } else {
-            ++found[last].count;
-        }
-    }
-    return found;
-}
+// Sorted texts lie anywhere in memory.
+constexpr std::size_t prefetched = 16;
 
 }  // namespace
 
 std::optional<std::vector<DistinctText>> distinct_texts(const Column& column) {
     constexpr std::size_t most_rows = 0x7fffffff;
     if (column.rows > most_rows) return std::nullopt;
-    std::optional<std::vector<DistinctText>> found =
-        column.storage == Storage::objects ? distinct_of(ObjectCells(column)) : distinct_of(FixedTextCells(column));
-    if (!found) return std::nullopt;
-    std::vector<kernels::TextView> texts;
-    texts.reserve(found->size());
-    for (const DistinctText& entry : *found) texts.push_back(entry.text);
+    kernels::TextTable table(column.rows);
+    const bool texts = column.storage == Storage::objects ? kernels::add_all(table, ObjectCells(column))
+                                                          : kernels::add_all(table, FixedTextCells(column));
+    if (!texts) return std::nullopt;
+    const std::vector<kernels::DistinctText>& found = table.entries();
+    const std::vector<std::uint32_t> order = kernels::ascending(found);
     std::vector<DistinctText> sorted;
-    sorted.reserve(found->size());
-    for (const std::uint32_t number : kernels::ascending(texts)) sorted.push_back((*found)[number]);
+    sorted.reserve(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        if (i + prefetched < order.size()) __builtin_prefetch(&found[order[i + prefetched]]);
+        const kernels::DistinctText& entry = found[order[i]];
+        sorted.push_back({entry.row, static_cast<npy_intp>(entry.count)});
+    }
     return sorted;
 }
 
@@ -81,8 +62,10 @@ Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
     Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
     char* out = PyArray_BYTES(as_array(array));
-    for (const DistinctText& entry : distinct) {
+    for (std::size_t i = 0; i < distinct.size(); ++i) {
+        const DistinctText& entry = distinct[i];
         if (column.storage == Storage::objects) {
+            if (i + prefetched < distinct.size()) __builtin_prefetch(column.object(distinct[i + prefetched].row), 1);
             PyObject*& place = *reinterpret_cast<PyObject**>(out);
             Ref::adopt(std::exchange(place, Ref::share(column.object(entry.row)).give()));
         } else {

@@ -10,7 +10,6 @@
 namespace quorin::columns {
 
 struct DistinctText {
-    kernels::TextView text;
     std::size_t row;  // of its first occurrence
     npy_intp count;
 };

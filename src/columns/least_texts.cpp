@@ -15,7 +15,7 @@ std::optional<Ref> least_texts(const Column& column, const Markers& markers, std
     if (!texts) return std::nullopt;
     std::vector<DistinctText> listed;
     listed.reserve(least.size());
-    for (const kernels::KeyedText& entry : least) listed.push_back({entry.text, entry.row, 1});
+    for (const kernels::KeyedText& entry : least) listed.push_back({entry.row, 1});
     return texts_of(column, listed);
 }
 

@@ -48,6 +48,7 @@ template <class OnMatch>
 bool match_fixed_texts(const Column& column, const Markers& values, OnMatch on_match) {
     const FixedTextCells cells(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
+        if (cells.longer_than(row, values.texts.longest())) continue;
         kernels::TextView text{};
         cells.read(row, text);
         if (const std::uint32_t found = values.texts.find(text); found != 0) {

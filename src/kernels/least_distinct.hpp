@@ -53,7 +53,8 @@ template <class Cells>
         if (least.size() > most) least.pop_back();
         return true;
     };
-    return walk_texts(cells, markers, facts, on_text) == Gathered::all;
+    const auto none_settled = [](ShortText) { return false; };
+    return walk_texts(cells, markers, facts, none_settled, on_text) == Gathered::all;
 }
 
 }  // namespace quorin::kernels

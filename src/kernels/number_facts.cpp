@@ -6,6 +6,8 @@
 #include <cstring>
 #include <limits>
 
+#include "kernels/number_facts_avx2.hpp"
+
 namespace quorin::kernels {
 
 namespace {
@@ -118,20 +120,64 @@ bool any(const Rows& rows, std::size_t begin, std::size_t end, Has has) noexcept
     return any_set(even | odd);
 }
 
-// Once a block has shown a null or a fraction, the blocks after it are no longer asked.
-template <class Float, class Rows>
-void gather_block(NumberFacts& facts, const Rows& rows, std::size_t begin, std::size_t end) noexcept {
-    if (!facts.nulls && !facts.fractions && !any<Float>(rows, begin, end, is_doubtful<Float>)) return;
-    if (!facts.nulls) facts.nulls = any<Float>(rows, begin, end, is_null<Float>);
-    if (!facts.fractions) facts.fractions = any<Float>(rows, begin, end, is_fraction_or_infinite<Float>);
+// The three questions about rows, with the instructions that every processor has.
+template <class Float>
+struct Baseline {
+    template <class Rows>
+    static bool any_doubtful(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        return any<Float>(rows, begin, end, is_doubtful<Float>);
+    }
+    template <class Rows>
+    static bool any_null(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        return any<Float>(rows, begin, end, is_null<Float>);
+    }
+    template <class Rows>
+    static bool any_fraction_or_infinite(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        return any<Float>(rows, begin, end, is_fraction_or_infinite<Float>);
+    }
+};
+
+#ifdef QUORIN_HAS_AVX2
+bool has_avx2() noexcept {
+    static const bool has = __builtin_cpu_supports("avx2") != 0;
+    return has;
 }
 
-template <class Float, class Rows>
+// What does not fill the wide registers is left to the others.
+template <class Float>
+struct Avx2 {
+    using Rows = SideBySide<Float>;
+    static std::size_t wide(std::size_t size) noexcept { return size - size % avx2::together; }
+    static bool any_doubtful(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        const std::size_t size = wide(end - begin);
+        return avx2::any_doubtful(rows.values + begin, size) || Baseline<Float>::any_doubtful(rows, begin + size, end);
+    }
+    static bool any_null(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        const std::size_t size = wide(end - begin);
+        return avx2::any_null(rows.values + begin, size) || Baseline<Float>::any_null(rows, begin + size, end);
+    }
+    static bool any_fraction_or_infinite(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+        const std::size_t size = wide(end - begin);
+        return avx2::any_fraction_or_infinite(rows.values + begin, size) ||
+               Baseline<Float>::any_fraction_or_infinite(rows, begin + size, end);
+    }
+};
+#endif
+
+// Once a block has shown a null or a fraction, the blocks after it are no longer asked.
+template <class Questions, class Rows>
+void gather_block(NumberFacts& facts, const Rows& rows, std::size_t begin, std::size_t end) noexcept {
+    if (!facts.nulls && !facts.fractions && !Questions::any_doubtful(rows, begin, end)) return;
+    if (!facts.nulls) facts.nulls = Questions::any_null(rows, begin, end);
+    if (!facts.fractions) facts.fractions = Questions::any_fraction_or_infinite(rows, begin, end);
+}
+
+template <class Questions, class Rows>
 NumberFacts gather_rows(const Rows& rows, std::size_t size) noexcept {
     constexpr std::size_t block = 1024;
     NumberFacts facts;
     for (std::size_t begin = 0; begin < size && !(facts.nulls && facts.fractions); begin += block) {
-        gather_block<Float>(facts, rows, begin, size - begin < block ? size : begin + block);
+        gather_block<Questions>(facts, rows, begin, size - begin < block ? size : begin + block);
     }
     // Found at once, unless nearly everything is missing.
     for (std::size_t row = 0; row < size && !facts.values; ++row) facts.values = rows.one(row) == rows.one(row);
@@ -139,21 +185,28 @@ NumberFacts gather_rows(const Rows& rows, std::size_t size) noexcept {
 }
 
 template <class Float>
-NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
-    if (stride == static_cast<std::ptrdiff_t>(sizeof(Float))) {
-        return gather_rows<Float>(SideBySide<Float>{reinterpret_cast<const Float*>(data)}, size);
+NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t size,
+                   [[maybe_unused]] Instructions instructions) noexcept {
+    if (stride != static_cast<std::ptrdiff_t>(sizeof(Float))) {
+        return gather_rows<Baseline<Float>>(Apart<Float>{data, stride}, size);
     }
-    return gather_rows<Float>(Apart<Float>{data, stride}, size);
+    const SideBySide<Float> rows{reinterpret_cast<const Float*>(data)};
+#ifdef QUORIN_HAS_AVX2
+    if (instructions == Instructions::best && has_avx2()) return gather_rows<Avx2<Float>>(rows, size);
+#endif
+    return gather_rows<Baseline<Float>>(rows, size);
 }
 
 }  // namespace
 
-NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept {
-    return gather<double>(data, stride, rows);
+NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows,
+                           Instructions instructions) noexcept {
+    return gather<double>(data, stride, rows, instructions);
 }
 
-NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept {
-    return gather<float>(data, stride, rows);
+NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows,
+                           Instructions instructions) noexcept {
+    return gather<float>(data, stride, rows, instructions);
 }
 
 }  // namespace quorin::kernels

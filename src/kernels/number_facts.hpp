@@ -11,8 +11,13 @@ struct NumberFacts {
     bool fractions = false;  // with a fraction, or infinite
 };
 
+// The answer is the same with any. `baseline` are those that every processor of the kind has.
+enum class Instructions { baseline, best };
+
 // `stride` in bytes. The walk ends once nulls and fractions were both seen.
-NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
-NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
+NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows,
+                           Instructions instructions = Instructions::best) noexcept;
+NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows,
+                           Instructions instructions = Instructions::best) noexcept;
 
 }  // namespace quorin::kernels

@@ -8,101 +8,13 @@
 // distinct values, so that only texts below it count.
 #pragma once
 
-#include <array>
-#include <string_view>
 #include <vector>
 
 #include "kernels/cells.hpp"
+#include "kernels/marker_set.hpp"
+#include "kernels/number_text.hpp"
 
 namespace quorin::kernels {
-
-// What only the interpreter knows about characters beyond ASCII.
-struct Script {
-    bool (*is_alphanumeric)(std::uint32_t character);
-    // The digit's value, ' ' for white space, or -1: as the number parsers translate a character.
-    int (*translated)(std::uint32_t character);
-};
-
-enum class TextClass { plain, integer, real, unsettled };
-
-// A number text starts with white space, a sign, a dot or a digit; words for infinity and NaN hold no dot and are
-// plain.
-constexpr std::array<bool, 256> may_start_number = [] {
-    std::array<bool, 256> may{};
-    for (const char c : std::string_view{"0123456789.-+ \t\n\v\f\r"}) may[static_cast<std::uint8_t>(c)] = true;
-    return may;
-}();
-
-// Eight ASCII characters looked at together. Of a character c, (c ^ '0') + 0x76 has the highest bit set unless c is a
-// digit, and never overflows into its neighbour.
-class EightCharacters {
-  public:
-    explicit EightCharacters(const void* at) noexcept : less_zero_(eight_bytes(at) ^ ('0' * every_byte)) {}
-    // Those from the n-th last on, at least one of them; the others become digits.
-    [[nodiscard]] EightCharacters last(std::size_t n) const noexcept {
-        EightCharacters few = *this;
-        few.less_zero_ = less_zero_ >> (64 - 8 * n) << (64 - 8 * n);
-        return few;
-    }
-    // The highest bit of each byte that is no digit.
-    [[nodiscard]] std::uint64_t no_digits() const noexcept {
-        return (less_zero_ + 0x76 * every_byte) & (0x80 * every_byte);
-    }
-    // Given these bits: whether they are one, and that a dot.
-    [[nodiscard]] bool is_dot(std::uint64_t bits) const noexcept {
-        const std::uint64_t low = bits >> 7U;
-        return (bits & (bits - 1)) == 0 && (less_zero_ & (low * 0xff)) == low * ('.' ^ '0');
-    }
-
-  private:
-    static constexpr std::uint64_t every_byte = 0x0101010101010101;
-    std::uint64_t less_zero_;
-};
-
-// A text in its parts: where it is handed on whole, gcc keeps it in memory also where nothing is handed on.
-TextClass classify_uncommon(const void* characters, std::size_t length, int width, bool compact,
-                            const Script& script) noexcept;
-
-// What the common notations of numbers settle without the whole grammar: digits with a sign before them and a dot among
-// them; `unsettled` for anything else. Most texts in use are settled by their last eight characters.
-inline TextClass classify_common(TextView text) noexcept {
-    const auto* at = static_cast<const std::uint8_t*>(text.characters);
-    const std::uint8_t* const end = at + text.length;
-    if (!may_start_number[*at]) return TextClass::plain;
-    at += static_cast<unsigned>(*at == '-') | static_cast<unsigned>(*at == '+');
-    const auto length = static_cast<std::size_t>(end - at);
-    if (length - 1 < 8) {
-        const EightCharacters characters = EightCharacters(end - 8).last(length);
-        const std::uint64_t others = characters.no_digits();
-        if (others == 0) return TextClass::integer;
-        if (!characters.is_dot(others)) return TextClass::unsettled;
-        return length == 1 ? TextClass::plain : TextClass::real;
-    }
-    constexpr std::size_t longest = 32;
-    if (length == 0) return TextClass::plain;
-    if (length > longest) return TextClass::unsettled;
-    bool dot = false;
-    while (at != end) {
-        const auto left = static_cast<std::size_t>(end - at);
-        const EightCharacters characters = left < 8 ? EightCharacters(end - 8).last(left) : EightCharacters(at);
-        if (const std::uint64_t others = characters.no_digits(); others != 0) {
-            if (dot || !characters.is_dot(others)) return TextClass::unsettled;
-            dot = true;
-        }
-        at += left < 8 ? left : 8;
-    }
-    return dot ? TextClass::real : TextClass::integer;
-}
-
-// `unsettled` for texts of more digits than every limit of the interpreter allows.
-inline TextClass classify_text(TextView text, const Script& script) noexcept {
-    if (text.length == 0) return TextClass::plain;
-    if (text.compact) {
-        const TextClass common = classify_common(text);
-        if (common != TextClass::unsettled) return common;
-    }
-    return classify_uncommon(text.characters, text.length, text.width, text.compact, script);
-}
 
 inline bool is_lone(TextView text, const Script& script) noexcept {
     if (text.length != 1) return text.length == 0;
@@ -111,34 +23,32 @@ inline bool is_lone(TextView text, const Script& script) noexcept {
     return !((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'));
 }
 
-constexpr std::size_t most_markers = 16;
-
-// The marker texts of a column, to be found in its cells; short ones only.
-class MarkerSet {
+// Which lone texts occur: bits for the ASCII characters, the empty text left out.
+class LoneTexts {
   public:
-    // False where the text is none that this set can hold.
-    bool add(TextView text) noexcept;
-    // The bits of the markers that the text equals. Most texts differ from all of them in length or first character.
-    [[nodiscard]] std::uint32_t find(TextView text) const noexcept {
-        if (!has_length(text.length)) return 0;
-        if (text.length != 0 && (firsts_[text.length] >> (character(text, 0) & 63U) & 1U) == 0) return 0;
-        return find_slowly(text.characters, text.length, text.width);
+    void add(std::uint32_t character) noexcept {
+        if (character > 0x7f) {
+            beyond_ascii_ = true;
+        } else {
+            (character < 64 ? low_ : high_) |= std::uint64_t{1} << (character & 63U);
+        }
     }
-    [[nodiscard]] bool has_length(std::size_t length) const noexcept {
-        return length <= longest_possible && (lengths_ >> length & 1U) != 0;
+    [[nodiscard]] bool has_ascii(std::uint32_t character) const noexcept {
+        return ((character < 64 ? low_ : high_) >> (character & 63U) & 1U) != 0;
     }
-    // No marker is longer.
-    [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
+    // Whether one is above a text of this first character; characters beyond ASCII may be. The text is longer than a
+    // lone one, so one of the same character is below it.
+    [[nodiscard]] bool may_be_above(std::uint32_t first) const noexcept {
+        if (beyond_ascii_) return true;
+        if (first >= 0x7f) return false;
+        const std::uint64_t above = ~std::uint64_t{0} << (first & 63U) << 1U;
+        return first < 64 ? (low_ & above) != 0 || high_ != 0 : (high_ & above) != 0;
+    }
 
   private:
-    static constexpr std::size_t longest_possible = 31;
-    [[nodiscard]] std::uint32_t find_slowly(const void* characters, std::size_t length, int width) const noexcept;
-
-    std::uint32_t lengths_ = 0;
-    std::size_t size_ = 0;
-    std::size_t longest_ = 0;
-    std::array<std::uint64_t, longest_possible + 1> firsts_{};  // by length: a bit for the first character, modulo 64
-    std::array<TextView, most_markers> texts_{};
+    std::uint64_t low_ = 0;
+    std::uint64_t high_ = 0;
+    bool beyond_ascii_ = false;
 };
 
 struct TextFacts {
@@ -149,22 +59,27 @@ struct TextFacts {
     bool reals = false;
     bool lone = false;
     bool plain = false;
-    bool second_plain = false;  // a plain text that differs from the first one
+    bool second_plain = false;       // a plain text that differs from the first one
+    bool lone_may_be_above = false;  // a lone text above a number text; where numbers matter
     std::size_t first_plain = 0;
     [[nodiscard]] bool numbers() const noexcept { return integers || reals; }
 };
 
 enum class Gathered { all, gave_up };
 
-// A walk from `row` on over the texts that are neither marker nor null. `on_text` may stop it; `row` then is where.
+// A walk from `row` on over the texts that are neither marker nor null. Those that a glance shows go to `on_short`
+// first, markers among them; it answers whether it is done with the text. `on_text` may stop the walk; `row` then is
+// where.
 enum class Step { next, stop, give_up };
 enum class Walk { ended, stopped, gave_up };
 
-template <class Cells, class OnText>
-Walk walk_from(std::size_t& row, const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnText on_text) {
+template <class Cells, class OnShort, class OnText>
+Walk walk_from(std::size_t& row, const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnShort on_short,
+               OnText on_text) {
     const std::size_t rows = cells.size();
     for (; row < rows; ++row) {
         cells.prefetch(row + prefetch_distance);
+        if (ShortText glanced{}; cells.glance(row, glanced) && on_short(glanced)) continue;
         TextView text{};
         switch (cells.read(row, text)) {
             case Cell::text:
@@ -186,11 +101,11 @@ Walk walk_from(std::size_t& row, const Cells& cells, const MarkerSet& markers, T
 }
 
 // The whole column; `on_text` gives false to give up.
-template <class Cells, class OnText>
-Gathered walk_texts(const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnText on_text) {
+template <class Cells, class OnShort, class OnText>
+Gathered walk_texts(const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnShort on_short, OnText on_text) {
     std::size_t row = 0;
     const auto step = [&](std::size_t at, TextView text) { return on_text(at, text) ? Step::next : Step::give_up; };
-    return walk_from(row, cells, markers, facts, step) == Walk::gave_up ? Gathered::gave_up : Gathered::all;
+    return walk_from(row, cells, markers, facts, on_short, step) == Walk::gave_up ? Gathered::gave_up : Gathered::all;
 }
 
 // The walk over texts whose characters do not matter: nothing but markers, nulls and lone texts is looked for. It stops
@@ -229,20 +144,45 @@ Walk skip_plain(std::size_t& row, const Cells& cells, const MarkerSet& markers, 
 template <class Cells>
 [[gnu::flatten]] Gathered gather_facts(const Cells& cells, const MarkerSet& markers, const Script& script,
                                        TextFacts& facts) {
+    constexpr std::uint32_t beyond_all = 0xffffffffU;
     TextFacts seen;
     TextView first_plain{};
+    LoneTexts lone_texts;
+    std::uint32_t least_start = beyond_all;  // of the number texts
+    bool digits = false;                     // texts of nothing else, which the least start leaves out
+    const std::size_t special = markers.longest() < 1 ? 1 : markers.longest();
+    const auto on_short = [&](ShortText text) {
+        if (text.length <= special) {
+            if (const std::uint32_t found = markers.find(text); found != 0) {
+                seen.markers |= found;
+                return true;
+            }
+        }
+        if (others_of(text) == 0) {
+            seen.integers = true;
+            digits = true;
+            return true;
+        }
+        const auto first = static_cast<std::uint8_t>(text.value());
+        if (text.length == 1 && lone_texts.has_ascii(first)) return true;
+        const TextClass text_class = classify_short(text);
+        if (text_class != TextClass::integer && text_class != TextClass::real) return false;
+        (text_class == TextClass::integer ? seen.integers : seen.reals) = true;
+        least_start = first < least_start ? first : least_start;
+        return true;
+    };
     const auto on_text = [&](std::size_t row, TextView text) {
-        seen.texts = true;
         const bool lone = text.length <= 1 && is_lone(text, script);
         seen.lone = seen.lone || lone;
-        switch (lone ? TextClass::plain : classify_text(text, script)) {
+        if (lone && text.length == 1) lone_texts.add(character(text, 0));
+        const TextClass text_class = lone ? TextClass::plain : classify_text(text, script);
+        switch (text_class) {
             case TextClass::unsettled:
                 return Step::give_up;
             case TextClass::integer:
-                seen.integers = true;
-                break;
             case TextClass::real:
-                seen.reals = true;
+                (text_class == TextClass::integer ? seen.integers : seen.reals) = true;
+                least_start = character(text, 0) < least_start ? character(text, 0) : least_start;
                 break;
             case TextClass::plain:
                 if (!seen.plain) {
@@ -260,12 +200,15 @@ template <class Cells>
     std::size_t row = 0;
     Walk walk = Walk::stopped;
     while (walk == Walk::stopped) {
-        walk = walk_from(row, cells, markers, seen, on_text);
+        walk = walk_from(row, cells, markers, seen, on_short, on_text);
         if (walk != Walk::stopped) break;
         const std::size_t skipped_from = row;
         walk = skip_plain(row, cells, markers, script, seen);
         if (walk == Walk::stopped) row = skipped_from;
     }
+    seen.texts = seen.plain || seen.numbers();
+    if (digits && least_start > '0') least_start = '0';
+    seen.lone_may_be_above = seen.numbers() && lone_texts.may_be_above(least_start);
     facts = seen;
     return walk == Walk::gave_up ? Gathered::gave_up : Gathered::all;
 }
@@ -281,33 +224,43 @@ template <class Cells>
 [[gnu::flatten]] void find_end_marker(const Cells& cells, const MarkerSet& markers, const Script& script,
                                       Ordered& least_number, Ordered& end_marker) {
     TextFacts facts;
-    const auto below = [](const Ordered& least, TextView text) {
-        return !least.found || compare(text, least.text) < 0;
-    };
-    walk_texts(cells, markers, facts, [&](std::size_t row, TextView text) {
-        if (below(least_number, text) && !(text.length <= 1 && is_lone(text, script)) &&
-            classify_text(text, script) != TextClass::plain) {
+    std::uint64_t least_order = ~std::uint64_t{0};
+    const auto is_above = [&](ShortText text) { return ascending_key(text) > least_order; };
+    walk_texts(cells, markers, facts, is_above, [&](std::size_t row, TextView text) {
+        if ((!least_number.found || compare(text, least_number.text) < 0) &&
+            !(text.length <= 1 && is_lone(text, script)) && classify_text(text, script) != TextClass::plain) {
             least_number = {true, row, text};
+            if (ShortText few{}; cells.glance(row, few)) least_order = ascending_key(few);
         }
         return true;
     });
     if (!least_number.found) return;
-    walk_texts(cells, markers, facts, [&](std::size_t row, TextView text) {
+    const auto is_long = [](ShortText text) { return text.length > 1; };
+    walk_texts(cells, markers, facts, is_long, [&](std::size_t row, TextView text) {
         if (text.length <= 1 && is_lone(text, script) && compare(text, least_number.text) > 0 &&
-            below(end_marker, text)) {
+            (!end_marker.found || compare(text, end_marker.text) < 0)) {
             end_marker = {true, row, text};
         }
         return true;
     });
 }
 
-// The texts below the end marker: which numbers occur, and the distinct plain ones. Gives up beyond `most_plain` of
-// them, before the search among them grows expensive.
+// The texts below the end marker, a single character: which numbers occur, and the distinct plain ones. Gives up beyond
+// `most_plain` of them, before the search among them grows expensive.
 template <class Cells>
 [[gnu::flatten]] Gathered gather_below(const Cells& cells, const MarkerSet& markers, const Script& script,
                                        TextView end_marker, std::size_t most_plain, TextFacts& below,
                                        std::vector<Ordered>& plain) {
-    return walk_texts(cells, markers, below, [&](std::size_t row, TextView text) {
+    const std::uint32_t end_character = character(end_marker, 0);
+    const auto on_short = [&](ShortText text) {
+        if (static_cast<std::uint8_t>(text.value()) >= end_character) return true;
+        if (markers.find(text) != 0) return true;
+        const TextClass text_class = classify_short(text);
+        if (text_class != TextClass::integer && text_class != TextClass::real) return false;
+        (text_class == TextClass::integer ? below.integers : below.reals) = true;
+        return true;
+    };
+    return walk_texts(cells, markers, below, on_short, [&](std::size_t row, TextView text) {
         if (compare(text, end_marker) >= 0) return true;
         switch (classify_text(text, script)) {
             case TextClass::unsettled:

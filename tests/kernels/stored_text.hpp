@@ -21,12 +21,13 @@ class StoredText {
   public:
     StoredText(const std::u32string& text, Stored stored) : length_(text.size()), stored_(stored) {
         // What lies before a compact text must not matter; the other storages end where the allocation does.
-        if (stored == Stored::compact) bytes_ = {'5', 0xff, '.', '1', 0x80, '7', '-', '9'};
+        if (stored == Stored::compact)
+            bytes_ = {'5', 0xff, '.', '1', 0x80, '7', '-', '9', 0, '3', 'x', ' ', '+', 0xfe, '0', '8'};
         for (const char32_t c : text) append(c);
     }
     [[nodiscard]] kernels::TextView view() const {
         if (stored_ != Stored::compact) return {bytes_.data(), length_, width()};
-        return {bytes_.data() + 8, length_, 1, std::endian::native == std::endian::little};
+        return {bytes_.data() + 16, length_, 1, std::endian::native == std::endian::little};
     }
 
   private:

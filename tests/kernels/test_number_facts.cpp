@@ -15,6 +15,7 @@
 namespace quorin::tests {
 namespace {
 
+using kernels::Instructions;
 using kernels::NumberFacts;
 
 template <class Float>
@@ -32,20 +33,25 @@ NumberFacts by_reference(const std::vector<Float>& column) {
 }
 
 template <class Float>
-NumberFacts gather(const void* data, std::ptrdiff_t stride, std::size_t rows) {
+NumberFacts gather(const void* data, std::ptrdiff_t stride, std::size_t rows, Instructions instructions) {
     const auto* bytes = static_cast<const char*>(data);
     if constexpr (std::is_same_v<Float, double>) {
-        return kernels::gather_float64(bytes, stride, rows);
+        return kernels::gather_float64(bytes, stride, rows, instructions);
     } else {
-        return kernels::gather_float32(bytes, stride, rows);
+        return kernels::gather_float32(bytes, stride, rows, instructions);
     }
 }
 
-// `expected` holds once a walk saw all; one that stops early knows what it stopped for.
-void expect(const NumberFacts& expected, const NumberFacts& found, const std::string& what) {
-    check(found.nulls == expected.nulls, what + ": nulls");
-    check(found.values == expected.values, what + ": values");
-    check(found.fractions == expected.fractions, what + ": fractions");
+template <class Float>
+void expect(const NumberFacts& expected, const void* data, std::ptrdiff_t stride, std::size_t rows,
+            const std::string& what) {
+    for (const Instructions instructions : {Instructions::baseline, Instructions::best}) {
+        const NumberFacts found = gather<Float>(data, stride, rows, instructions);
+        const std::string which = instructions == Instructions::best ? what + ", best instructions: " : what + ": ";
+        check(found.nulls == expected.nulls, which + "nulls");
+        check(found.values == expected.values, which + "values");
+        check(found.fractions == expected.fractions, which + "fractions");
+    }
 }
 
 // As they are, every third one, backwards, and one element over and over again.
@@ -54,18 +60,18 @@ void expect_in_every_layout(const std::vector<Float>& column, const std::string&
     constexpr std::ptrdiff_t size = sizeof(Float);
     const NumberFacts expected = by_reference(column);
     const std::size_t rows = column.size();
-    expect(expected, gather<Float>(column.data(), size, rows), what);
+    expect<Float>(expected, column.data(), size, rows, what);
 
     std::vector<Float> spread(rows * 3 + 1, std::numeric_limits<Float>::quiet_NaN());
     for (std::size_t row = 0; row < rows; ++row) spread[row * 3] = column[row];
-    expect(expected, gather<Float>(spread.data(), size * 3, rows), what + ", every third");
+    expect<Float>(expected, spread.data(), size * 3, rows, what + ", every third");
 
     const std::vector<Float> reversed(column.rbegin(), column.rend());
     const Float* last = reversed.data() + (rows == 0 ? 0 : rows - 1);
-    expect(expected, gather<Float>(last, -size, rows), what + ", backwards");
+    expect<Float>(expected, last, -size, rows, what + ", backwards");
 
     if (rows == 0) return;
-    expect(by_reference<Float>({column[0]}), gather<Float>(column.data(), 0, rows), what + ", the first one only");
+    expect<Float>(by_reference<Float>({column[0]}), column.data(), 0, rows, what + ", the first one only");
 }
 
 // From the number returned on, all are whole.
@@ -117,6 +123,26 @@ void each_special_value() {
     }
 }
 
+// Every length, and every place of the row that matters, up to more than two registers of the widest kind twice over;
+// from every place that memory may start at.
+template <class Float>
+void each_length_and_place() {
+    const std::array<Float, 3> matter{std::numeric_limits<Float>::quiet_NaN(), static_cast<Float>(0.5),
+                                      -std::numeric_limits<Float>::infinity()};
+    constexpr std::size_t longest = 67;
+    for (std::size_t rows = 1; rows <= longest; ++rows) {
+        for (std::size_t place = 0; place < rows; ++place) {
+            const std::size_t start = place % 8;
+            std::vector<Float> memory(start + rows, 3);
+            memory[start + place] = matter[(rows + place / 8) % matter.size()];
+            const std::vector<Float> column(memory.begin() + static_cast<std::ptrdiff_t>(start), memory.end());
+            expect<Float>(
+                by_reference(column), memory.data() + start, sizeof(Float), rows,
+                std::to_string(column[place]) + " at " + std::to_string(place) + " of " + std::to_string(rows));
+        }
+    }
+}
+
 // Elements are looked at in blocks of 1024: the row that matters stands at the ends of a block, or after one that has
 // settled a part.
 template <class Float>
@@ -153,14 +179,16 @@ void random_columns() {
 
 void no_rows() {
     const double unread = 0.5;
-    expect({}, gather<double>(&unread, 8, 0), "no rows");
-    expect({}, gather<double>(nullptr, 8, 0), "no rows and no memory");
-    expect({}, gather<float>(nullptr, 4, 0), "no rows of float32");
+    expect<double>({}, &unread, 8, 0, "no rows");
+    expect<double>({}, nullptr, 8, 0, "no rows and no memory");
+    expect<float>({}, nullptr, 4, 0, "no rows of float32");
 }
 
 const std::array tests{
     Test{"float64: each special value", each_special_value<double>},
     Test{"float32: each special value", each_special_value<float>},
+    Test{"float64: each length and place", each_length_and_place<double>},
+    Test{"float32: each length and place", each_length_and_place<float>},
     Test{"float64: around blocks", around_blocks<double>},
     Test{"float32: around blocks", around_blocks<float>},
     Test{"float64: random columns", random_columns<double>},

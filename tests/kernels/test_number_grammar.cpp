@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "harness.hpp"
-#include "kernels/text_facts.hpp"
+#include "kernels/number_text.hpp"
 #include "number_reference.hpp"
 #include "stored_text.hpp"
 
