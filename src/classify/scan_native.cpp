@@ -1,11 +1,11 @@
 // The scan over distinct values that lie in memory as texts or as plain numbers.
 #include <array>
-#include <cmath>
 #include <optional>
 #include <vector>
 
 #include "classify/scan.hpp"
 #include "columns/column.hpp"
+#include "columns/object_number.hpp"
 #include "interp/operations.hpp"
 
 namespace quorin::classify {
@@ -72,11 +72,43 @@ bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
     return true;
 }
 
+// Python's numbers and the numpy scalars that are told by the same rules; of the others it is only known that they are
+// not for this walk.
+bool walk_objects(const Column& values, const Column& counts, Seen& seen) {
+    for (std::size_t i = 0; i < values.rows; ++i) {
+        if (values.object(i) == nullptr) return false;
+        const columns::ObjectNumber number = columns::number_of(values.object(i));
+        switch (number.type) {
+            case columns::NumberType::none:
+                return false;
+            case columns::NumberType::boolean:
+                seen.count(Kind::boolean, rows_of(counts, i));
+                break;
+            case columns::NumberType::integer:
+            case columns::NumberType::large:
+                seen.count(Kind::int_num, rows_of(counts, i));
+                break;
+            case columns::NumberType::real: {
+                const Kind running = seen.running;
+                const bool whole_valued = columns::is_whole(number.real);
+                seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
+                if (running == Kind::float_num) seen.running = running;
+                break;
+            }
+        }
+    }
+    return true;
+}
+
+bool starts_with_text(const Column& values) {
+    return values.object(0) != nullptr && PyUnicode_CheckExact(values.object(0));
+}
+
 void walk_floats(const Column& values, const Column& counts, Seen& seen) {
     bool fraction_seen = false;
     for (std::size_t i = 0; i < values.rows; ++i) {
         const double value = *reinterpret_cast<const double*>(values.at(i));
-        const bool whole_valued = std::isfinite(value) && std::floor(value) == value;
+        const bool whole_valued = columns::is_whole(value);
         fraction_seen = fraction_seen || !whole_valued;
         seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
     }
@@ -90,7 +122,8 @@ void walk_alike(const Column& values, const Column& counts, Kind kind, Seen& see
 bool walk(const Column& values, const Column& counts, Seen& seen) {
     switch (values.storage) {
         case Storage::objects:
-            return walk_texts(columns::ObjectCells(values), counts, seen);
+            return starts_with_text(values) ? walk_texts(columns::ObjectCells(values), counts, seen)
+                                            : walk_objects(values, counts, seen);
         case Storage::fixed_text:
             return walk_texts(columns::FixedTextCells(values), counts, seen);
         case Storage::float64:

@@ -29,17 +29,11 @@ bool find_missing_natively(Parted& parted, Object X, Object missing_values_list)
     if (!column) return false;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
     if (!markers) return false;
-    const auto masks = columns::masks_by_value(*column, *markers);
-    if (!masks) return false;
-    Ref mask = columns::empty_mask(column->rows);
-    std::uint32_t bits = 0;
-    for (const auto& [bit, marked] : *masks) {
-        mask = columns::merged_masks(mask, marked);
-        bits |= bit;
-    }
-    parted.X_non_missing = bits == 0 ? Ref::share(X) : item(X, inverted(mask));
-    parted.cum_missing_mask_arr = std::move(mask);
-    parted.missing_reference_values_exist_list = columns::markers_of(*markers, bits);
+    std::optional<columns::MarkedRows> marked = columns::marked_rows(*column, *markers);
+    if (!marked) return false;
+    parted.X_non_missing = marked->bits == 0 ? Ref::share(X) : item(X, inverted(marked->mask));
+    parted.cum_missing_mask_arr = std::move(marked->mask);
+    parted.missing_reference_values_exist_list = columns::markers_of(*markers, marked->bits);
     return true;
 }
 

@@ -1,10 +1,13 @@
 #include "columns/distinct.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "columns/numbers.hpp"
+#include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
+#include "kernels/key_order.hpp"
 #include "kernels/number_count.hpp"
 #include "kernels/text_order.hpp"
 
@@ -12,50 +15,135 @@ namespace quorin::columns {
 
 namespace {
 
+struct Texts {
+    std::vector<kernels::TextView> texts;
+    std::vector<Distinct> entries;
+};
+
+// In the order of their first occurrence; nothing where an element is no plain text.
 template <class Cells>
-std::optional<std::vector<DistinctText>> distinct_of(const Cells& cells) {
-    std::vector<DistinctText> found;
+std::optional<Texts> distinct_texts(const Cells& cells) {
+    Texts found;
     kernels::TextTable table;
-    const auto text_of = [&](std::uint32_t number) { return found[number].text; };
+    const auto text_of = [&](std::uint32_t number) { return found.texts[number]; };
     std::uint32_t last = 0;
     for (std::size_t row = 0; row < cells.size(); ++row) {
         cells.prefetch(row + kernels::prefetch_distance);
         kernels::TextView text{};
         if (cells.read(row, text) != kernels::Cell::text) return std::nullopt;
         // Neighbours are often the same object.
-        if (!found.empty() && text.characters == found[last].text.characters) {
-            ++found[last].count;
+        if (!found.texts.empty() && text.characters == found.texts[last].characters) {
+            ++found.entries[last].count;
             continue;
         }
-        const auto next = static_cast<std::uint32_t>(found.size());
+        const auto next = static_cast<std::uint32_t>(found.texts.size());
         last = table.find_or_add(text, next, text_of);
         if (last == next) {
-            found.push_back({text, row, 1});
+            found.texts.push_back(text);
+            found.entries.push_back({row, 1});
         } else {
-            ++found[last].count;
+            ++found.entries[last].count;
         }
     }
     return found;
 }
 
-}  // namespace
-
-std::optional<std::vector<DistinctText>> distinct_texts(const Column& column) {
-    constexpr std::size_t most_rows = 0x7fffffff;
-    if (column.rows > most_rows) return std::nullopt;
-    std::optional<std::vector<DistinctText>> found =
-        column.storage == Storage::objects ? distinct_of(ObjectCells(column)) : distinct_of(FixedTextCells(column));
-    if (!found) return std::nullopt;
-    std::vector<kernels::TextView> texts;
-    texts.reserve(found->size());
-    for (const DistinctText& entry : *found) texts.push_back(entry.text);
-    std::vector<DistinctText> sorted;
-    sorted.reserve(found->size());
-    for (const std::uint32_t number : kernels::ascending(texts)) sorted.push_back((*found)[number]);
+std::vector<Distinct> ascending(const Texts& found) {
+    std::vector<Distinct> sorted;
+    sorted.reserve(found.entries.size());
+    for (const std::uint32_t number : kernels::ascending(found.texts)) sorted.push_back(found.entries[number]);
     return sorted;
 }
 
+// Whole numbers are sorted as such; beside fractions they have to be exact as 64-bit floats.
+std::optional<std::vector<Distinct>> ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
+    const bool reals = std::any_of(entries.begin(), entries.end(), [](const ObjectTally::Entry& entry) {
+        return entry.number.type == NumberType::real;
+    });
+    std::vector<kernels::Keyed> keyed;
+    keyed.reserve(entries.size());
+    for (const ObjectTally::Entry& entry : entries) {
+        const ObjectNumber& number = entry.number;
+        if (!entry.alike || number.type == NumberType::none) return std::nullopt;
+        const auto position = static_cast<std::uint32_t>(keyed.size());
+        if (!reals) {
+            keyed.push_back({kernels::key_of_whole(number.whole), position});
+        } else if (number.type == NumberType::real) {
+            keyed.push_back({kernels::key_of_real(number.real), position});
+        } else if (number.beyond_exact()) {
+            return std::nullopt;
+        } else {
+            keyed.push_back({kernels::key_of_real(static_cast<double>(number.whole)), position});
+        }
+    }
+    kernels::sort_by_key(keyed);
+    std::vector<Distinct> sorted;
+    sorted.reserve(keyed.size());
+    for (const kernels::Keyed& key : keyed) sorted.push_back({entries[key.number].row, entries[key.number].count});
+    return sorted;
+}
+
+// Whether numpy can sort what a tally holds: all texts or all numbers, nothing that has no order.
+bool sortable(const ObjectTally& tally) noexcept {
+    return !tally.nulls() && (tally.texts().empty() || tally.texts().size() == tally.entries().size());
+}
+
+std::optional<std::vector<Distinct>> ascending_objects(const Column& column) {
+    ObjectTally tally(column);
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (!tally.add(row) || !sortable(tally)) return std::nullopt;
+    }
+    if (tally.texts().empty()) return ascending_numbers(tally.entries());
+    Texts found{tally.texts(), {}};
+    for (const ObjectTally::Entry& entry : tally.entries()) {
+        if (!entry.alike) return std::nullopt;
+        found.entries.push_back({entry.row, entry.count});
+    }
+    return ascending(found);
+}
+
+// The walk goes to the end also where enough is known: what stands there may be nothing that can be sorted.
+std::optional<std::size_t> count_distinct_objects(const Column& column, std::size_t enough, bool texts) {
+    ObjectTally tally(column);
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (tally.entries().size() >= enough) {
+            PyObject* value = column.object(row);
+            if (value == nullptr) return std::nullopt;
+            if (texts ? is_plain_text(value) : is_sortable_number(value)) continue;
+            return std::nullopt;
+        }
+        if (!tally.add(row) || !sortable(tally) || tally.texts().empty() == texts) return std::nullopt;
+    }
+    return tally.entries().size();
+}
+
+// How many there can be at all.
+std::size_t possible_numbers(const Column& column) noexcept {
+    constexpr std::size_t bytes = 256;
+    if (column.storage == Storage::boolean) return 2;
+    return column.width == 1 ? bytes : column.rows;
+}
+
+}  // namespace
+
+std::optional<std::vector<Distinct>> ascending_values(const Column& column) {
+    constexpr std::size_t most_rows = 0x7fffffff;
+    if (column.rows > most_rows) return std::nullopt;
+    if (column.storage == Storage::fixed_text) {
+        const std::optional<Texts> found = distinct_texts(FixedTextCells(column));
+        return ascending(*found);
+    }
+    if (column.storage != Storage::objects) return std::nullopt;
+    PyObject* first = column.object(0);
+    if (first != nullptr && PyUnicode_CheckExact(first)) {
+        if (const std::optional<Texts> found = distinct_texts(ObjectCells(column))) return ascending(*found);
+    }
+    return ascending_objects(column);
+}
+
 std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough) {
+    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, false);
+    enough = std::min(enough, possible_numbers(column));
     kernels::NumberSet numbers(enough);
     std::size_t distinct = 0;
     const bool counted = with_number_type(column, [&](auto type) {
@@ -74,14 +162,30 @@ std::optional<std::size_t> count_distinct_numbers(const Column& column, std::siz
     return distinct;
 }
 
-Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
+std::optional<std::size_t> count_distinct_texts(const Column& column, std::size_t enough) {
+    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, true);
+    if (column.storage != Storage::fixed_text) return std::nullopt;
+    const FixedTextCells cells(column);
+    kernels::TextTable table;
+    std::vector<kernels::TextView> texts;
+    for (std::size_t row = 0; row < cells.size() && texts.size() < enough; ++row) {
+        kernels::TextView text{};
+        cells.read(row, text);
+        const auto next = static_cast<std::uint32_t>(texts.size());
+        const auto text_of = [&](std::uint32_t number) { return texts[number]; };
+        if (table.find_or_add(text, next, text_of) == next) texts.push_back(text);
+    }
+    return texts.size();
+}
+
+Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
     const npy_intp size = static_cast<npy_intp>(distinct.size());
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
     // PyArray_Empty() takes a reference over.
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
     Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
     char* out = PyArray_BYTES(as_array(array));
-    for (const DistinctText& entry : distinct) {
+    for (const Distinct& entry : distinct) {
         if (column.storage == Storage::objects) {
             PyObject*& place = *reinterpret_cast<PyObject**>(out);
             Ref::adopt(std::exchange(place, Ref::share(column.object(entry.row)).give()));
@@ -93,11 +197,11 @@ Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
     return array;
 }
 
-Ref counts_of(const std::vector<DistinctText>& distinct) {
+Ref counts_of(const std::vector<Distinct>& distinct) {
     const npy_intp size = static_cast<npy_intp>(distinct.size());
     Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
     auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    for (const DistinctText& entry : distinct) *out++ = entry.count;
+    for (const Distinct& entry : distinct) *out++ = entry.count;
     return array;
 }
 

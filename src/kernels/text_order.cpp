@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kernels/key_order.hpp"
+
 namespace quorin::kernels {
 
 namespace {
@@ -75,10 +77,6 @@ void TextTable::grow() {
 }
 
 std::vector<std::uint32_t> ascending(const std::vector<TextView>& texts) {
-    struct Keyed {
-        std::uint64_t key;
-        std::uint32_t number;
-    };
     if (texts.empty()) return {};
     const std::size_t start = common_start(texts);
     const bool narrow = std::all_of(texts.begin(), texts.end(), fits_bytes);
@@ -87,10 +85,17 @@ std::vector<std::uint32_t> ascending(const std::vector<TextView>& texts) {
     for (std::uint32_t number = 0; number < texts.size(); ++number) {
         keyed.push_back({key_of(texts[number], start, narrow), number});
     }
-    std::sort(keyed.begin(), keyed.end(), [&](const Keyed& left, const Keyed& right) {
-        if (left.key != right.key) return left.key < right.key;
-        return compare(texts[left.number], texts[right.number]) < 0;
-    });
+    sort_by_key(keyed);
+    for (auto from = keyed.begin(); from != keyed.end();) {
+        auto to = from + 1;
+        while (to != keyed.end() && to->key == from->key) ++to;
+        if (to - from > 1) {
+            std::sort(from, to, [&](const Keyed& left, const Keyed& right) {
+                return compare(texts[left.number], texts[right.number]) < 0;
+            });
+        }
+        from = to;
+    }
     std::vector<std::uint32_t> order;
     order.reserve(keyed.size());
     for (const Keyed& entry : keyed) order.push_back(entry.number);

@@ -68,20 +68,12 @@ Ref native_indicator(Object X, Object missing_values_list) {
     if (!column) return {};
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
     if (!markers) return {};
-    const auto found = columns::masks_by_value(*column, *markers);
+    const std::optional<columns::MarkedRows> found = columns::marked_rows(*column, *markers);
     if (!found) return {};
+    if (found->bits == 0) return nothing_found(found->mask);
     const Ref masks = list({});
-    std::uint32_t bits = 0;
-    for (const auto& [bit, mask] : *found) {
-        append(masks, mask);
-        bits |= bit;
-    }
-    if (bits == 0) return nothing_found(columns::empty_mask(column->rows));
-    Ref cum_missing_mask_arr = Ref::share(found->front().second);
-    for (std::size_t i = 1; i < found->size(); ++i) {
-        cum_missing_mask_arr = columns::merged_masks(cum_missing_mask_arr, (*found)[i].second);
-    }
-    return tuple({cum_missing_mask_arr, masks, columns::markers_of(*markers, bits)});
+    for (const Ref& mask : found->masks) append(masks, mask);
+    return tuple({found->mask, masks, columns::markers_of(*markers, found->bits)});
 }
 
 }  // namespace

@@ -14,15 +14,15 @@ bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// The distinct texts of a flat column, with counts if they are wanted. For other dtypes numpy's sort has no peer.
+// The distinct texts or the distinct numbers among objects, with counts if they are wanted. For columns of one dtype of
+// numbers numpy's sort has no peer.
 Ref native_unique(Object y_to_process, bool return_counts) {
     if (!originals_in_place()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y_to_process);
     if (!column) return {};
-    if (column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text) return {};
-    const auto distinct = columns::distinct_texts(*column);
+    const auto distinct = columns::ascending_values(*column);
     if (!distinct) return {};
-    Ref values = columns::texts_of(*column, *distinct);
+    Ref values = columns::values_of(*column, *distinct);
     if (!return_counts) return values;
     return tuple({values, columns::counts_of(*distinct)});
 }
@@ -76,10 +76,12 @@ array(['a', 'b'], dtype=object)
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
             y_to_process = item(y, inverted(included_mask));
         }
-        if (return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get())) {
-            if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
-        }
+        const bool plain_question =
+            return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
         const auto unique = [&] {
+            if (plain_question) {
+                if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
+            }
             return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
         };
         try {
