@@ -259,7 +259,13 @@ bool gather_objects(const Column& column, const Markers& markers, ObjectFacts& f
         PyObject* value = column.object(row);
         if (value == nullptr) return false;
         const PyTypeObject* type = Py_TYPE(value);
-        if (type == &PyLong_Type && !numbers) {
+        if (type == &PyFloat_Type && !numbers) {
+            const double real = PyFloat_AS_DOUBLE(value);
+            const bool nan = std::isnan(real);
+            facts.nan = facts.nan || nan;
+            facts.reals = facts.reals || !nan;
+            facts.fractions = facts.fractions || !(nan || is_whole(real));
+        } else if (type == &PyLong_Type && !numbers) {
             facts.integers = true;  // whatever its size
         } else if (value == Py_None) {
             facts.none = true;

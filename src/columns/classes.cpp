@@ -1,7 +1,9 @@
 #include "columns/classes.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <utility>
 
 #include "columns/membership.hpp"
 #include "columns/numbers.hpp"
@@ -94,7 +96,35 @@ std::vector<Distinct> number_classes(const Column& column, const LeftOut& equal)
     return classes;
 }
 
+// Two values, so that counting needs no search. A byte of an array of booleans may be any number but 0 for true.
+std::vector<Distinct> boolean_classes(const Column& column, const LeftOut& equal) {
+    std::array<Distinct, 2> found{};
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (equal.has(row)) continue;
+        Distinct& entry = found[load<std::uint8_t>(column, row) != 0 ? 1 : 0];
+        if (entry.count++ == 0) entry.row = row;
+    }
+    if (found[0].row > found[1].row) std::swap(found[0], found[1]);
+    std::vector<Distinct> classes;
+    for (const Distinct& entry : found) {
+        if (entry.count != 0) classes.push_back(entry);
+    }
+    return classes;
+}
+
+// As the array gives it when it is indexed; the two common types without numpy's detour.
 Ref scalar_at(const Column& column, std::size_t row) {
+    const int type = PyArray_TYPE(column.array);
+    if (type == NPY_DOUBLE) {
+        Ref scalar = Ref::take(PyDoubleArrType_Type.tp_alloc(&PyDoubleArrType_Type, 0));
+        reinterpret_cast<PyDoubleScalarObject*>(scalar.get())->obval = load<double>(column, row);
+        return scalar;
+    }
+    if (type == NPY_LONG) {
+        Ref scalar = Ref::take(PyLongArrType_Type.tp_alloc(&PyLongArrType_Type, 0));
+        reinterpret_cast<PyLongScalarObject*>(scalar.get())->obval = load<long>(column, row);
+        return scalar;
+    }
     auto* data = const_cast<char*>(column.at(row));
     return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
 }
@@ -119,6 +149,7 @@ std::optional<std::vector<Distinct>> classes_of(const Column& column, const Mark
     const LeftOut equal(std::move(mask));
     if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
     if (column.storage == Storage::fixed_text) return text_classes(column, equal);
+    if (column.storage == Storage::boolean) return boolean_classes(column, equal);
     std::vector<Distinct> classes;
     const bool counted = with_number_type(column, [&](auto type) {
         classes = number_classes<decltype(type)>(column, equal);

@@ -1,6 +1,7 @@
 #include "columns/distinct.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -20,29 +21,39 @@ struct Texts {
     std::vector<Distinct> entries;
 };
 
-// In the order of their first occurrence; nothing where an element is no plain text.
+// In the order of their first occurrence; nothing where an element is no plain text. The places in the table are asked
+// for a block of rows ahead.
 template <class Cells>
 std::optional<Texts> distinct_texts(const Cells& cells) {
+    constexpr std::size_t block = 16;
     Texts found;
     kernels::TextTable table;
     const auto text_of = [&](std::uint32_t number) { return found.texts[number]; };
     std::uint32_t last = 0;
-    for (std::size_t row = 0; row < cells.size(); ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        kernels::TextView text{};
-        if (cells.read(row, text) != kernels::Cell::text) return std::nullopt;
-        // Neighbours are often the same object.
-        if (!found.texts.empty() && text.characters == found.texts[last].characters) {
-            ++found.entries[last].count;
-            continue;
+    std::array<kernels::TextView, block> texts{};
+    std::array<std::uint64_t, block> hashes{};
+    for (std::size_t begin = 0; begin < cells.size(); begin += block) {
+        const std::size_t size = std::min(block, cells.size() - begin);
+        for (std::size_t i = 0; i < size; ++i) {
+            cells.prefetch(begin + i + kernels::prefetch_distance);
+            if (cells.read(begin + i, texts[i]) != kernels::Cell::text) return std::nullopt;
+            hashes[i] = kernels::hash_text(texts[i]);
+            table.prefetch(hashes[i]);
         }
-        const auto next = static_cast<std::uint32_t>(found.texts.size());
-        last = table.find_or_add(text, next, text_of);
-        if (last == next) {
-            found.texts.push_back(text);
-            found.entries.push_back({row, 1});
-        } else {
-            ++found.entries[last].count;
+        for (std::size_t i = 0; i < size; ++i) {
+            // Neighbours are often the same object.
+            if (!found.texts.empty() && texts[i].characters == found.texts[last].characters) {
+                ++found.entries[last].count;
+                continue;
+            }
+            const auto next = static_cast<std::uint32_t>(found.texts.size());
+            last = table.find_or_add(texts[i], hashes[i], next, text_of);
+            if (last == next) {
+                found.texts.push_back(texts[i]);
+                found.entries.push_back({begin + i, 1});
+            } else {
+                ++found.entries[last].count;
+            }
         }
     }
     return found;
@@ -185,12 +196,21 @@ Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
     Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
     char* out = PyArray_BYTES(as_array(array));
-    for (const Distinct& entry : distinct) {
+    constexpr std::size_t ahead = 16;
+    for (std::size_t i = 0; i < distinct.size(); ++i) {
+        // The elements lie anywhere; of an object the count of its references is written.
+        if (i + ahead < distinct.size()) {
+            const std::size_t row = distinct[i + ahead].row;
+            __builtin_prefetch(column.storage == Storage::objects
+                                   ? static_cast<const void*>(column.object(row))
+                                   : static_cast<const void*>(column.at(row)));
+        }
+        const std::size_t row = distinct[i].row;
         if (column.storage == Storage::objects) {
             PyObject*& place = *reinterpret_cast<PyObject**>(out);
-            Ref::adopt(std::exchange(place, Ref::share(column.object(entry.row)).give()));
+            Ref::adopt(std::exchange(place, Ref::share(column.object(row)).give()));
         } else {
-            std::memcpy(out, column.at(entry.row), column.width);
+            std::memcpy(out, column.at(row), column.width);
         }
         out += column.width;
     }

@@ -25,11 +25,18 @@ Ref native_classes(Object y, Object left_out) {
     if (!classes) return {};
     std::vector<Ref> elements = columns::elements_of(*column, *classes);
     Ref classes_list = Ref::take(PyList_New(static_cast<Py_ssize_t>(classes->size())));
+    Ref occurrences;
     for (std::size_t i = 0; i < elements.size(); ++i) {
-        Ref occurrences = Ref::take(PyFloat_FromDouble(static_cast<double>((*classes)[i].count)));
+        // Neighbours that occur equally often share the number.
+        if (i == 0 || (*classes)[i].count != (*classes)[i - 1].count) {
+            occurrences = Ref::take(PyFloat_FromDouble(static_cast<double>((*classes)[i].count)));
+        }
         PyObject* pair = Ref::take(PyTuple_New(2)).give();
         PyTuple_SET_ITEM(pair, 0, elements[i].give());
-        PyTuple_SET_ITEM(pair, 1, occurrences.give());
+        PyTuple_SET_ITEM(pair, 1, Ref::share(occurrences).give());
+        // Nothing in a pair refers to anything, so the collector would let go of it when it first looks; many pairs
+        // that it has yet to look at make it go through everything there is.
+        PyObject_GC_UnTrack(pair);
         PyList_SET_ITEM(classes_list.get(), static_cast<Py_ssize_t>(i), pair);
     }
     return classes_list;

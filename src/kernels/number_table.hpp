@@ -24,6 +24,10 @@ class NumberTable {
         return next;
     }
 
+    [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
+        __builtin_prefetch(&slots_[place_of(key)]);
+    }
+
   private:
     static constexpr std::uint32_t none = 0xffffffffU;
     static constexpr std::size_t initial_slots = 256;

@@ -41,9 +41,26 @@ bool fits_bytes(const TextView& text) noexcept {
     return all <= 0xffU;
 }
 
+std::uint64_t key_of_bytes(const unsigned char* bytes, std::size_t length, std::size_t start) noexcept {
+    if (start >= length) return 0;
+    const std::size_t left = length - start;
+    std::uint64_t key = 0;
+    if (left >= 8) {
+        key = load(bytes + start, 8);
+    } else if (length >= 8) {
+        key = load(bytes + length - 8, 8) >> (64 - 8 * left);
+    } else {
+        for (std::size_t i = 0; i < left; ++i) key |= static_cast<std::uint64_t>(bytes[start + i]) << (8 * i);
+    }
+    return __builtin_bswap64(key);
+}
+
 // The characters from `start` on as one number that sorts as they do: eight of a byte each or two of four bytes. A text
 // that ends is filled up with zeros, so equal keys settle nothing.
 std::uint64_t key_of(TextView text, std::size_t start, bool narrow) noexcept {
+    if (narrow && text.width == 1) {
+        return key_of_bytes(static_cast<const unsigned char*>(text.characters), text.length, start);
+    }
     const std::size_t characters = narrow ? 8 : 2;
     const unsigned bits = narrow ? 8 : 32;
     std::uint64_t key = 0;
@@ -65,7 +82,8 @@ std::uint64_t hash_text(TextView text) noexcept {
 }
 
 void TextTable::grow() {
-    std::vector<Slot> old(slots_.size() * 2, empty);
+    constexpr std::size_t factor = 4;
+    std::vector<Slot> old(slots_.size() * factor, empty);
     old.swap(slots_);
     for (const Slot& entry : old) {
         if (entry.number == none) continue;

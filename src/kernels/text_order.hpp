@@ -19,7 +19,11 @@ class TextTable {
     // The number under which an equal text stands, or `next`, under which this one stands from now on.
     template <class TextOf>
     std::uint32_t find_or_add(TextView text, std::uint32_t next, TextOf text_of) {
-        const std::uint64_t hash = hash_text(text);
+        return find_or_add(text, hash_text(text), next, text_of);
+    }
+    // The same where the hash is known; prefetch() has had the time to bring the place near.
+    template <class TextOf>
+    std::uint32_t find_or_add(TextView text, std::uint64_t hash, std::uint32_t next, TextOf text_of) {
         std::size_t slot = hash & (slots_.size() - 1);
         while (slots_[slot].number != none) {
             if (slots_[slot].hash == static_cast<std::uint32_t>(hash >> 32U) &&
@@ -32,6 +36,10 @@ class TextTable {
         low_bits_.push_back(static_cast<std::uint32_t>(hash));
         if (2 * low_bits_.size() > slots_.size()) grow();
         return next;
+    }
+
+    [[gnu::always_inline]] void prefetch(std::uint64_t hash) const noexcept {
+        __builtin_prefetch(&slots_[hash & (slots_.size() - 1)]);
     }
 
   private:
