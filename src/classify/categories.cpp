@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -14,30 +16,65 @@ namespace quorin::classify {
 
 namespace {
 
+// What ASCII needs no look-up in the interpreter's tables for.
+constexpr std::size_t ascii = 128;
+constexpr std::array<bool, ascii> ascii_space = [] {
+    std::array<bool, ascii> space{};
+    for (const char c : std::string_view{"\t\n\v\f\r\x1c\x1d\x1e\x1f "}) space[static_cast<std::size_t>(c)] = true;
+    return space;
+}();
+constexpr std::array<bool, ascii> ascii_alphanumeric = [] {
+    std::array<bool, ascii> alphanumeric{};
+    for (std::size_t c = 0; c < ascii; ++c) {
+        alphanumeric[c] = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    }
+    return alphanumeric;
+}();
+
+bool is_space(Py_UCS4 character) {
+    return character < ascii ? ascii_space[character] : Py_UNICODE_ISSPACE(character) != 0;
+}
+
+bool is_alphanumeric(kernels::TextView text) {
+    for (std::size_t i = 0; i < text.length; ++i) {
+        const Py_UCS4 character = kernels::character(text, i);
+        if (character < ascii ? !ascii_alphanumeric[character] : !columns::script.is_alphanumeric(character)) {
+            return false;
+        }
+    }
+    return text.length != 0;
+}
+
 // The characters of a text that are no white space; the text itself where all of them are.
 Ref without_space(PyObject* label, kernels::TextView text) {
+    if (text.compact) {
+        const auto* from = static_cast<const std::uint8_t*>(text.characters);
+        const auto spaces = std::count_if(from, from + text.length, [](std::uint8_t c) { return ascii_space[c]; });
+        if (spaces == 0) return Ref::share(label);
+        const auto left = static_cast<Py_ssize_t>(text.length) - spaces;
+        if (left > 1) {
+            Ref compressed = Ref::take(PyUnicode_New(left, ascii - 1));
+            auto* to = reinterpret_cast<std::uint8_t*>(compressed.get()) + sizeof(PyASCIIObject);
+            std::copy_if(from, from + text.length, to, [](std::uint8_t c) { return !ascii_space[c]; });
+            return compressed;
+        }
+    }
     std::vector<Py_UCS4> kept;
     kept.reserve(text.length);
     for (std::size_t i = 0; i < text.length; ++i) {
         const Py_UCS4 character = kernels::character(text, i);
-        if (!Py_UNICODE_ISSPACE(character)) kept.push_back(character);
+        if (!is_space(character)) kept.push_back(character);
     }
     if (kept.size() == text.length) return Ref::share(label);
     return Ref::take(
         PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, kept.data(), static_cast<Py_ssize_t>(kept.size())));
 }
 
-bool is_alphanumeric(kernels::TextView text) {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (!columns::script.is_alphanumeric(kernels::character(text, i))) return false;
-    }
-    return text.length != 0;
-}
-
 // Labels of an array of objects, each of them an exact str.
 void compress_objects(const columns::Column& labels, const columns::Markers& missing) {
     const columns::ObjectCells cells(labels);
     for (std::size_t row = 0; row < labels.rows; ++row) {
+        cells.prefetch(row + kernels::prefetch_distance);
         kernels::TextView text{};
         if (cells.read(row, text) != kernels::Cell::text) continue;
         if (is_alphanumeric(text) || missing.texts.find(text) != 0) continue;
@@ -58,14 +95,15 @@ void compress_fixed(const columns::Column& labels, const columns::Markers& missi
         if (is_alphanumeric(text) || missing.texts.find(text) != 0) continue;
         auto* label = reinterpret_cast<Py_UCS4*>(PyArray_BYTES(labels.array) +
                                                  static_cast<std::ptrdiff_t>(row) * labels.stride);
-        Py_UCS4* const end =
-            std::remove_if(label, label + text.length, [](Py_UCS4 c) { return Py_UNICODE_ISSPACE(c) != 0; });
+        Py_UCS4* const end = std::remove_if(label, label + text.length, is_space);
         std::fill(end, label + width, 0);
     }
 }
 
 bool all_plain_texts(const columns::Column& labels) {
+    const columns::ObjectCells cells(labels);
     for (std::size_t row = 0; row < labels.rows; ++row) {
+        cells.prefetch(row + kernels::prefetch_distance);
         if (labels.object(row) == nullptr || !PyUnicode_CheckExact(labels.object(row))) return false;
     }
     return true;

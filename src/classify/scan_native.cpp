@@ -48,6 +48,7 @@ npy_intp rows_of(const Column& counts, std::size_t i) {
 template <class Cells>
 bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells.prefetch(i + kernels::prefetch_distance);
         kernels::TextView text{};
         if (cells.read(i, text) != kernels::Cell::text) return false;
         if (seen.end_marker) continue;  // only its kind matters
@@ -75,7 +76,9 @@ bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
 // Python's numbers and the numpy scalars that are told by the same rules; of the others it is only known that they are
 // not for this walk.
 bool walk_objects(const Column& values, const Column& counts, Seen& seen) {
+    const columns::ObjectCells cells(values);
     for (std::size_t i = 0; i < values.rows; ++i) {
+        cells.prefetch(i + kernels::prefetch_distance);
         if (values.object(i) == nullptr) return false;
         const columns::ObjectNumber number = columns::number_of(values.object(i));
         switch (number.type) {

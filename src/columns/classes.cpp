@@ -5,12 +5,12 @@
 #include <cmath>
 #include <utility>
 
+#include "columns/distinct_texts.hpp"
 #include "columns/membership.hpp"
 #include "columns/numbers.hpp"
 #include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
 #include "kernels/number_count.hpp"
-#include "kernels/text_order.hpp"
 
 namespace quorin::columns {
 
@@ -30,11 +30,18 @@ class LeftOut {
 
 std::optional<std::vector<Distinct>> object_classes(const Column& column, const LeftOut& equal,
                                                     const std::vector<PyObject*>& nulls) {
+    const auto skip = [&](std::size_t row) {
+        if (equal.has(row)) return true;
+        return !nulls.empty() && std::find(nulls.begin(), nulls.end(), column.object(row)) != nulls.end();
+    };
+    std::size_t first = 0;
+    while (first < column.rows && skip(first)) ++first;
+    if (first < column.rows && column.object(first) != nullptr && PyUnicode_CheckExact(column.object(first))) {
+        if (std::optional<Texts> found = distinct_texts(ObjectCells(column), skip)) return std::move(found->entries);
+    }
     ObjectTally tally(column);
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (equal.has(row)) continue;
-        if (!nulls.empty() && std::find(nulls.begin(), nulls.end(), column.object(row)) != nulls.end()) continue;
-        if (!tally.add(row)) return std::nullopt;
+    for (std::size_t row = first; row < column.rows; ++row) {
+        if (!skip(row) && !tally.add(row)) return std::nullopt;
     }
     std::vector<Distinct> classes;
     classes.reserve(tally.entries().size());
@@ -42,29 +49,15 @@ std::optional<std::vector<Distinct>> object_classes(const Column& column, const 
     return classes;
 }
 
-std::vector<Distinct> text_classes(const Column& column, const LeftOut& equal) {
-    const FixedTextCells cells(column);
-    std::vector<Distinct> classes;
-    std::vector<kernels::TextView> texts;
-    kernels::TextTable table;
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (equal.has(row)) continue;
-        kernels::TextView text{};
-        cells.read(row, text);
-        const auto next = static_cast<std::uint32_t>(texts.size());
-        const std::uint32_t found =
-            table.find_or_add(text, next, [&](std::uint32_t number) { return texts[number]; });
-        if (found == next) {
-            texts.push_back(text);
-            classes.push_back({row, 0});
-        }
-        ++classes[found].count;
-    }
-    return classes;
+template <class Number>
+std::uint64_t key_of(Number value) noexcept {
+    if constexpr (std::is_floating_point_v<Number>) return kernels::pattern_of(static_cast<double>(value));
+    return static_cast<std::uint64_t>(value);
 }
 
 template <class Number>
 std::vector<Distinct> number_classes(const Column& column, const LeftOut& equal) {
+    constexpr std::size_t ahead = 16;
     std::vector<Distinct> classes;
     kernels::NumberTable table;
     std::uint64_t last_key = 0;
@@ -72,18 +65,16 @@ std::vector<Distinct> number_classes(const Column& column, const LeftOut& equal)
     bool any = false;
     for (std::size_t row = 0; row < column.rows; ++row) {
         if (equal.has(row)) continue;
+        if (row + ahead < column.rows) table.prefetch(key_of(load<Number>(column, row + ahead)));
         const Number value = load<Number>(column, row);
         const auto next = static_cast<std::uint32_t>(classes.size());
-        std::uint64_t key = 0;
         if constexpr (std::is_floating_point_v<Number>) {
             if (std::isnan(value)) {
                 classes.push_back({row, 1});
                 continue;
             }
-            key = kernels::pattern_of(static_cast<double>(value));
-        } else {
-            key = static_cast<std::uint64_t>(value);
         }
+        const std::uint64_t key = key_of(value);
         // Runs of one value need no search.
         if (!any || key != last_key) {
             last = table.find_or_add(key, next);
@@ -125,6 +116,15 @@ Ref scalar_at(const Column& column, std::size_t row) {
         reinterpret_cast<PyLongScalarObject*>(scalar.get())->obval = load<long>(column, row);
         return scalar;
     }
+    if (type == NPY_UNICODE) {
+        // An element of fixed-width text is a str by its base, which makes it of the type asked for.
+        kernels::TextView text{};
+        FixedTextCells(column).read(row, text);
+        const Ref plain = Ref::take(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.characters,
+                                                              static_cast<Py_ssize_t>(text.length)));
+        const Ref arguments = Ref::take(PyTuple_Pack(1, plain.get()));
+        return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
+    }
     auto* data = const_cast<char*>(column.at(row));
     return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
 }
@@ -148,7 +148,9 @@ std::optional<std::vector<Distinct>> classes_of(const Column& column, const Mark
     }
     const LeftOut equal(std::move(mask));
     if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
-    if (column.storage == Storage::fixed_text) return text_classes(column, equal);
+    if (column.storage == Storage::fixed_text) {
+        return distinct_texts(FixedTextCells(column), [&](std::size_t row) { return equal.has(row); })->entries;
+    }
     if (column.storage == Storage::boolean) return boolean_classes(column, equal);
     std::vector<Distinct> classes;
     const bool counted = with_number_type(column, [&](auto type) {

@@ -1,10 +1,10 @@
 #include "columns/distinct.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <utility>
 
+#include "columns/distinct_texts.hpp"
 #include "columns/numbers.hpp"
 #include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
@@ -16,48 +16,7 @@ namespace quorin::columns {
 
 namespace {
 
-struct Texts {
-    std::vector<kernels::TextView> texts;
-    std::vector<Distinct> entries;
-};
-
-// In the order of their first occurrence; nothing where an element is no plain text. The places in the table are asked
-// for a block of rows ahead.
-template <class Cells>
-std::optional<Texts> distinct_texts(const Cells& cells) {
-    constexpr std::size_t block = 16;
-    Texts found;
-    kernels::TextTable table;
-    const auto text_of = [&](std::uint32_t number) { return found.texts[number]; };
-    std::uint32_t last = 0;
-    std::array<kernels::TextView, block> texts{};
-    std::array<std::uint64_t, block> hashes{};
-    for (std::size_t begin = 0; begin < cells.size(); begin += block) {
-        const std::size_t size = std::min(block, cells.size() - begin);
-        for (std::size_t i = 0; i < size; ++i) {
-            cells.prefetch(begin + i + kernels::prefetch_distance);
-            if (cells.read(begin + i, texts[i]) != kernels::Cell::text) return std::nullopt;
-            hashes[i] = kernels::hash_text(texts[i]);
-            table.prefetch(hashes[i]);
-        }
-        for (std::size_t i = 0; i < size; ++i) {
-            // Neighbours are often the same object.
-            if (!found.texts.empty() && texts[i].characters == found.texts[last].characters) {
-                ++found.entries[last].count;
-                continue;
-            }
-            const auto next = static_cast<std::uint32_t>(found.texts.size());
-            last = table.find_or_add(texts[i], hashes[i], next, text_of);
-            if (last == next) {
-                found.texts.push_back(texts[i]);
-                found.entries.push_back({begin + i, 1});
-            } else {
-                ++found.entries[last].count;
-            }
-        }
-    }
-    return found;
-}
+constexpr auto no_row = [](std::size_t) { return false; };
 
 std::vector<Distinct> ascending(const Texts& found) {
     std::vector<Distinct> sorted;
@@ -141,13 +100,13 @@ std::optional<std::vector<Distinct>> ascending_values(const Column& column) {
     constexpr std::size_t most_rows = 0x7fffffff;
     if (column.rows > most_rows) return std::nullopt;
     if (column.storage == Storage::fixed_text) {
-        const std::optional<Texts> found = distinct_texts(FixedTextCells(column));
+        const std::optional<Texts> found = distinct_texts(FixedTextCells(column), no_row);
         return ascending(*found);
     }
     if (column.storage != Storage::objects) return std::nullopt;
     PyObject* first = column.object(0);
     if (first != nullptr && PyUnicode_CheckExact(first)) {
-        if (const std::optional<Texts> found = distinct_texts(ObjectCells(column))) return ascending(*found);
+        if (const std::optional<Texts> found = distinct_texts(ObjectCells(column), no_row)) return ascending(*found);
     }
     return ascending_objects(column);
 }
