@@ -93,8 +93,8 @@ void compress_fixed(const columns::Column& labels, const columns::Markers& missi
         kernels::TextView text{};
         cells.read(row, text);
         if (is_alphanumeric(text) || missing.texts.find(text) != 0) continue;
-        auto* label = reinterpret_cast<Py_UCS4*>(PyArray_BYTES(labels.array) +
-                                                 static_cast<std::ptrdiff_t>(row) * labels.stride);
+        auto* label =
+            reinterpret_cast<Py_UCS4*>(PyArray_BYTES(labels.array) + static_cast<std::ptrdiff_t>(row) * labels.stride);
         Py_UCS4* const end = std::remove_if(label, label + text.length, is_space);
         std::fill(end, label + width, 0);
     }

@@ -19,8 +19,7 @@ namespace {
 // Rows that are left out by equality; none where there is no mask.
 class LeftOut {
   public:
-    explicit LeftOut(Ref mask)
-        : mask_(std::move(mask)), marked_(mask_ ? PyArray_BYTES(as_array(mask_)) : nullptr) {}
+    explicit LeftOut(Ref mask) : mask_(std::move(mask)), marked_(mask_ ? PyArray_BYTES(as_array(mask_)) : nullptr) {}
     [[nodiscard]] bool has(std::size_t row) const noexcept { return marked_ != nullptr && marked_[row] != 0; }
 
   private:
@@ -120,8 +119,8 @@ Ref scalar_at(const Column& column, std::size_t row) {
         // An element of fixed-width text is a str by its base, which makes it of the type asked for.
         kernels::TextView text{};
         FixedTextCells(column).read(row, text);
-        const Ref plain = Ref::take(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.characters,
-                                                              static_cast<Py_ssize_t>(text.length)));
+        const Ref plain = Ref::take(
+            PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.characters, static_cast<Py_ssize_t>(text.length)));
         const Ref arguments = Ref::take(PyTuple_Pack(1, plain.get()));
         return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
     }

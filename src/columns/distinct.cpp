@@ -160,9 +160,8 @@ Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
         // The elements lie anywhere; of an object the count of its references is written.
         if (i + ahead < distinct.size()) {
             const std::size_t row = distinct[i + ahead].row;
-            __builtin_prefetch(column.storage == Storage::objects
-                                   ? static_cast<const void*>(column.object(row))
-                                   : static_cast<const void*>(column.at(row)));
+            __builtin_prefetch(column.storage == Storage::objects ? static_cast<const void*>(column.object(row))
+                                                                  : static_cast<const void*>(column.at(row)));
         }
         const std::size_t row = distinct[i].row;
         if (column.storage == Storage::objects) {

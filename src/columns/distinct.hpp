@@ -14,9 +14,9 @@ struct Distinct {
     npy_intp count;
 };
 
-// Ascending, as numpy.unique() gives them, for texts, and for numbers in an array of objects. Hashed first, so that only
-// the distinct values are sorted. Nothing where numpy's sort would fail or would be free to choose among values that are
-// equal and yet not the same: 1, 1.0 and True; 0.0 and -0.0.
+// Ascending, as numpy.unique() gives them, for texts, and for numbers in an array of objects. Hashed first, so that
+// only the distinct values are sorted. Nothing where numpy's sort would fail or would be free to choose among values
+// that are equal and yet not the same: 1, 1.0 and True; 0.0 and -0.0.
 std::optional<std::vector<Distinct>> ascending_values(const Column& column);
 
 // Arrays of these values, of the column's dtype, and of their counts.

@@ -16,8 +16,8 @@ struct Texts {
     std::vector<Distinct> entries;
 };
 
-// Without the rows that are skipped; nothing where any other element is no plain text. The places in the table are asked
-// for a block of rows ahead.
+// Without the rows that are skipped; nothing where any other element is no plain text. The places in the table are
+// asked for a block of rows ahead.
 template <class Cells, class Skip>
 std::optional<Texts> distinct_texts(const Cells& cells, Skip skip) {
     constexpr std::size_t block = 16;

@@ -154,8 +154,7 @@ bool is_float(const Column& column) noexcept {
 std::pair<Ref, bool> null_mask(const Column& column) {
     const npy_intp shape = static_cast<npy_intp>(column.rows);
     Ref mask = Ref::take(PyArray_SimpleNew(1, &shape, NPY_BOOL));
-    const auto mark =
-        column.storage == Storage::float64 ? kernels::mark_nulls_float64 : kernels::mark_nulls_float32;
+    const auto mark = column.storage == Storage::float64 ? kernels::mark_nulls_float64 : kernels::mark_nulls_float32;
     const bool any = mark(column.data, column.stride, column.rows, bytes_of(mask));
     return {std::move(mask), any};
 }

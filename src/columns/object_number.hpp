@@ -42,9 +42,12 @@ inline ObjectNumber number_of(PyObject* value) noexcept {
         return {overflow == 0 ? NumberType::integer : NumberType::large, false, whole, 0};
     }
     if (type == &PyBool_Type) return {NumberType::boolean, false, value == Py_True ? 1 : 0, 0};
-    if (type == &PyDoubleArrType_Type) return {NumberType::real, true, 0, reinterpret_cast<PyDoubleScalarObject*>(value)->obval};
-    if (type == &PyLongArrType_Type) return {NumberType::integer, true, reinterpret_cast<PyLongScalarObject*>(value)->obval, 0};
-    if (type == &PyBoolArrType_Type) return {NumberType::boolean, true, reinterpret_cast<PyBoolScalarObject*>(value)->obval != 0, 0};
+    if (type == &PyDoubleArrType_Type)
+        return {NumberType::real, true, 0, reinterpret_cast<PyDoubleScalarObject*>(value)->obval};
+    if (type == &PyLongArrType_Type)
+        return {NumberType::integer, true, reinterpret_cast<PyLongScalarObject*>(value)->obval, 0};
+    if (type == &PyBoolArrType_Type)
+        return {NumberType::boolean, true, reinterpret_cast<PyBoolScalarObject*>(value)->obval != 0, 0};
     return {};
 }
 

@@ -11,7 +11,8 @@ namespace {
 constexpr double beyond_64_bits = 9223372036854775808.0;
 
 bool told_apart(const ObjectNumber& left, const ObjectNumber& right) noexcept {
-    return left.type != right.type || left.scalar != right.scalar || std::signbit(left.real) != std::signbit(right.real);
+    return left.type != right.type || left.scalar != right.scalar ||
+           std::signbit(left.real) != std::signbit(right.real);
 }
 
 }  // namespace
