@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -20,7 +21,7 @@ namespace {
 constexpr std::size_t ascii = 128;
 constexpr std::array<bool, ascii> ascii_space = [] {
     std::array<bool, ascii> space{};
-    for (const char c : std::string_view{"\t\n\v\f\r\x1c\x1d\x1e\x1f "}) space[static_cast<std::size_t>(c)] = true;
+    for (const char c : std::string_view{"\t\n\v\f\r\x1c\x1d\x1e\x1f "}) space[static_cast<unsigned char>(c)] = true;
     return space;
 }();
 constexpr std::array<bool, ascii> ascii_alphanumeric = [] {
@@ -36,6 +37,11 @@ bool is_space(Py_UCS4 character) {
 }
 
 bool is_alphanumeric(kernels::TextView text) {
+    if (text.compact) {
+        const auto* characters = static_cast<const std::uint8_t*>(text.characters);
+        return text.length != 0 &&
+               std::all_of(characters, characters + text.length, [](std::uint8_t c) { return ascii_alphanumeric[c]; });
+    }
     for (std::size_t i = 0; i < text.length; ++i) {
         const Py_UCS4 character = kernels::character(text, i);
         if (character < ascii ? !ascii_alphanumeric[character] : !columns::script.is_alphanumeric(character)) {
@@ -47,15 +53,20 @@ bool is_alphanumeric(kernels::TextView text) {
 
 // The characters of a text that are no white space; the text itself where all of them are.
 Ref without_space(PyObject* label, kernels::TextView text) {
-    if (text.compact) {
+    constexpr std::size_t short_label = 64;
+    if (text.compact && text.length <= short_label) {
         const auto* from = static_cast<const std::uint8_t*>(text.characters);
-        const auto spaces = std::count_if(from, from + text.length, [](std::uint8_t c) { return ascii_space[c]; });
-        if (spaces == 0) return Ref::share(label);
-        const auto left = static_cast<Py_ssize_t>(text.length) - spaces;
-        if (left > 1) {
-            Ref compressed = Ref::take(PyUnicode_New(left, ascii - 1));
-            auto* to = reinterpret_cast<std::uint8_t*>(compressed.get()) + sizeof(PyASCIIObject);
-            std::copy_if(from, from + text.length, to, [](std::uint8_t c) { return !ascii_space[c]; });
+        std::array<std::uint8_t, short_label> kept;
+        std::size_t size = 0;
+        for (std::size_t i = 0; i < text.length; ++i) {
+            kept[size] = from[i];
+            size += static_cast<std::size_t>(!ascii_space[from[i]]);
+        }
+        if (size == text.length) return Ref::share(label);
+        // The interpreter keeps the texts of no or one character.
+        if (size > 1) {
+            Ref compressed = Ref::take(PyUnicode_New(static_cast<Py_ssize_t>(size), ascii - 1));
+            std::memcpy(reinterpret_cast<char*>(compressed.get()) + sizeof(PyASCIIObject), kept.data(), size);
             return compressed;
         }
     }

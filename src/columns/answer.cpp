@@ -72,7 +72,7 @@ void append_plain(Object misslist, const Texts& texts, const std::vector<Ordered
 class CellsBesideNumbers {
   public:
     CellsBesideNumbers(const Column& column, const Markers& markers)
-        : column_(column), cells_(column), markers_(markers) {}
+        : column_(column), cells_(column), markers_(&markers) {}
     [[nodiscard]] std::size_t size() const noexcept { return cells_.size(); }
     void prefetch(std::size_t row) const noexcept { cells_.prefetch(row); }
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
@@ -86,7 +86,7 @@ class CellsBesideNumbers {
         if (value == nullptr) return cell;
         const ObjectNumber number = number_of(value);
         if (number.type == NumberType::none || number.scalar) return cell;
-        const std::uint32_t bits = markers_.bits_of_object(number).value_or(0);
+        const std::uint32_t bits = markers_->bits_of_object(number).value_or(0);
         number_bits_ |= bits;
         return bits != 0 ? kernels::Cell::null : cell;
     }
@@ -96,7 +96,7 @@ class CellsBesideNumbers {
   private:
     Column column_;
     ObjectCells cells_;
-    const Markers& markers_;
+    const Markers* markers_;
     mutable bool nulls_ = false;
     mutable std::uint32_t number_bits_ = 0;
 };

@@ -148,7 +148,10 @@ std::optional<std::vector<Distinct>> classes_of(const Column& column, const Mark
     const LeftOut equal(std::move(mask));
     if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
     if (column.storage == Storage::fixed_text) {
-        return distinct_texts(FixedTextCells(column), [&](std::size_t row) { return equal.has(row); })->entries;
+        const auto skip = [&](std::size_t row) { return equal.has(row); };
+        std::optional<Texts> found = distinct_texts(FixedTextCells(column), skip);
+        if (found) return std::move(found->entries);
+        return std::nullopt;
     }
     if (column.storage == Storage::boolean) return boolean_classes(column, equal);
     std::vector<Distinct> classes;

@@ -101,7 +101,8 @@ std::optional<std::vector<Distinct>> ascending_values(const Column& column) {
     if (column.rows > most_rows) return std::nullopt;
     if (column.storage == Storage::fixed_text) {
         const std::optional<Texts> found = distinct_texts(FixedTextCells(column), no_row);
-        return ascending(*found);
+        if (found) return ascending(*found);
+        return std::nullopt;
     }
     if (column.storage != Storage::objects) return std::nullopt;
     PyObject* first = column.object(0);

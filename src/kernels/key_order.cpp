@@ -22,8 +22,9 @@ std::size_t digit_of(std::uint64_t key, std::size_t place) noexcept {
 void sort_by_key(std::vector<Keyed>& entries) {
     constexpr std::size_t few = 512;
     if (entries.size() < few) {
-        std::stable_sort(entries.begin(), entries.end(),
-                         [](const Keyed& left, const Keyed& right) { return left.key < right.key; });
+        std::sort(entries.begin(), entries.end(), [](const Keyed& left, const Keyed& right) {
+            return left.key != right.key ? left.key < right.key : left.number < right.number;
+        });
         return;
     }
     std::array<Histogram, digits> histograms{};

@@ -12,7 +12,7 @@ struct Keyed {
     std::uint32_t number;
 };
 
-// Ascending by key; equal keys stay in the order in which they came.
+// Ascending by key. The numbers come ascending, and stay so where keys are equal.
 void sort_by_key(std::vector<Keyed>& entries);
 
 // Keys that sort as the numbers do. No NaN; 0.0 and -0.0 share one.

@@ -1,3 +1,6 @@
+#include <cstring>
+#include <optional>
+
 #include "columns/distinct.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
@@ -25,6 +28,17 @@ Ref native_unique(Object y_to_process, bool return_counts) {
     Ref values = columns::values_of(*column, *distinct);
     if (!return_counts) return values;
     return tuple({values, columns::counts_of(*distinct)});
+}
+
+// Whether no row of a column without objects is marked, so that numpy.unique(), which writes nowhere, may have the
+// column itself in place of a copy.
+bool all_rows_included(Object y, Object included_mask) {
+    if (!originals_in_place()) return false;
+    const std::optional<columns::Column> column = columns::flat_column(y);
+    if (!column || column->storage == columns::Storage::objects) return false;
+    const std::optional<columns::Column> mask = columns::flat_column(included_mask, columns::Storage::boolean);
+    if (!mask || mask->rows != column->rows || mask->stride != 1) return false;
+    return std::memchr(mask->data, 1, mask->rows) == nullptr;
 }
 
 }  // namespace
@@ -74,7 +88,7 @@ array(['a', 'b'], dtype=object)
         Ref y_to_process = Ref::share(y);
         if (truth(exclusion_list)) {
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
-            y_to_process = item(y, inverted(included_mask));
+            if (!all_rows_included(y, included_mask)) y_to_process = item(y, inverted(included_mask));
         }
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
