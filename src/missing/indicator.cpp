@@ -50,6 +50,15 @@ Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
 
+// list(mask) of an all-false mask.
+Ref all_false(std::size_t rows) {
+    Ref values = Ref::take(PyList_New(static_cast<Py_ssize_t>(rows)));
+    for (std::size_t row = 0; row < rows; ++row) {
+        PyList_SET_ITEM(values.get(), static_cast<Py_ssize_t>(row), Ref::share(PyArrayScalar_False).give());
+    }
+    return values;
+}
+
 // The first mask itself where it is the only one.
 Ref cumulated(Object masks) {
     Ref cum_missing_mask_arr;
@@ -70,7 +79,7 @@ Ref native_indicator(Object X, Object missing_values_list) {
     if (!markers) return {};
     const std::optional<columns::MarkedRows> found = columns::marked_rows(*column, *markers);
     if (!found) return {};
-    if (found->bits == 0) return nothing_found(found->mask);
+    if (found->bits == 0) return tuple({found->mask, all_false(column->rows), list({})});
     const Ref masks = list({});
     for (const Ref& mask : found->masks) append(masks, mask);
     return tuple({found->mask, masks, columns::markers_of(*markers, found->bits)});

@@ -76,7 +76,7 @@ INTEGER_DTYPES = ["O", "i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8", "f8", "M8
 FLOAT_DTYPES = ["O", "f8", "f8", "f4", "f8", "f2", "g", "c16"]
 # Text markers, nulls and a number that is none, as they stand among numbers.
 MARKING: List[Any] = ["?", "", "-", None, np.nan, -999]
-# Scalars of numpy that equal, hash and sort as Python's own numbers do, and some at the edge of that.
+# Scalars of numpy that equal, hash and sort as Python's own numbers do, some just so.
 AGREEING: List[Any] = [
     np.float64(1.0), np.float64(2.5), np.float64(-0.0), np.float64(2.0**53), np.int64(1),
     np.int64(2), np.int64(2**53), np.int64(2**53 + 1), np.bool_(True), np.bool_(False),

@@ -287,7 +287,9 @@ number_markers = st.lists(
     min_size=1,
     max_size=4,
 )
-route_markers = st.one_of(plain_markers, number_markers, plain_markers, st.just(["?", "", "-", np.nan]), markers)
+route_markers = st.one_of(
+    plain_markers, number_markers, plain_markers, st.just(["?", "", "-", np.nan]), markers
+)
 
 
 def cases(kinds: Any = None, lengths: Any = LENGTHS) -> Any:

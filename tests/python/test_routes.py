@@ -178,9 +178,7 @@ def test_numbers_as_objects(case, by, stats):
     compare_routes("FCplus.is_column_categorical", by, (X, values))
 
 
-@property_test(
-    weight=2, case=cases(), by=names_for("FCplus.is_column_categorical_mult_cats")
-)
+@property_test(weight=2, case=cases(), by=names_for("FCplus.is_column_categorical_mult_cats"))
 def test_several_categories(case, by):
     compare_routes("FCplus.is_column_categorical_mult_cats", by, case)
 
