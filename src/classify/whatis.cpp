@@ -2,6 +2,7 @@
 #include "classify/progress.hpp"
 #include "classify/verdict.hpp"
 #include "columns/answer.hpp"
+#include "columns/kept.hpp"
 #include "columns/membership.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -31,7 +32,16 @@ bool find_missing_natively(Parted& parted, Object X, Object missing_values_list)
     if (!markers) return false;
     std::optional<columns::MarkedRows> marked = columns::marked_rows(*column, *markers);
     if (!marked) return false;
-    parted.X_non_missing = marked->bits == 0 ? Ref::share(X) : item(X, inverted(marked->mask));
+    const bool numbers =
+        column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text;
+    if (marked->bits == 0) {
+        parted.X_non_missing = Ref::share(X);
+    } else if (numbers) {
+        const char* mask = PyArray_BYTES(as_array(marked->mask));
+        parted.X_non_missing = columns::rows_without(*column, reinterpret_cast<const std::uint8_t*>(mask));
+    } else {
+        parted.X_non_missing = item(X, inverted(marked->mask));
+    }
     parted.cum_missing_mask_arr = std::move(marked->mask);
     parted.missing_reference_values_exist_list = columns::markers_of(*markers, marked->bits);
     return true;

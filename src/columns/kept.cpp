@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 
+#include "columns/numbers.hpp"
 #include "interp/errors.hpp"
 
 namespace quorin::columns {
@@ -41,7 +42,33 @@ Place place_of(const Column& column, std::size_t row, const ObjectCells& cells, 
     return *bits != 0 ? Place::left_out : Place::kept;
 }
 
+// Every row is written and the next one over it if it was marked, so that nothing hangs on a guess.
+template <class Number>
+void copy_unmarked(const Column& column, const std::uint8_t* mask, std::size_t left, Number* out) {
+    std::size_t size = 0;
+    for (std::size_t row = 0; size < left; ++row) {
+        out[size] = load<Number>(column, row);
+        size += static_cast<std::size_t>(mask[row] == 0);
+    }
+}
+
 }  // namespace
+
+Ref rows_without(const Column& column, const std::uint8_t* mask) {
+    std::size_t left = 0;
+    for (std::size_t row = 0; row < column.rows; ++row) left += static_cast<std::size_t>(mask[row] == 0);
+    const npy_intp size = static_cast<npy_intp>(left);
+    PyArray_Descr* dtype = PyArray_DESCR(column.array);
+    // PyArray_Empty() takes a reference over.
+    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
+    Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
+    char* out = PyArray_BYTES(as_array(array));
+    with_number_type(column, [&](auto type) {
+        copy_unmarked(column, mask, left, reinterpret_cast<decltype(type)*>(out));
+        return true;
+    });
+    return array;
+}
 
 Ref numbers_without(const Column& column, const Markers& markers) {
     const ObjectCells cells(column);

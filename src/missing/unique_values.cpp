@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "columns/distinct.hpp"
+#include "columns/kept.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -30,15 +31,17 @@ Ref native_unique(Object y_to_process, bool return_counts) {
     return tuple({values, columns::counts_of(*distinct)});
 }
 
-// Whether no row of a column without objects is marked, so that numpy.unique(), which writes nowhere, may have the
-// column itself in place of a copy.
-bool all_rows_included(Object y, Object included_mask) {
-    if (!originals_in_place()) return false;
+// y[~included_mask] for a column of numbers; the column itself where no row is marked: numpy.unique() writes nowhere.
+Ref native_rest(Object y, Object included_mask) {
+    if (!originals_in_place()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
-    if (!column || column->storage == columns::Storage::objects) return false;
+    if (!column || column->storage == columns::Storage::objects || column->storage == columns::Storage::fixed_text) {
+        return {};
+    }
     const std::optional<columns::Column> mask = columns::flat_column(included_mask, columns::Storage::boolean);
-    if (!mask || mask->rows != column->rows || mask->stride != 1) return false;
-    return std::memchr(mask->data, 1, mask->rows) == nullptr;
+    if (!mask || mask->rows != column->rows || mask->stride != 1) return {};
+    if (std::memchr(mask->data, 1, mask->rows) == nullptr) return Ref::share(y);
+    return columns::rows_without(*column, reinterpret_cast<const std::uint8_t*>(mask->data));
 }
 
 }  // namespace
@@ -88,7 +91,8 @@ array(['a', 'b'], dtype=object)
         Ref y_to_process = Ref::share(y);
         if (truth(exclusion_list)) {
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
-            if (!all_rows_included(y, included_mask)) y_to_process = item(y, inverted(included_mask));
+            y_to_process = native_rest(y, included_mask);
+            if (!y_to_process) y_to_process = item(y, inverted(included_mask));
         }
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
