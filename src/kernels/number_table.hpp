@@ -25,12 +25,14 @@ class NumberTable {
     }
 
     [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
-        __builtin_prefetch(&slots_[place_of(key)]);
+        // A small table stays near by itself.
+        if (slots_.size() > small) __builtin_prefetch(&slots_[place_of(key)]);
     }
 
   private:
     static constexpr std::uint32_t none = 0xffffffffU;
     static constexpr std::size_t initial_slots = 256;
+    static constexpr std::size_t small = 4096;
     struct Slot {
         std::uint64_t key;
         std::uint32_t number;

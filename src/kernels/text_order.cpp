@@ -74,11 +74,17 @@ std::uint64_t key_of(TextView text, std::size_t start, bool narrow) noexcept {
 
 std::uint64_t hash_text(TextView text) noexcept {
     const auto* bytes = static_cast<const unsigned char*>(text.characters);
-    std::size_t size = text.length * static_cast<std::size_t>(text.width);
+    const std::size_t size = text.length * static_cast<std::size_t>(text.width);
     std::uint64_t hash = mixed(size + 1);
-    for (; size >= 8; size -= 8, bytes += 8) hash = mixed(hash ^ load(bytes, 8));
-    if (size != 0) hash = mixed(hash ^ load(bytes, size));
-    return hash;
+    if (size > 8) {
+        // The last eight bytes may overlap those before them.
+        const auto* const last = bytes + size - 8;
+        for (; bytes < last; bytes += 8) hash = mixed(hash ^ eight_bytes(bytes));
+        return mixed(hash ^ eight_bytes(last));
+    }
+    if (size == 0) return hash;
+    if (size == 8) return mixed(hash ^ eight_bytes(bytes));
+    return mixed(hash ^ (text.compact ? short_text(text) : load(bytes, size)));
 }
 
 void TextTable::grow() {
