@@ -5,6 +5,7 @@
 
 #include "classify/scan.hpp"
 #include "columns/column.hpp"
+#include "columns/object_number.hpp"
 #include "interp/operations.hpp"
 #include "kernels/number_runs.hpp"
 
@@ -50,6 +51,7 @@ npy_intp rows_of(const Column& counts, std::size_t i) {
 template <class Cells>
 bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
+        cells.prefetch(i + kernels::prefetch_distance);
         kernels::TextView text{};
         if (cells.read(i, text) != kernels::Cell::text) return false;
         if (seen.end_marker) continue;  // only its kind matters
@@ -72,6 +74,40 @@ bool walk_texts(const Cells& cells, const Column& counts, Seen& seen) {
         seen.count(integer ? Kind::int_str : Kind::float_str, rows_of(counts, i));
     }
     return true;
+}
+
+// Python's numbers and the numpy scalars that are told by the same rules; of the others it is only known that they are
+// not for this walk.
+bool walk_objects(const Column& values, const Column& counts, Seen& seen) {
+    const columns::ObjectCells cells(values);
+    for (std::size_t i = 0; i < values.rows; ++i) {
+        cells.prefetch(i + kernels::prefetch_distance);
+        if (values.object(i) == nullptr) return false;
+        const columns::ObjectNumber number = columns::number_of(values.object(i));
+        switch (number.type) {
+            case columns::NumberType::none:
+                return false;
+            case columns::NumberType::boolean:
+                seen.count(Kind::boolean, rows_of(counts, i));
+                break;
+            case columns::NumberType::integer:
+            case columns::NumberType::large:
+                seen.count(Kind::int_num, rows_of(counts, i));
+                break;
+            case columns::NumberType::real: {
+                const Kind running = seen.running;
+                const bool whole_valued = columns::is_whole(number.real);
+                seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
+                if (running == Kind::float_num) seen.running = running;
+                break;
+            }
+        }
+    }
+    return true;
+}
+
+bool starts_with_text(const Column& values) {
+    return values.object(0) != nullptr && PyUnicode_CheckExact(values.object(0));
 }
 
 // The numbers and the counts stand side by side, as numpy.unique() makes them.
@@ -102,7 +138,8 @@ bool walk_alike(const Column& values, const Column& counts, Kind kind, Seen& see
 bool walk(const Column& values, const Column& counts, Seen& seen) {
     switch (values.storage) {
         case Storage::objects:
-            return walk_texts(columns::ObjectCells(values), counts, seen);
+            return starts_with_text(values) ? walk_texts(columns::ObjectCells(values), counts, seen)
+                                            : walk_objects(values, counts, seen);
         case Storage::fixed_text:
             return walk_texts(columns::FixedTextCells(values), counts, seen);
         case Storage::float64:

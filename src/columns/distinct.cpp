@@ -1,12 +1,16 @@
 #include "columns/distinct.hpp"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
 #include "columns/numbers.hpp"
+#include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
+#include "kernels/key_order.hpp"
 #include "kernels/number_count.hpp"
 #include "kernels/text_order.hpp"
+#include "kernels/text_table.hpp"
 
 namespace quorin::columns {
 
@@ -15,18 +19,9 @@ namespace {
 // Sorted texts lie anywhere in memory.
 constexpr std::size_t prefetched = 16;
 
-}  // namespace
-
-std::optional<std::vector<DistinctText>> distinct_texts(const Column& column) {
-    constexpr std::size_t most_rows = 0x7fffffff;
-    if (column.rows > most_rows) return std::nullopt;
-    kernels::TextTable table(column.rows);
-    const bool texts = column.storage == Storage::objects ? kernels::add_all(table, ObjectCells(column))
-                                                          : kernels::add_all(table, FixedTextCells(column));
-    if (!texts) return std::nullopt;
-    const std::vector<kernels::DistinctText>& found = table.entries();
+std::vector<Distinct> ascending_texts(const std::vector<kernels::DistinctText>& found) {
     const std::vector<std::uint32_t> order = kernels::ascending(found);
-    std::vector<DistinctText> sorted;
+    std::vector<Distinct> sorted;
     sorted.reserve(order.size());
     for (std::size_t i = 0; i < order.size(); ++i) {
         if (i + prefetched < order.size()) __builtin_prefetch(&found[order[i + prefetched]]);
@@ -36,7 +31,98 @@ std::optional<std::vector<DistinctText>> distinct_texts(const Column& column) {
     return sorted;
 }
 
+// Whole numbers are sorted as such; beside fractions they have to be exact as 64-bit floats.
+std::optional<std::vector<Distinct>> ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
+    const bool reals = std::any_of(entries.begin(), entries.end(), [](const ObjectTally::Entry& entry) {
+        return entry.number.type == NumberType::real;
+    });
+    std::vector<kernels::Keyed> keyed;
+    keyed.reserve(entries.size());
+    for (const ObjectTally::Entry& entry : entries) {
+        const ObjectNumber& number = entry.number;
+        if (!entry.alike || number.type == NumberType::none) return std::nullopt;
+        const auto position = static_cast<std::uint32_t>(keyed.size());
+        if (!reals) {
+            keyed.push_back({kernels::key_of_whole(number.whole), position});
+        } else if (number.type == NumberType::real) {
+            keyed.push_back({kernels::key_of_real(number.real), position});
+        } else if (number.beyond_exact()) {
+            return std::nullopt;
+        } else {
+            keyed.push_back({kernels::key_of_real(static_cast<double>(number.whole)), position});
+        }
+    }
+    kernels::sort_by_key(keyed);
+    std::vector<Distinct> sorted;
+    sorted.reserve(keyed.size());
+    for (const kernels::Keyed& key : keyed) sorted.push_back({entries[key.number].row, entries[key.number].count});
+    return sorted;
+}
+
+// Whether numpy can sort what a tally holds: all texts or all numbers, nothing that has no order.
+bool sortable(const ObjectTally& tally) noexcept {
+    return !tally.nulls() && (tally.texts().empty() || tally.texts().size() == tally.entries().size());
+}
+
+std::optional<std::vector<Distinct>> ascending_objects(const Column& column) {
+    ObjectTally tally(column);
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (!tally.add(row) || !sortable(tally)) return std::nullopt;
+    }
+    if (tally.texts().empty()) return ascending_numbers(tally.entries());
+    std::vector<kernels::DistinctText> found;
+    found.reserve(tally.entries().size());
+    for (std::size_t i = 0; i < tally.entries().size(); ++i) {
+        const ObjectTally::Entry& entry = tally.entries()[i];
+        if (!entry.alike) return std::nullopt;
+        found.push_back({tally.texts()[i].text, entry.row, entry.count});
+    }
+    return ascending_texts(found);
+}
+
+// The walk goes to the end also where enough is known: what stands there may be nothing that can be sorted.
+std::optional<std::size_t> count_distinct_objects(const Column& column, std::size_t enough, bool texts) {
+    ObjectTally tally(column);
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (tally.entries().size() >= enough) {
+            PyObject* value = column.object(row);
+            if (value == nullptr) return std::nullopt;
+            if (texts ? is_plain_text(value) : is_sortable_number(value)) continue;
+            return std::nullopt;
+        }
+        if (!tally.add(row) || !sortable(tally) || tally.texts().empty() == texts) return std::nullopt;
+    }
+    return tally.entries().size();
+}
+
+// How many there can be at all.
+std::size_t possible_numbers(const Column& column) noexcept {
+    constexpr std::size_t bytes = 256;
+    if (column.storage == Storage::boolean) return 2;
+    return column.width == 1 ? bytes : column.rows;
+}
+
+}  // namespace
+
+std::optional<std::vector<Distinct>> ascending_values(const Column& column) {
+    constexpr std::size_t most_rows = 0x7fffffff;
+    if (column.rows > most_rows) return std::nullopt;
+    kernels::TextTable table(column.rows);
+    if (column.storage == Storage::fixed_text) {
+        if (kernels::add_all(table, FixedTextCells(column))) return ascending_texts(table.entries());
+        return std::nullopt;
+    }
+    if (column.storage != Storage::objects) return std::nullopt;
+    PyObject* first = column.object(0);
+    if (first != nullptr && PyUnicode_CheckExact(first) && kernels::add_all(table, ObjectCells(column))) {
+        return ascending_texts(table.entries());
+    }
+    return ascending_objects(column);
+}
+
 std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough) {
+    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, false);
+    enough = std::min(enough, possible_numbers(column));
     kernels::NumberSet numbers(enough);
     std::size_t distinct = 0;
     const bool counted = with_number_type(column, [&](auto type) {
@@ -55,7 +141,20 @@ std::optional<std::size_t> count_distinct_numbers(const Column& column, std::siz
     return distinct;
 }
 
-Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
+std::optional<std::size_t> count_distinct_texts(const Column& column, std::size_t enough) {
+    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, true);
+    if (column.storage != Storage::fixed_text) return std::nullopt;
+    const FixedTextCells cells(column);
+    kernels::TextTable table(column.rows);
+    for (std::size_t row = 0; row < cells.size() && table.entries().size() < enough; ++row) {
+        kernels::TextView text{};
+        cells.read(row, text);
+        table.add(text, row);
+    }
+    return table.entries().size();
+}
+
+Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
     const npy_intp size = static_cast<npy_intp>(distinct.size());
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
     // PyArray_Empty() takes a reference over.
@@ -63,24 +162,29 @@ Ref texts_of(const Column& column, const std::vector<DistinctText>& distinct) {
     Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
     char* out = PyArray_BYTES(as_array(array));
     for (std::size_t i = 0; i < distinct.size(); ++i) {
-        const DistinctText& entry = distinct[i];
+        // The elements lie anywhere; of an object the count of its references is written.
+        if (i + prefetched < distinct.size()) {
+            const std::size_t row = distinct[i + prefetched].row;
+            __builtin_prefetch(column.storage == Storage::objects ? static_cast<const void*>(column.object(row))
+                                                                  : static_cast<const void*>(column.at(row)));
+        }
+        const std::size_t row = distinct[i].row;
         if (column.storage == Storage::objects) {
-            if (i + prefetched < distinct.size()) __builtin_prefetch(column.object(distinct[i + prefetched].row), 1);
             PyObject*& place = *reinterpret_cast<PyObject**>(out);
-            Ref::adopt(std::exchange(place, Ref::share(column.object(entry.row)).give()));
+            Ref::adopt(std::exchange(place, Ref::share(column.object(row)).give()));
         } else {
-            std::memcpy(out, column.at(entry.row), column.width);
+            std::memcpy(out, column.at(row), column.width);
         }
         out += column.width;
     }
     return array;
 }
 
-Ref counts_of(const std::vector<DistinctText>& distinct) {
+Ref counts_of(const std::vector<Distinct>& distinct) {
     const npy_intp size = static_cast<npy_intp>(distinct.size());
     Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
     auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    for (const DistinctText& entry : distinct) *out++ = entry.count;
+    for (const Distinct& entry : distinct) *out++ = entry.count;
     return array;
 }
 

@@ -13,10 +13,10 @@ std::optional<Ref> least_texts(const Column& column, const Markers& markers, std
                            ? kernels::least_distinct(FixedTextCells(column), markers.texts, most, least)
                            : false;
     if (!texts) return std::nullopt;
-    std::vector<DistinctText> listed;
+    std::vector<Distinct> listed;
     listed.reserve(least.size());
     for (const kernels::KeyedText& entry : least) listed.push_back({entry.row, 1});
-    return texts_of(column, listed);
+    return values_of(column, listed);
 }
 
 }  // namespace quorin::columns

@@ -6,16 +6,11 @@ namespace quorin::columns {
 
 namespace {
 
-constexpr long long exact_limit = 1LL << 53;
-
 // A plain number as a 64-bit float, where that is exact.
 std::optional<double> plain_number(PyObject* value) noexcept {
-    if (PyFloat_CheckExact(value)) return PyFloat_AS_DOUBLE(value);
-    if (!PyLong_CheckExact(value) && !PyBool_Check(value)) return std::nullopt;
-    int overflow = 0;
-    const long long whole = PyLong_AsLongLongAndOverflow(value, &overflow);
-    if (overflow != 0 || whole > exact_limit || whole < -exact_limit) return std::nullopt;
-    return static_cast<double>(whole);
+    const ObjectNumber number = number_of(value);
+    if (number.type == NumberType::none || number.scalar || number.beyond_exact()) return std::nullopt;
+    return number.type == NumberType::real ? number.real : static_cast<double>(number.whole);
 }
 
 bool read(Markers& markers, PyObject* marker) {
@@ -24,7 +19,7 @@ bool read(Markers& markers, PyObject* marker) {
     const std::uint32_t bit = 1U << index;
     if (is_plain_null(marker)) {
         markers.null_bits |= bit;
-    } else if (PyUnicode_CheckExact(marker)) {
+    } else if (is_plain_text(marker)) {
         const std::optional<kernels::TextView> text = view_of(marker);
         std::size_t texts = 0;
         while (texts < index && markers.text_bits[texts] != 0) ++texts;
@@ -67,7 +62,7 @@ std::optional<Markers> plain_members(Object set) {
 bool survive_asarray(const Markers& markers) noexcept {
     bool texts = false;
     for (PyObject* marker : markers.objects) {
-        if (!PyUnicode_CheckExact(marker)) continue;
+        if (!is_plain_text(marker)) continue;
         texts = true;
         const std::optional<kernels::TextView> text = view_of(marker);
         if (!text || (text->length != 0 && kernels::character(*text, text->length - 1) == 0)) return false;

@@ -6,13 +6,14 @@
 #include <vector>
 
 #include "columns/column.hpp"
+#include "columns/object_number.hpp"
 
 namespace quorin::columns {
 
 // Every marker of the list has a bit of its own, counted from the first.
 struct Markers {
     struct Number {
-        double value;  // exact: whole numbers beyond 2 ** 53 are none that this holds
+        double value;  // a marker that is an integer is exact here, or there would be no `Markers`
         std::uint32_t bit;
     };
     std::vector<PyObject*> objects;
@@ -36,6 +37,22 @@ struct Markers {
             if (number.value == value) bits |= number.bit;
         }
         return bits;
+    }
+    // Of an object that is not NaN. Nothing where a float is compared with an integer that a 64-bit float
+    // might not hold.
+    [[nodiscard]] std::optional<std::uint32_t> bits_of_object(const ObjectNumber& number) const noexcept {
+        if (number.type == NumberType::none) return 0;
+        if (number.type == NumberType::real) return bits_of_number(number.real);
+        if (!number.beyond_exact()) return bits_of_number(static_cast<double>(number.whole));
+        if (beyond_exact()) return std::nullopt;
+        return 0;
+    }
+    // Whether any marker is so large that an integer that is not exact as a 64-bit float might equal it.
+    [[nodiscard]] bool beyond_exact() const noexcept {
+        for (const Number& number : numbers) {
+            if (std::fabs(number.value) >= exact_limit) return true;
+        }
+        return false;
     }
 };
 

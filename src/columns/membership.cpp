@@ -1,25 +1,51 @@
 #include "columns/membership.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstring>
 
 #include "columns/numbers.hpp"
 #include "interp/errors.hpp"
-#include "interp/operations.hpp"
+#include "kernels/number_runs.hpp"
 
 namespace quorin::columns {
 
 namespace {
 
-char* bytes_of(Object mask) noexcept {
-    return PyArray_BYTES(as_array(mask));
+std::uint8_t* bytes_of(Object mask) noexcept {
+    return reinterpret_cast<std::uint8_t*>(PyArray_BYTES(as_array(mask)));
+}
+
+// An all-false mask.
+Ref empty_mask(std::size_t rows) {
+    const npy_intp shape = static_cast<npy_intp>(rows);
+    return Ref::take(PyArray_Zeros(1, &shape, PyArray_DescrFromType(NPY_BOOL), 0));
 }
 
 // Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
 
+// An element that is neither text nor null nor Python's own number: a numpy scalar that equals and hashes as they do.
+std::optional<std::uint32_t> bits_of_other(PyObject* value, const Markers& values) noexcept {
+    if (value == nullptr) return std::nullopt;
+    const ObjectNumber number = number_of(value);
+    if (number.type == NumberType::none) {
+        if (!is_plain_text(value)) return std::nullopt;
+        const std::optional<kernels::TextView> text = view_of(value);
+        if (!text) return std::nullopt;
+        return values.bits_of_texts(values.texts.find(*text));
+    }
+    if (std::isnan(number.real)) return values.null_bits;
+    if (values.numbers.empty()) return 0;
+    // A numpy scalar rounds the integers that it is compared with.
+    if (number.scalar && number.beyond_exact()) return std::nullopt;
+    return values.bits_of_object(number);
+}
+
 template <class OnMatch>
 bool match_objects(const Column& column, const Markers& values, OnMatch on_match) {
-    if (!values.numbers.empty()) return false;
     const ObjectCells cells(column);
+    const bool numbers = !values.numbers.empty();
     for (std::size_t row = 0; row < column.rows; ++row) {
         cells.prefetch(row + kernels::prefetch_distance);
         kernels::TextView text{};
@@ -33,10 +59,12 @@ bool match_objects(const Column& column, const Markers& values, OnMatch on_match
                 if (values.null_bits != 0) on_match(row, values.null_bits);
                 break;
             case kernels::Cell::other: {
-                // Plain numbers equal no text.
                 PyObject* value = column.object(row);
-                if (value == nullptr) return false;
-                if (!PyLong_CheckExact(value) && !PyFloat_CheckExact(value) && !PyBool_Check(value)) return false;
+                // Plain numbers equal no text.
+                if (!numbers && value != nullptr && (PyLong_CheckExact(value) || PyFloat_CheckExact(value))) break;
+                const std::optional<std::uint32_t> bits = bits_of_other(value, values);
+                if (!bits) return false;
+                if (*bits != 0) on_match(row, *bits);
                 break;
             }
         }
@@ -78,9 +106,8 @@ bool match_integers(const Column& column, const Markers& values, OnMatch on_matc
         std::uint32_t bit;
     };
     std::vector<Whole> whole_values;
-    constexpr double exact_limit = 9007199254740992.0;  // 2 ** 53
     for (const Markers::Number& number : values.numbers) {
-        if (std::isinf(number.value) || std::floor(number.value) != number.value) continue;
+        if (!is_whole(number.value)) continue;
         if (std::fabs(number.value) > exact_limit) return false;
         whole_values.push_back({static_cast<long long>(number.value), number.bit});
     }
@@ -110,43 +137,67 @@ bool match_rows(const Column& column, const Markers& values, OnMatch on_match) {
     });
 }
 
+bool is_float(const Column& column) noexcept {
+    return column.storage == Storage::float64 || column.storage == Storage::float32;
+}
+
+// The mask of NaN, and whether there is any.
+std::pair<Ref, bool> null_mask(const Column& column) {
+    const npy_intp shape = static_cast<npy_intp>(column.rows);
+    Ref mask = Ref::take(PyArray_SimpleNew(1, &shape, NPY_BOOL));
+    const auto mark = column.storage == Storage::float64 ? kernels::mark_nulls<double> : kernels::mark_nulls<float>;
+    const std::size_t nulls = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(mask)));
+    return {std::move(mask), nulls != 0};
+}
+
 }  // namespace
 
-Ref empty_mask(std::size_t rows) {
-    const npy_intp shape = static_cast<npy_intp>(rows);
-    return Ref::take(PyArray_Zeros(1, &shape, PyArray_DescrFromType(NPY_BOOL), 0));
-}
-
-Ref merged_masks(Object first, Object second) {
-    const npy_intp rows = PyArray_DIM(as_array(first), 0);
-    Ref merged = empty_mask(static_cast<std::size_t>(rows));
-    const char* a = bytes_of(first);
-    const char* b = bytes_of(second);
-    char* out = bytes_of(merged);
-    for (npy_intp row = 0; row < rows; ++row) out[row] = static_cast<char>(a[row] | b[row]);
-    return merged;
-}
-
 std::optional<Ref> membership_mask(const Column& column, const Markers& values) {
+    if (is_float(column) && values.numbers.empty() && values.null_bits != 0) return null_mask(column).first;
     Ref mask = empty_mask(column.rows);
-    char* out = bytes_of(mask);
+    std::uint8_t* out = bytes_of(mask);
     if (!match_rows(column, values, [&](std::size_t row, std::uint32_t) { out[row] = 1; })) return std::nullopt;
     return mask;
 }
 
-std::optional<std::vector<std::pair<std::uint32_t, Ref>>> masks_by_value(const Column& column, const Markers& values) {
+std::optional<MarkedRows> marked_rows(const Column& column, const Markers& values) {
+    MarkedRows found;
+    if (is_float(column) && values.numbers.empty() && std::has_single_bit(values.null_bits)) {
+        auto [mask, any] = null_mask(column);
+        if (any) {
+            found.bits = values.null_bits;
+            found.masks.push_back(Ref::share(mask));
+        }
+        found.mask = std::move(mask);
+        return found;
+    }
     std::array<Ref, kernels::most_markers> masks;
+    std::array<std::uint8_t*, kernels::most_markers> outs{};
     const auto on_match = [&](std::size_t row, std::uint32_t bits) {
-        for (std::size_t i = 0; bits >> i != 0; ++i) {
-            if ((bits >> i & 1U) == 0) continue;
-            if (!masks[i]) masks[i] = empty_mask(column.rows);
-            bytes_of(masks[i])[row] = 1;
+        for (; bits != 0; bits &= bits - 1) {
+            const auto i = static_cast<std::size_t>(std::countr_zero(bits));
+            if (outs[i] == nullptr) {
+                masks[i] = empty_mask(column.rows);
+                outs[i] = bytes_of(masks[i]);
+            }
+            outs[i][row] = 1;
         }
     };
     if (!match_rows(column, values, on_match)) return std::nullopt;
-    std::vector<std::pair<std::uint32_t, Ref>> found;
     for (std::size_t i = 0; i < masks.size(); ++i) {
-        if (masks[i]) found.emplace_back(1U << i, std::move(masks[i]));
+        if (!masks[i]) continue;
+        found.bits |= 1U << i;
+        found.masks.push_back(std::move(masks[i]));
+    }
+    if (found.masks.size() == 1) {
+        found.mask = Ref::share(found.masks.front());
+        return found;
+    }
+    found.mask = empty_mask(column.rows);
+    std::uint8_t* all = bytes_of(found.mask);
+    for (const Ref& mask : found.masks) {
+        const std::uint8_t* one = bytes_of(mask);
+        for (std::size_t row = 0; row < column.rows; ++row) all[row] |= one[row];
     }
     return found;
 }

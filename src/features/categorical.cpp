@@ -2,6 +2,7 @@
 #include <optional>
 
 #include "columns/distinct.hpp"
+#include "columns/kept.hpp"
 #include "columns/membership.hpp"
 #include "features/column.hpp"
 #include "features/features.hpp"
@@ -56,15 +57,15 @@ std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_rat
     return *uni == 2 || (*uni < few_values && column->rows < few_rows);
 }
 
-// In a column of numbers only numbers are in the list: a null read from an array is an object of its own, equal to
+// In an array of numbers only numbers are in the list: a null read from an array is an object of its own, equal to
 // none.
 Ref native_without(Object y, Object misslist) {
     if (!originals_in_place() || !PyList_CheckExact(misslist.get())) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
-    if (!column) return {};
-    if (column->storage == columns::Storage::objects || column->storage == columns::Storage::fixed_text) return {};
+    if (!column || column->storage == columns::Storage::fixed_text) return {};
     std::optional<columns::Markers> markers = columns::plain_markers(misslist);
     if (!markers) return {};
+    if (column->storage == columns::Storage::objects) return columns::numbers_without(*column, *markers);
     if (markers->numbers.empty()) return Ref::share(y);
     markers->null_bits = 0;
     const std::optional<Ref> mask = columns::membership_mask(*column, *markers);

@@ -1,10 +1,48 @@
+#include <optional>
+
+#include "columns/classes.hpp"
 #include "features/column.hpp"
 #include "features/features.hpp"
+#include "interp/errors.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
 
 namespace quorin::features {
+
+namespace {
+
+// All objects of the column are held before the first tuple is made: that may start the collector, and with it code
+// that writes into the column.
+Ref native_classes(Object y, Object left_out) {
+    if (!originals_in_place()) return {};
+    const std::optional<columns::Column> column = columns::flat_column(y);
+    if (!column) return {};
+    const std::optional<columns::Markers> values = columns::plain_markers(left_out);
+    if (!values) return {};
+    const auto classes = columns::classes_of(*column, *values);
+    if (!classes) return {};
+    std::vector<Ref> elements = columns::elements_of(*column, *classes);
+    Ref classes_list = Ref::take(PyList_New(static_cast<Py_ssize_t>(classes->size())));
+    Ref occurrences;
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        // Neighbours that occur equally often share the number.
+        if (i == 0 || (*classes)[i].count != (*classes)[i - 1].count) {
+            occurrences = Ref::take(PyFloat_FromDouble(static_cast<double>((*classes)[i].count)));
+        }
+        PyObject* pair = Ref::take(PyTuple_New(2)).give();
+        PyTuple_SET_ITEM(pair, 0, elements[i].give());
+        PyTuple_SET_ITEM(pair, 1, Ref::share(occurrences).give());
+        // Nothing in a pair refers to anything, so the collector would let go of it when it first looks; many pairs
+        // that it has yet to look at make it go through everything there is.
+        PyObject_GC_UnTrack(pair);
+        PyList_SET_ITEM(classes_list.get(), static_cast<Py_ssize_t>(i), pair);
+    }
+    return classes_list;
+}
+
+}  // namespace
 
 constinit const Definition getClasses{
     .name = "getClasses",
@@ -43,6 +81,7 @@ Examples
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
         const auto [misslist, dtype_str] = whatis(y, l_missing_values_reference_list);
         const bool exclude = truth(misslist) && truth(exclude_missing_class_flag);
+        if (Ref classes_list = native_classes(y, exclude ? Object(misslist) : Object(Py_None))) return classes_list;
         const Ref seq = list({});
         const Py_ssize_t rows = count(row_count(y));
         for (Py_ssize_t i = 0; i < rows; ++i) {

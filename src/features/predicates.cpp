@@ -1,6 +1,10 @@
+#include <optional>
+
+#include "columns/distinct.hpp"
 #include "features/column.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
+#include "interp/originals.hpp"
 #include "interp/space.hpp"
 
 namespace quorin::features {
@@ -17,6 +21,18 @@ constexpr auto guarded = [](Object dfc) -> Ref {
     if constexpr (answer == Answer::by_bool_method) result = result.attr("bool"_py)();
     return result;
 };
+
+// Whether a column has more than two distinct values, the missing ones among them.
+std::optional<bool> native_several_values(Object dfc) {
+    constexpr std::size_t several = 3;
+    if (!originals_in_place()) return std::nullopt;
+    const std::optional<columns::Column> column = columns::plain_column(dfc);
+    if (!column) return std::nullopt;
+    std::optional<std::size_t> distinct = columns::count_distinct_texts(*column, several);
+    if (!distinct) distinct = columns::count_distinct_numbers(*column, several);
+    if (!distinct) return std::nullopt;
+    return *distinct == several;
+}
 
 }  // namespace
 
@@ -287,6 +303,7 @@ True
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         Ref answer = is_categorical(dfc, missing_values_reference_list);
         if (!truth(answer)) return answer;
+        if (const std::optional<bool> several = native_several_values(dfc)) return Ref::truth(*several);
         return Ref::truth(length(global("np"_py).attr("unique"_py)({dfc})) > 2);
     },
 };

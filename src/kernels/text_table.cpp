@@ -1,5 +1,6 @@
 #include "kernels/text_table.hpp"
 
+#include <algorithm>
 #include <bit>
 
 namespace quorin::kernels {
@@ -93,27 +94,36 @@ void TextTable::grow(std::size_t rows_so_far) {
 }
 
 // For texts that do not stand where they are looked for first.
-void TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
+std::uint32_t TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
     std::size_t slot = hash & (slots_.size() - 1);
     for (; slots_[slot].number != none; slot = (slot + 1) & (slots_.size() - 1)) {
         if (slots_[slot].hash != hash) continue;
         DistinctText& entry = entries_[slots_[slot].number];
         if (!same(entry.text, text)) continue;
         ++entry.count;
-        return;
+        return slots_[slot].number;
     }
-    slots_[slot] = {static_cast<std::uint32_t>(entries_.size()), hash};
+    const auto number = static_cast<std::uint32_t>(entries_.size());
+    slots_[slot] = {number, hash};
     entries_.push_back({text, row, 1});
+    return number;
 }
 
-void TextTable::add(const std::array<TextView, block>& texts, std::size_t row, std::size_t size) {
+std::uint32_t TextTable::add(const TextView& text, std::size_t row) {
+    if (2 * (entries_.size() + 1) > slots_.size()) grow(row + 1);
+    return find_or_add(text, hash_text(text), row);
+}
+
+void TextTable::add(const Block& texts) {
     // The slots and entries of fewer texts are at hand.
     constexpr std::size_t at_hand = 1024;
-    if (2 * (entries_.size() + size) > slots_.size()) grow(row + size);
+    const std::size_t size = texts.size;
+    if (size == 0) return;
+    if (2 * (entries_.size() + size) > slots_.size()) grow(texts.rows[size - 1] + 1);
     std::array<std::uint32_t, block> hashes;
     const Slot* const slots = slots_.data();
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_text(texts[i]);
+    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_text(texts.texts[i]);
     if (entries_.size() > at_hand) {
         for (std::size_t i = 0; i < size; ++i) __builtin_prefetch(&slots[hashes[i] & mask]);
         for (std::size_t i = 0; i < size; ++i) {
@@ -123,10 +133,10 @@ void TextTable::add(const std::array<TextView, block>& texts, std::size_t row, s
     }
     for (std::size_t i = 0; i < size; ++i) {
         const Slot slot = slots[hashes[i] & mask];
-        if (slot.hash == hashes[i] && same(entries_[slot.number].text, texts[i])) {
+        if (slot.hash == hashes[i] && same(entries_[slot.number].text, texts.texts[i])) {
             ++entries_[slot.number].count;
         } else {
-            find_or_add(texts[i], hashes[i], row + i);
+            find_or_add(texts.texts[i], hashes[i], texts.rows[i]);
         }
     }
 }

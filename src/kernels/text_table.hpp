@@ -1,7 +1,6 @@
 // Finding equal texts: which different ones a column holds, where each stands first, how often it occurs.
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <vector>
@@ -23,8 +22,18 @@ class TextTable {
     static constexpr std::size_t block = 32;
     // For texts of so many rows; no more than 2 ** 31.
     explicit TextTable(std::size_t rows) : rows_(rows), slots_(initial_slots, empty) {}
-    // The texts of `size` rows from `row` on, `block` at most.
-    void add(const std::array<TextView, block>& texts, std::size_t row, std::size_t size);
+    struct Block {
+        std::array<TextView, block> texts;
+        std::array<std::size_t, block> rows;  // ascending
+        std::size_t size = 0;
+        void add(const TextView& text, std::size_t row) noexcept {
+            texts[size] = text;
+            rows[size++] = row;
+        }
+    };
+    void add(const Block& texts);
+    // One text by itself. Gives the number of its entry.
+    std::uint32_t add(const TextView& text, std::size_t row);
     // In the order of their first occurrence.
     [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }
 
@@ -38,27 +47,34 @@ class TextTable {
     static constexpr Slot empty{none, 0};
 
     void grow(std::size_t rows_so_far);
-    void find_or_add(const TextView& text, std::uint32_t hash, std::size_t row);
+    std::uint32_t find_or_add(const TextView& text, std::uint32_t hash, std::size_t row);
 
     std::size_t rows_;
     std::vector<Slot> slots_;
     std::vector<DistinctText> entries_;
 };
 
-// False where a cell is no text.
-template <class Cells>
-bool add_all(TextTable& table, const Cells& cells) {
+// The texts of all rows that are not skipped. False where any other cell is no text.
+template <class Cells, class Skip>
+bool add_all(TextTable& table, const Cells& cells, Skip skip) {
     const std::size_t rows = cells.size();
-    std::array<TextView, TextTable::block> texts;
-    for (std::size_t row = 0; row < rows; row += TextTable::block) {
-        const std::size_t size = std::min(TextTable::block, rows - row);
-        for (std::size_t i = 0; i < size; ++i) {
-            cells.prefetch(row + i + prefetch_distance);
-            if (cells.read(row + i, texts[i]) != Cell::text) return false;
+    for (std::size_t row = 0; row < rows;) {
+        TextTable::Block block;
+        for (; row < rows && block.size < TextTable::block; ++row) {
+            cells.prefetch(row + prefetch_distance);
+            if (skip(row)) continue;
+            TextView text;
+            if (cells.read(row, text) != Cell::text) return false;
+            block.add(text, row);
         }
-        table.add(texts, row, size);
+        table.add(block);
     }
     return true;
+}
+
+template <class Cells>
+bool add_all(TextTable& table, const Cells& cells) {
+    return add_all(table, cells, [](std::size_t) { return false; });
 }
 
 }  // namespace quorin::kernels

@@ -50,6 +50,15 @@ Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
 
+// list(mask) of an all-false mask.
+Ref all_false(std::size_t rows) {
+    Ref values = Ref::take(PyList_New(static_cast<Py_ssize_t>(rows)));
+    for (std::size_t row = 0; row < rows; ++row) {
+        PyList_SET_ITEM(values.get(), static_cast<Py_ssize_t>(row), Ref::share(PyArrayScalar_False).give());
+    }
+    return values;
+}
+
 // The first mask itself where it is the only one.
 Ref cumulated(Object masks) {
     Ref cum_missing_mask_arr;
@@ -68,21 +77,16 @@ Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
     if (!column) return {};
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
     if (!markers) return {};
-    const auto found = columns::masks_by_value(*column, *markers);
+    const std::optional<columns::MarkedRows> found = columns::marked_rows(*column, *markers);
     if (!found) return {};
+    if (found->bits == 0) return tuple({found->mask, all_false(column->rows), list({})});
+    if (one_is_enough) {
+        const Ref& first = found->masks.front();
+        return tuple({first, list({first}), columns::markers_of(*markers, columns::lowest(found->bits))});
+    }
     const Ref masks = list({});
-    std::uint32_t bits = 0;
-    for (const auto& [bit, mask] : *found) {
-        append(masks, mask);
-        bits |= bit;
-        if (one_is_enough) break;
-    }
-    if (bits == 0) return nothing_found(columns::empty_mask(column->rows));
-    Ref cum_missing_mask_arr = Ref::share(found->front().second);
-    for (std::size_t i = 1; i < found->size() && !one_is_enough; ++i) {
-        cum_missing_mask_arr = columns::merged_masks(cum_missing_mask_arr, (*found)[i].second);
-    }
-    return tuple({cum_missing_mask_arr, masks, columns::markers_of(*markers, bits)});
+    for (const Ref& mask : found->masks) append(masks, mask);
+    return tuple({found->mask, masks, columns::markers_of(*markers, found->bits)});
 }
 
 }  // namespace

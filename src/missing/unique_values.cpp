@@ -18,15 +18,14 @@ bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// The distinct texts of a flat column, with counts if they are wanted.
+// The distinct texts of a flat column, or the distinct numbers among its objects, with counts if they are wanted.
 Ref native_unique(Object y_to_process, bool return_counts) {
     if (!originals_in_place_but_date_test()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y_to_process);
     if (!column) return {};
-    if (column->storage != columns::Storage::objects && column->storage != columns::Storage::fixed_text) return {};
-    const auto distinct = columns::distinct_texts(*column);
+    const auto distinct = columns::ascending_values(*column);
     if (!distinct) return {};
-    Ref values = columns::texts_of(*column, *distinct);
+    Ref values = columns::values_of(*column, *distinct);
     if (!return_counts) return values;
     return tuple({values, columns::counts_of(*distinct)});
 }
@@ -107,10 +106,10 @@ array(['a', 'b'], dtype=object)
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
             y_to_process = item(y, inverted(included_mask));
         }
-        if (plain_question) {
-            if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
-        }
         const auto unique = [&] {
+            if (plain_question) {
+                if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
+            }
             return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
         };
         try {

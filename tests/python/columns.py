@@ -74,6 +74,13 @@ flags = st.sampled_from(
 TEXT_DTYPES = ["O", "O", "O", "O", "U", "S"]
 INTEGER_DTYPES = ["O", "i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8", "f8", "M8[D]", "m8[s]"]
 FLOAT_DTYPES = ["O", "f8", "f8", "f4", "f8", "f2", "g", "c16"]
+# Text markers, nulls and a number that is none, as they stand among numbers.
+MARKING: List[Any] = ["?", "", "-", None, np.nan, -999]
+# Scalars of numpy that equal, hash and sort as Python's own numbers do, some just so.
+AGREEING: List[Any] = [
+    np.float64(1.0), np.float64(2.5), np.float64(-0.0), np.float64(2.0**53), np.int64(1),
+    np.int64(2), np.int64(2**53), np.int64(2**53 + 1), np.bool_(True), np.bool_(False),
+]  # fmt: skip
 PALETTES = {
     "numbers as text": (st.sampled_from(NUMBER_TEXTS), TEXT_DTYPES),
     "numbers and lone signs": (st.sampled_from(NUMBER_TEXTS[:14] + LONE_TEXTS), TEXT_DTYPES),
@@ -90,6 +97,9 @@ PALETTES = {
     "numbers": (st.sampled_from(FLOATS + INTEGERS[:5] + BOOLS), ["O", "f8"]),
     "booleans": (st.sampled_from(BOOLS), ["?", "?", "O"]),
     "booleans and missing": (st.sampled_from(BOOLS + [None, float("nan"), "?"]), ["O"]),
+    "numbers beside markers": (st.sampled_from(INTEGERS[:9] + FLOATS[:7] + MARKING), ["O"]),
+    "integers beside markers": (st.sampled_from(INTEGERS[:9] + MARKING), ["O"]),
+    "numbers of two makes": (st.sampled_from(INTEGERS[:9] + FLOATS[:7] + BOOLS + AGREEING), ["O"]),
     "scalars": (st.sampled_from(SCALARS), ["O"]),
     "objects": (st.sampled_from(OBJECTS + INTEGERS[:3]), ["O"]),
     "text and numbers": (st.one_of(texts, numbers), ["O"]),
@@ -102,6 +112,9 @@ GROWING: Dict[str, Callable[[int], Any]] = {
     "words": "w{}".format,
     "any text": "{}.5".format,
     "small integers": int,
+    "integers beside markers": int,
+    "numbers beside markers": lambda i: i / 4,
+    "numbers of two makes": lambda i: float(i) if i % 2 else i,
     "floats": float,
 }
 layouts = st.one_of(

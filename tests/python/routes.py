@@ -47,6 +47,10 @@ LOOKED_UP: Dict[str, List[str]] = {
     "numpy_floatstr2float": ["isfloat", "np", "np.nan", "numpy_floatstr2float"],
     "FCplus.is_num_column_categorical": ["np", "np.unique"],
     "FCplus.is_column_categorical": WHATIS + LISTED + ["FCplus.is_num_column_categorical"],
+    "FCplus.is_column_categorical_mult_cats": WHATIS
+    + LISTED
+    + ["FCplus.is_num_column_categorical", "FCplus.is_column_categorical"],
+    "numpy_get_categories": WHATIS + ["compress_string", "numpy_get_categories"],
     "FCplus.getClasses": WHATIS + LISTED + ["Counter"],
     "FCplus.check_statistics": ["FCplus.check_statistics"],
     "FCplus.is_column_height": ["FCplus", "FCplus.check_statistics"],
@@ -291,7 +295,15 @@ plain_markers = st.lists(
     st.sampled_from(["?", "", "-", "N/A", "na", "1", "1.5", "a", "\u00e9", None, np.nan]),
     max_size=4,
 )
-route_markers = st.one_of(plain_markers, plain_markers, st.just(["?", "", "-", np.nan]), markers)
+# Numbers mark cells of any type that equal them.
+number_markers = st.lists(
+    st.sampled_from([0, 1, -999, True, 1.0, 2.5, -0.0, 2**53, 2.0**53, 1e300, "?", None, np.nan]),
+    min_size=1,
+    max_size=4,
+)
+route_markers = st.one_of(
+    plain_markers, number_markers, plain_markers, st.just(["?", "", "-", np.nan]), markers
+)
 
 
 def cases(kinds: Any = None, lengths: Any = LENGTHS) -> Any:

@@ -41,6 +41,9 @@ NUMBER_KINDS = [
     "numbers",
     "booleans",
     "booleans and missing",
+    "numbers beside markers",
+    "integers beside markers",
+    "numbers of two makes",
 ]
 
 
@@ -249,6 +252,35 @@ def test_few_distinct_numbers(X, by, uni_max, uni_ratio):
 @property_test(weight=2, case=cases(), by=names_for("FCplus.is_column_categorical"))
 def test_categorical_column(case, by):
     compare_routes("FCplus.is_column_categorical", by, case)
+
+
+@property_test(
+    weight=4, case=cases(NUMBER_KINDS), by=names_for("FCplus.getClasses"), stats=st.booleans()
+)
+def test_numbers_as_objects(case, by, stats):
+    X, values = case
+    compare_routes("numpy_whatis", by, (X, values), {"return_stats_flag": stats})
+    compare_routes("get_unique_values", by, (X, values), {"return_counts": stats})
+    compare_routes("numpy_compute_missing_indicator", by, (X, values or []))
+    compare_routes("FCplus.getClasses", by, (X, stats, values))
+    compare_routes("FCplus.is_column_categorical", by, (X, values))
+
+
+@property_test(weight=2, case=cases(), by=names_for("FCplus.is_column_categorical_mult_cats"))
+def test_several_categories(case, by):
+    compare_routes("FCplus.is_column_categorical_mult_cats", by, case)
+
+
+@property_test(weight=3, case=cases(), by=names_for("numpy_get_categories"))
+def test_categories(case, by):
+    X, values = case
+    compare_routes("numpy_get_categories", by, (X, [0], values))
+
+
+@property_test(weight=2, case=cases(TEXT_KINDS), by=names_for("numpy_get_categories"))
+def test_categories_of_text(case, by):
+    X, values = case
+    compare_routes("numpy_get_categories", by, (X, [0], values or ["?"]))
 
 
 @property_test(weight=3, case=cases(), exclude=flags, by=names_for("FCplus.getClasses"))

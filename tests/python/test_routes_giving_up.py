@@ -159,6 +159,9 @@ ROUTINES = {
     "numpy_floatstr2float": (["?"],),
     "FCplus.getClasses": (True, ["?"]),
     "FCplus.is_num_column_categorical": (),
+    "FCplus.is_column_categorical": (["?"],),
+    "FCplus.is_column_categorical_mult_cats": (["?"],),
+    "numpy_get_categories": ([0], ["?"]),
 }
 ROWS = 130
 
@@ -203,13 +206,17 @@ def test_last_row_of_membership(strange, before):
 @pytest.mark.parametrize("before", ["texts", "number texts", "floats"])
 @pytest.mark.parametrize("strange", ["noting", "noting text", "noting number", "Decimal"])
 @pytest.mark.parametrize("name", sorted(ROUTINES))
-def test_python_sees_the_same_calls(name, strange, before):
+def test_python_sees_no_other_calls(name, strange, before):
     column = last(before, strange).make(lambda inner: inner)
     events_of(name, (column,) + ROUTINES[name])  # Loggers remember their levels from now on.
     plain = events_of(name, (column,) + ROUTINES[name])
     forced = events_of(name, (column,) + ROUTINES[name], by="isfloat")
     asked()
-    assert plain == forced
+    # Once the column is text, or the strange cell left out, later steps may be taken from memory.
+    rest = iter(forced)
+    assert all(event in rest for event in plain)
+    if before == "floats" and name.startswith("numpy_i"):
+        assert plain == forced
 
 
 @pytest.mark.parametrize("marker", ["noting", "noting text", "Decimal", "text subclass", "list"])

@@ -22,7 +22,16 @@ OBJECTS = {
     "Python floats": objects(1.5, 2.0, 1.5, np.nan, 3.0),
     "Python integers": objects(1, 2, 2, 3),
     "Python booleans": objects(True, False, True),
+    "Python numbers": objects(3, 2.5, True, 7),
+    "integers and marker texts": objects(3, "?", 1, "", 3),
+    "floats and nulls": objects(2.0, np.nan, 1.0, float("nan")),
+    "numbers of numpy": objects(np.float64(2.5), np.float64(1.0), np.int64(7)),
 }
+# What numpy can sort without its markers.
+OBJECT_NUMBERS = [
+    "Python floats", "Python integers", "Python booleans", "Python numbers",
+    "integers and marker texts", "floats and nulls", "numbers of numpy",
+]  # fmt: skip
 FIXED = {
     "fixed-width texts": np.array(["b", "?", "a", "", "b"]),
     "fixed-width number texts": np.array(["1", "2.5", "", "-3"]),
@@ -42,9 +51,20 @@ ALL_TEXT = {
     if column.dtype.kind == "U" or all(type(cell) is str for cell in column.tolist())
 }
 
+SORTED = dict(ALL_TEXT, nulls=OBJECTS["texts and nulls"])
+SORTED.update((kind, OBJECTS[kind]) for kind in OBJECT_NUMBERS)
+NO_MARKERS_INSIDE = {
+    kind: column for kind, column in COLUMNS.items() if kind != "integers and marker texts"
+}
+BESIDE_NUMBERS = {
+    "texts and a number": objects("b", -999, "a", "?"),
+    "number texts and a number": objects("1", -999.0, "2.5"),
+    "numbers": objects(-999, 1.5, 2, None, "?"),
+}
+
 # A routine, what comes after the column, and the columns that it answers from memory.
 TAKEN = [
-    ("numpy_whatis", (), COLUMNS),
+    ("numpy_whatis", (), NO_MARKERS_INSIDE),
     ("numpy_whatis", (MARKERS,), COLUMNS),
     ("numpy_isin", (["?", "a"],), COLUMNS),
     ("numpy_isin", (MARKERS,), COLUMNS),
@@ -59,7 +79,14 @@ TAKEN = [
     ("get_unique_values", (MARKERS, False, False, True), dict(NUMBERS, **ALL_TEXT)),
     ("get_unique_values", ([1, 2.0], False, False, True), NUMBERS),
     ("get_unique_values", (), ALL_TEXT),
-    ("get_unique_values", (MARKERS,), dict(ALL_TEXT, nulls=OBJECTS["texts and nulls"])),
+    ("get_unique_values", (MARKERS,), SORTED),
+    ("numpy_whatis", (["?", -999, None],), BESIDE_NUMBERS),
+    ("numpy_isin", (["?", -999],), BESIDE_NUMBERS),
+    ("numpy_compute_missing_indicator", (["?", -999, None],), BESIDE_NUMBERS),
+    ("FCplus.getClasses", (True, MARKERS), COLUMNS),
+    ("FCplus.getClasses", (True, ["?", -999, None]), BESIDE_NUMBERS),
+    ("FCplus.is_column_categorical", (MARKERS,), COLUMNS),
+    ("FCplus.is_column_categorical_mult_cats", (MARKERS,), ALL_TEXT),
 ]
 # A profiler sees every step of numpy and pandas that the interpreter route takes in these.
 CASES = [

@@ -1,0 +1,186 @@
+#include "columns/classes.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include "columns/membership.hpp"
+#include "columns/numbers.hpp"
+#include "columns/object_tally.hpp"
+#include "interp/errors.hpp"
+#include "kernels/number_count.hpp"
+#include "kernels/text_table.hpp"
+
+namespace quorin::columns {
+
+namespace {
+
+// Rows that are left out by equality; none where there is no mask.
+class Unwanted {
+  public:
+    explicit Unwanted(Ref mask) : mask_(std::move(mask)), marked_(mask_ ? PyArray_BYTES(as_array(mask_)) : nullptr) {}
+    [[nodiscard]] bool has(std::size_t row) const noexcept { return marked_ != nullptr && marked_[row] != 0; }
+
+  private:
+    Ref mask_;
+    const char* marked_;
+};
+
+template <class Cells, class Skip>
+std::optional<std::vector<Distinct>> text_classes(const Column& column, const Cells& cells, Skip skip) {
+    kernels::TextTable table(column.rows);
+    if (!kernels::add_all(table, cells, skip)) return std::nullopt;
+    std::vector<Distinct> classes;
+    classes.reserve(table.entries().size());
+    for (const kernels::DistinctText& entry : table.entries()) {
+        classes.push_back({entry.row, static_cast<npy_intp>(entry.count)});
+    }
+    return classes;
+}
+
+std::optional<std::vector<Distinct>> object_classes(const Column& column, const Unwanted& equal,
+                                                    const std::vector<PyObject*>& nulls) {
+    const auto skip = [&](std::size_t row) {
+        if (equal.has(row)) return true;
+        return !nulls.empty() && std::find(nulls.begin(), nulls.end(), column.object(row)) != nulls.end();
+    };
+    std::size_t first = 0;
+    while (first < column.rows && skip(first)) ++first;
+    if (first < column.rows && column.object(first) != nullptr && PyUnicode_CheckExact(column.object(first))) {
+        if (auto classes = text_classes(column, ObjectCells(column), skip)) return classes;
+    }
+    ObjectTally tally(column);
+    for (std::size_t row = first; row < column.rows; ++row) {
+        if (!skip(row) && !tally.add(row)) return std::nullopt;
+    }
+    std::vector<Distinct> classes;
+    classes.reserve(tally.entries().size());
+    for (const ObjectTally::Entry& entry : tally.entries()) classes.push_back({entry.row, entry.count});
+    return classes;
+}
+
+template <class Number>
+std::uint64_t key_of(Number value) noexcept {
+    if constexpr (std::is_floating_point_v<Number>) return kernels::pattern_of(static_cast<double>(value));
+    return static_cast<std::uint64_t>(value);
+}
+
+template <class Number>
+std::vector<Distinct> number_classes(const Column& column, const Unwanted& equal) {
+    constexpr std::size_t ahead = 16;
+    std::vector<Distinct> classes;
+    kernels::NumberTable table;
+    std::uint64_t last_key = 0;
+    std::uint32_t last = 0;
+    bool any = false;
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (equal.has(row)) continue;
+        if (row + ahead < column.rows) table.prefetch(key_of(load<Number>(column, row + ahead)));
+        const Number value = load<Number>(column, row);
+        const auto next = static_cast<std::uint32_t>(classes.size());
+        if constexpr (std::is_floating_point_v<Number>) {
+            if (std::isnan(value)) {
+                classes.push_back({row, 1});
+                continue;
+            }
+        }
+        const std::uint64_t key = key_of(value);
+        // Runs of one value need no search.
+        if (!any || key != last_key) {
+            last = table.find_or_add(key, next);
+            last_key = key;
+            any = true;
+        }
+        if (last == next) classes.push_back({row, 0});
+        ++classes[last].count;
+    }
+    return classes;
+}
+
+// Two values, so that counting needs no search. A byte of an array of booleans may be any number but 0 for true.
+std::vector<Distinct> boolean_classes(const Column& column, const Unwanted& equal) {
+    std::array<Distinct, 2> found{};
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        if (equal.has(row)) continue;
+        Distinct& entry = found[load<std::uint8_t>(column, row) != 0 ? 1 : 0];
+        if (entry.count++ == 0) entry.row = row;
+    }
+    if (found[0].row > found[1].row) std::swap(found[0], found[1]);
+    std::vector<Distinct> classes;
+    for (const Distinct& entry : found) {
+        if (entry.count != 0) classes.push_back(entry);
+    }
+    return classes;
+}
+
+// As the array gives it when it is indexed; the two common types without numpy's detour.
+Ref scalar_at(const Column& column, std::size_t row) {
+    const int type = PyArray_TYPE(column.array);
+    if (type == NPY_DOUBLE) {
+        Ref scalar = Ref::take(PyDoubleArrType_Type.tp_alloc(&PyDoubleArrType_Type, 0));
+        reinterpret_cast<PyDoubleScalarObject*>(scalar.get())->obval = load<double>(column, row);
+        return scalar;
+    }
+    if (type == NPY_LONG) {
+        Ref scalar = Ref::take(PyLongArrType_Type.tp_alloc(&PyLongArrType_Type, 0));
+        reinterpret_cast<PyLongScalarObject*>(scalar.get())->obval = load<long>(column, row);
+        return scalar;
+    }
+    if (type == NPY_UNICODE) {
+        // An element of fixed-width text is a str by its base, which makes it of the type asked for.
+        kernels::TextView text{};
+        FixedTextCells(column).read(row, text);
+        const Ref plain = Ref::take(
+            PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.characters, static_cast<Py_ssize_t>(text.length)));
+        const Ref arguments = Ref::take(PyTuple_Pack(1, plain.get()));
+        return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
+    }
+    auto* data = const_cast<char*>(column.at(row));
+    return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
+}
+
+}  // namespace
+
+std::optional<std::vector<Distinct>> classes_of(const Column& column, const Markers& left_out) {
+    constexpr std::size_t most_rows = 0x7fffffff;
+    if (column.rows > most_rows) return std::nullopt;
+    Markers values = left_out;
+    values.null_bits = 0;
+    std::vector<PyObject*> nulls;
+    for (PyObject* value : left_out.objects) {
+        if (is_plain_null(value)) nulls.push_back(value);
+    }
+    Ref mask;
+    if (nulls.size() < left_out.objects.size()) {
+        std::optional<Ref> marked = membership_mask(column, values);
+        if (!marked) return std::nullopt;
+        mask = std::move(*marked);
+    }
+    const Unwanted equal(std::move(mask));
+    if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
+    if (column.storage == Storage::fixed_text) {
+        const auto skip = [&](std::size_t row) { return equal.has(row); };
+        return text_classes(column, FixedTextCells(column), skip);
+    }
+    if (column.storage == Storage::boolean) return boolean_classes(column, equal);
+    std::vector<Distinct> classes;
+    const bool counted = with_number_type(column, [&](auto type) {
+        classes = number_classes<decltype(type)>(column, equal);
+        return true;
+    });
+    if (!counted) return std::nullopt;
+    return classes;
+}
+
+std::vector<Ref> elements_of(const Column& column, const std::vector<Distinct>& classes) {
+    std::vector<Ref> elements;
+    elements.reserve(classes.size());
+    for (const Distinct& entry : classes) {
+        elements.push_back(column.storage == Storage::objects ? Ref::share(column.object(entry.row))
+                                                              : scalar_at(column, entry.row));
+    }
+    return elements;
+}
+
+}  // namespace quorin::columns
