@@ -37,17 +37,23 @@ void sort(Object array) {
     if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
 }
 
-// Brings a sorted row of numbers down to the different ones, which stand at its start then, and gives their counts.
-// NaNs, which stand at the end, count as one.
+// How many of the sorted numbers stand before the NaNs.
 template <class Number>
-Ref collapse(Number* numbers, std::size_t size) {
-    std::size_t plain = size;
+std::size_t without_nulls(const Number* numbers, std::size_t size) {
     if constexpr (std::is_floating_point_v<Number>) {
         if (size != 0 && std::isnan(numbers[size - 1])) {
             const auto is_number = [](Number number) { return !std::isnan(number); };
-            plain = static_cast<std::size_t>(std::partition_point(numbers, numbers + size, is_number) - numbers);
+            return static_cast<std::size_t>(std::partition_point(numbers, numbers + size, is_number) - numbers);
         }
     }
+    return size;
+}
+
+// Brings a sorted row of numbers down to the different ones, which stand at its start then, and gives their counts.
+// NaNs count as one.
+template <class Number>
+Ref collapse(Number* numbers, std::size_t size) {
+    const std::size_t plain = without_nulls(numbers, size);
     const std::size_t runs = kernels::count_runs(numbers, plain);
     Ref counted = empty_array(runs + static_cast<std::size_t>(plain != size), NPY_INTP);
     auto* counts = data_of<npy_intp>(counted);
@@ -160,7 +166,7 @@ std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut
     const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
     auto* wide = reinterpret_cast<PyArray_Descr*>(float64.get());
     const std::size_t size = column.rows - left_out.marked;
-    Ref copy = empty_array(size, NPY_FLOAT);
+    const Ref copy = empty_array(size, NPY_FLOAT);
     auto* numbers = data_of<float>(copy);
     kernels::copy_kept<float>(column.data, column.stride, marks_of(left_out), numbers, size);
     if (kernels::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);

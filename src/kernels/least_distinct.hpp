@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <vector>
 
@@ -43,10 +44,20 @@ template <class Cells>
         if (left.key != right.key) return left.key < right.key;
         return compare(left.text, right.text) < 0;
     };
+    // Texts that were dealt with lately: of few different ones all but the first are.
+    constexpr unsigned bits = 8;
+    std::array<KeyedText, std::size_t{1} << bits> lately{};
+    const auto place_of = [](std::uint64_t key) {
+        constexpr std::uint64_t odd = 0x9e3779b97f4a7c15ULL;
+        return static_cast<std::size_t>(key * odd >> (64U - bits));
+    };
     TextFacts facts;
     const auto on_text = [&](std::size_t row, TextView text) {
         const KeyedText entry{leading_characters(text), text, row};
         if (least.size() == most && entry.key > least.back().key) return true;
+        KeyedText& before = lately[place_of(entry.key)];
+        if (before.key == entry.key && before.text.characters != nullptr && same(before.text, text)) return true;
+        before = entry;
         const auto place = std::lower_bound(least.begin(), least.end(), entry, below);
         if (place != least.end() && place->key == entry.key && same(place->text, text)) return true;
         least.insert(place, entry);
