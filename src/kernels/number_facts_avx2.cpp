@@ -80,7 +80,7 @@ template <class Ops, class Question, class Float>
     typename Ops::Numbers even = Ops::zeros();
     typename Ops::Numbers odd = Ops::zeros();
     // One line of the cache a time; the processor alone fetches from the second level too late for this loop.
-    constexpr std::size_t ahead = 8 * 2 * together;
+    constexpr std::size_t ahead = std::size_t{16} * together;
     for (std::size_t i = 0; i < size; i += 2 * together) {
         __builtin_prefetch(at + i + ahead);
         even = Ops::either(even, Question::of(Ops::load(at + i)));

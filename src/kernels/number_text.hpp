@@ -74,10 +74,11 @@ inline TextClass classify_short(ShortText text) noexcept {
 TextClass classify_uncommon(const void* characters, std::size_t length, int width, bool compact,
                             const Script& script) noexcept;
 
-// The same for any compact text that is not empty; most in use are short.
+// The same for any compact text; most in use are short.
 inline TextClass classify_common(TextView text) noexcept {
     const auto* at = static_cast<const std::uint8_t*>(text.characters);
     const std::uint8_t* const end = at + text.length;
+    if (text.length == 0) return TextClass::plain;
     if (text.length <= 8) return classify_short({eight_bytes(end - 8), text.length});
     constexpr std::size_t longest = 32;
     if (!may_start_number[*at]) return TextClass::plain;

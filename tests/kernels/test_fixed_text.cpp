@@ -74,7 +74,7 @@ void check_cell(const FixedText& cells, std::size_t row, const std::u32string& t
 
 void all_widths() {
     std::mt19937 random(7);
-    constexpr std::array<char32_t, 6> odd{U'\0', U'\0', 0x7f, 0x80, 0x130, 0x1f631};
+    constexpr std::array<char32_t, 7> odd{U'\0', U'\0', 0x7f, 0x80, 0x100, 0x10000, 0x1f631};
     for (std::size_t longest = 1; longest <= 20; ++longest) {
         for (const std::size_t apart : {0U, 1U, 3U}) {
             std::vector<std::u32string> texts(200);

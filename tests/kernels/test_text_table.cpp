@@ -146,7 +146,7 @@ void large_columns() {
 void alike_at_the_start() {
     Texts texts;
     for (int i = 0; i < 5000; ++i) {
-        texts.push_back(U"serial number ");
+        texts.emplace_back(U"serial number ");
         for (const char c : std::to_string(1000000 + i * 7919 % 5000)) texts.back().push_back(static_cast<char32_t>(c));
     }
     expect(texts, "a common start");
