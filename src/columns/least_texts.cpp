@@ -7,12 +7,14 @@ namespace quorin::columns {
 
 std::optional<Ref> least_texts(const Column& column, const Markers& markers, std::size_t most) {
     std::vector<kernels::KeyedText> least;
+    bool nulls = false;
     const bool texts = column.storage == Storage::objects
-                           ? kernels::least_distinct(ObjectCells(column), markers.texts, most, least)
+                           ? kernels::least_distinct(ObjectCells(column), markers.texts, most, least, nulls)
                        : column.storage == Storage::fixed_text
-                           ? kernels::least_distinct(FixedTextCells(column), markers.texts, most, least)
+                           ? kernels::least_distinct(FixedTextCells(column), markers.texts, most, least, nulls)
                            : false;
-    if (!texts) return std::nullopt;
+    // Nulls that no marker takes away are distinct values, too.
+    if (!texts || (nulls && markers.null_bits == 0 && !markers.none())) return std::nullopt;
     std::vector<Distinct> listed;
     listed.reserve(least.size());
     for (const kernels::KeyedText& entry : least) listed.push_back({entry.row, 1});

@@ -8,7 +8,7 @@
 namespace quorin::columns {
 
 // The first `most` elements of the distinct texts that are no markers, in an array of the column's dtype; nothing for a
-// column of anything but texts and nulls.
+// column of anything but texts and missing nulls.
 std::optional<Ref> least_texts(const Column& column, const Markers& markers, std::size_t most);
 
 }  // namespace quorin::columns

@@ -34,10 +34,11 @@ inline std::uint64_t leading_characters(TextView text) noexcept {
     return key;
 }
 
-// At most `most` texts, ascending, of those that are no markers. False where a cell is neither text nor null.
+// At most `most` texts, ascending, of those that are no markers; whether there are nulls beside them. False where a cell
+// is neither text nor null.
 template <class Cells>
 [[gnu::flatten]] bool least_distinct(const Cells& cells, const MarkerSet& markers, std::size_t most,
-                                     std::vector<KeyedText>& least) {
+                                     std::vector<KeyedText>& least, bool& nulls) {
     least.clear();
     least.reserve(most + 1);
     const auto below = [](const KeyedText& left, const KeyedText& right) {
@@ -65,7 +66,9 @@ template <class Cells>
         return true;
     };
     const auto none_settled = [](ShortText) { return false; };
-    return walk_texts(cells, markers, facts, none_settled, on_text) == Gathered::all;
+    const bool all = walk_texts(cells, markers, facts, none_settled, on_text) == Gathered::all;
+    nulls = facts.nulls;
+    return all;
 }
 
 }  // namespace quorin::kernels

@@ -67,9 +67,11 @@ void random_columns() {
         const std::size_t most = 1 + random() % 6;
         Cells cells;
         std::map<std::u32string, std::size_t> first_rows;
+        bool null_added = false;
         for (std::size_t row = 0, rows = random() % 40; row < rows; ++row) {
             if (random() % 5 == 0) {
                 cells.add(Cell::null);
+                null_added = true;
                 continue;
             }
             const std::u32string text = some_text(random);
@@ -79,7 +81,9 @@ void random_columns() {
             if (text != marker) first_rows.emplace(text, row);
         }
         std::vector<kernels::KeyedText> least;
-        check(kernels::least_distinct(cells, markers, most, least), "a column of texts");
+        bool nulls = false;
+        check(kernels::least_distinct(cells, markers, most, least, nulls), "a column of texts");
+        check(nulls == null_added, "nulls in column " + std::to_string(i));
         check(least.size() == std::min(most, first_rows.size()), "how many in column " + std::to_string(i));
         auto expected = first_rows.begin();
         for (const kernels::KeyedText& entry : least) {
@@ -94,7 +98,8 @@ void other_cells() {
     cells.add(U"a", Stored::compact);
     cells.add(Cell::other);
     std::vector<kernels::KeyedText> least;
-    check(!kernels::least_distinct(cells, kernels::MarkerSet{}, 3, least), "a cell of no known kind");
+    bool nulls = false;
+    check(!kernels::least_distinct(cells, kernels::MarkerSet{}, 3, least, nulls), "a cell of no known kind");
 }
 
 const std::array tests{
