@@ -240,13 +240,18 @@ def twin(value: Any) -> Any:
     return int(str(value)) if type(value) is int and abs(value) < 10**18 else value
 
 
+def _has_twins(value: Any) -> bool:
+    """Whether equal objects of the type are told apart by nothing but their identity."""
+    return type(value) in (str, int, float) and value == value
+
+
 def spread(values: List[Any], dtype: str, shape: str, twins: bool = False) -> Recipe:
     """A column recipe; content that does not fit the dtype is held as objects."""
     if twins:
         values = [twin(value) if i % 2 else value for i, value in enumerate(values)]
     else:
-        kept: Dict[str, str] = {}
-        values = [kept.setdefault(x, x) if type(x) is str else x for x in values]
+        kept: Dict[Tuple[type, str], Any] = {}
+        values = [kept.setdefault((type(x), repr(x)), x) if _has_twins(x) else x for x in values]
     for kind in (dtype, "O"):
         text = "{}{}: array_of({!r}, {!r})".format("twins " * twins, shape, values, kind)
         recipe = (Twins if twins and kind == "O" else Recipe)(
