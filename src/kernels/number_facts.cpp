@@ -156,4 +156,16 @@ NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t 
     return gather<float>(data, stride, rows);
 }
 
+void write_flags(const char* data, std::ptrdiff_t stride, std::size_t rows, double* out) noexcept {
+    if (stride == 1) {
+        // As bits of a number: the loop becomes one over whole registers.
+        constexpr auto one = std::bit_cast<std::uint64_t>(1.0);
+        for (std::size_t row = 0; row < rows; ++row) {
+            out[row] = std::bit_cast<double>((std::uint64_t{0} - static_cast<std::uint64_t>(data[row] != 0)) & one);
+        }
+        return;
+    }
+    for (std::size_t row = 0; row < rows; ++row, data += stride) out[row] = *data != 0 ? 1.0 : 0.0;
+}
+
 }  // namespace quorin::kernels

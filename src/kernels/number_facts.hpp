@@ -15,4 +15,7 @@ struct NumberFacts {
 NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
 NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept;
 
+// 1.0 for each byte that is not zero, 0.0 for the others. `stride` in bytes.
+void write_flags(const char* data, std::ptrdiff_t stride, std::size_t rows, double* out) noexcept;
+
 }  // namespace quorin::kernels

@@ -45,6 +45,11 @@ LOOKED_UP: Dict[str, List[str]] = {
     "numpy_whatis": WHATIS,
     "numpy_isintstr": ["isint", "numpy_isintstr"],
     "numpy_floatstr2float": ["isfloat", "np", "np.nan", "numpy_floatstr2float"],
+    "numpy_boolean2float": ISIN + ["np.nan", "numpy_boolean2float"],
+    "numpy_column_float2str": ["pd", "pd.isnull", "np", "numpy_column_float2str"],
+    "numpy_putmask": ["np", "np.putmask", "numpy_putmask"],
+    "numpy_replace_values": ISIN + ["np.empty", "np.putmask", "numpy_putmask", "numpy_replace_values"],
+    "compress_str_column": ["compress_string", "hashlib", "hashlib.md5", "pd", "pd.isnull", "np"],
     "FCplus.is_num_column_categorical": ["np", "np.unique"],
     "FCplus.is_column_categorical": WHATIS + LISTED + ["FCplus.is_num_column_categorical"],
     "FCplus.getClasses": WHATIS + LISTED + ["Counter"],
@@ -79,7 +84,7 @@ def pass_through(dotted: str) -> Any:
         return value + value
     if dotted == "numbers.Integral":
         return _Instances("Integral", (), {"real": value})
-    if dotted in ("np", "pd", "six", "numbers", "FC", "FCplus"):
+    if dotted in ("np", "pd", "six", "numbers", "hashlib", "FC", "FCplus"):
         return Overlay(value)
     # Called from C without a frame of its own, so that profilers see the interpreter route alone.
     passed = functools.partial(value)
@@ -291,6 +296,32 @@ def names_for(routine: str) -> Any:
 
 def objects(*cells: Any) -> np.ndarray:
     return array_of(list(cells))
+
+
+# Layouts of a table of some columns.
+TABLES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
+    "rows": lambda table: table,
+    "columns": np.asfortranarray,
+    "transposed": lambda table: table.T,
+    "upside down": lambda table: table[::-1],
+    "every other column": lambda table: np.repeat(table, 2, axis=1)[:, ::2],
+    "read only": lambda table: _frozen(table.copy()),
+    "byte-swapped": lambda table: table.astype(table.dtype.newbyteorder()),
+}
+
+
+@st.composite
+def tables(draw: Any, kinds: Any = None) -> Recipe:
+    """A table made of the cells of a column, a row of them at a time."""
+    cells = draw(long_columns(kinds, SHORT))
+    width = draw(st.integers(1, 4))
+    layout = draw(st.sampled_from(sorted(TABLES)))
+
+    def make(inner: Any) -> np.ndarray:
+        flat = inner(cells).reshape(-1)
+        return TABLES[layout](flat[: len(flat) // width * width].reshape(-1, width))
+
+    return Recipe("{}, {} wide: {!r}".format(layout, width, cells), make, cells.values)
 
 
 def frame_of(recipe: Recipe) -> Recipe:

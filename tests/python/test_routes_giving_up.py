@@ -157,9 +157,19 @@ ROUTINES = {
     "get_unique_values": (["?"], False, False, True),
     "numpy_isintstr": (["?"],),
     "numpy_floatstr2float": (["?"],),
+    "numpy_column_float2str": (),
+    "numpy_replace_values": ("x", ["?", "a"]),
+    "compress_str_column": (["?"],),
     "FCplus.getClasses": (True, ["?"]),
     "FCplus.is_num_column_categorical": (),
 }
+# The same routines in their other ways.
+WAYS = [
+    ("numpy_column_float2str", (False,)),
+    ("compress_str_column", (["?"], "hash")),
+    ("numpy_replace_values", (1.5, ["?", np.nan], True)),
+    ("numpy_putmask", (np.arange(130) % 3 == 0, "x")),
+]
 ROWS = 130
 
 
@@ -192,6 +202,14 @@ def test_last_row(name, strange, before):
     assert plain == forced
 
 
+@pytest.mark.parametrize("before", sorted(BEFORE))
+@pytest.mark.parametrize("strange", sorted(STRANGE))
+@pytest.mark.parametrize("name, more", WAYS)
+def test_last_row_in_other_ways(name, more, strange, before):
+    plain, forced = both(name, (last(before, strange),) + more, "isfloat")
+    assert plain == forced
+
+
 @pytest.mark.parametrize("before", ["texts", "number texts"])
 @pytest.mark.parametrize("strange", sorted(STRANGE))
 def test_last_row_of_membership(strange, before):
@@ -205,9 +223,15 @@ def test_last_row_of_membership(strange, before):
 @pytest.mark.parametrize("name", sorted(ROUTINES))
 def test_python_sees_the_same_calls(name, strange, before):
     column = last(before, strange).make(lambda inner: inner)
-    events_of(name, (column,) + ROUTINES[name])  # Loggers remember their levels from now on.
-    plain = events_of(name, (column,) + ROUTINES[name])
-    forced = events_of(name, (column,) + ROUTINES[name], by="isfloat")
+
+    def events(by=None):
+        seen = events_of(name, (column.copy(),) + ROUTINES[name], by)
+        # Putting values into the places of a mask asks nothing of the elements, known or not.
+        return [event for event in seen if not event[1].endswith(".putmask")]
+
+    events()  # Loggers remember their levels from now on.
+    plain = events()
+    forced = events("isfloat")
     asked()
     assert plain == forced
 

@@ -45,6 +45,9 @@ ONE_COLUMN = Recipe("one column", lambda inner: np.array([["b"], ["?"], ["a"]], 
 FIXED = Recipe("np.array(['b', 'a'])", lambda inner: np.array(["b", "a"]))
 WHOLE = Recipe("np.array([2, 1, 2])", lambda inner: np.array([2, 1, 2]))
 REAL = Recipe("np.array([1.5, 2.0])", lambda inner: np.array([1.5, 2.0]))
+NULLS = Recipe("objects(1.5, nan, 2.0)", lambda inner: objects(1.5, np.nan, 2.0))
+FIXED_NUMBERS = Recipe("np.array(['100', '20'])", lambda inner: np.array(["100", "20"]))
+LABELS = Recipe("objects('a b', '?', 'c')", lambda inner: objects("a b", "?", "c"))
 TRUTH = Recipe("np.array([True, False])", lambda inner: np.array([True, False]))
 
 MASK = [
@@ -155,6 +158,58 @@ GUARDS = [
         [("isfloat", refuse), ("np.nan", 7.0)],
     ),
     ("numpy_floatstr2float", (NUMBER_AND_WORD,), [("isfloat", always(True)), ("np.nan", 7.0)]),
+    ("numpy_isintstr", (NULLS, [np.nan]), [("isint", always(False))]),
+    ("numpy_floatstr2float", (NULLS, [np.nan]), [("np.nan", 7.0), ("isfloat", refuse)]),
+    ("numpy_isintstr", (FIXED_NUMBERS,), [("isint", always(False))]),
+    ("numpy_floatstr2float", (FIXED_NUMBERS, ["100"]), [("np.nan", 7.0), ("isfloat", refuse)]),
+    (
+        "numpy_boolean2float",
+        (TRUTH, [False]),
+        [
+            ("np.vectorize", refuse),
+            ("numpy_isin", always(np.array([False, False]))),
+            ("np.nan", 0),
+        ],
+    ),
+    (
+        "numpy_column_float2str",
+        (NULLS, False),
+        [("pd.isnull", always(True)), ("np.float", str)],
+    ),
+    (
+        "numpy_putmask",
+        (WORDS, np.array([True, False, False]), "x"),
+        [("np.putmask", refuse), ("np.putmask", always(None))],
+    ),
+    (
+        "numpy_replace_values",
+        (WORDS, "x", ["?", np.nan]),
+        MASK
+        + [
+            ("numpy_isin", always(np.ones(3, dtype=bool))),
+            ("indicator_mask", always(np.ones(3, dtype=bool))),
+            ("numpy_putmask", always("other")),
+            ("np.putmask", refuse),
+            ("np.any", always(False)),
+            ("np.empty", refuse),
+            ("pd.isnull", refuse),
+        ],
+    ),
+    (
+        "compress_str_column",
+        (LABELS, ["?"]),
+        [("compress_string", always("other")), ("pd.isnull", always(True))],
+    ),
+    (
+        "compress_str_column",
+        (LABELS, ["?"], "hash"),
+        [
+            ("compress_string", always("other")),
+            ("hashlib.md5", refuse),
+            ("pd.isnull", always(True)),
+            ("np.nan", "other"),
+        ],
+    ),
     (
         "FCplus.is_num_column_categorical",
         (WHOLE,),

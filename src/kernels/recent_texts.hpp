@@ -1,0 +1,44 @@
+// A small memory for what was worked out of a text, so that a column of few different texts asks for it few times.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "kernels/cells.hpp"
+#include "kernels/text_order.hpp"
+
+namespace quorin::kernels {
+
+// What is remembered of a text gives way to another text that falls into the same place: the memory stays small
+// whatever a column holds. The texts themselves stay with the caller, unchanged.
+template <class Value>
+class RecentTexts {
+  public:
+    RecentTexts() : places_(size) {}
+
+    // The value of an equal text that was met lately, or else what make() gives for this one.
+    template <class Make>
+    const Value& get(TextView text, Make make) {
+        const std::uint64_t hash = hash_text(text);
+        Place& place = places_[hash % size];
+        if (!place.used || place.hash != hash || !same(place.text, text)) {
+            place.value = make();
+            place.text = text;
+            place.hash = hash;
+            place.used = true;
+        }
+        return place.value;
+    }
+
+  private:
+    static constexpr std::size_t size = 1024;
+    struct Place {
+        std::uint64_t hash = 0;
+        TextView text{};
+        bool used = false;
+        Value value{};
+    };
+    std::vector<Place> places_;
+};
+
+}  // namespace quorin::kernels

@@ -1,0 +1,140 @@
+#include "transform/replacement_native.hpp"
+
+#include <array>
+#include <cstring>
+#include <optional>
+#include <vector>
+
+#include "columns/membership.hpp"
+#include "columns/objects.hpp"
+#include "interp/errors.hpp"
+#include "interp/originals.hpp"
+
+namespace quorin::transform {
+
+namespace {
+
+using columns::Column;
+using columns::Replaced;
+
+// What numpy puts into every masked place as it is; it would go through the elements of a sequence.
+bool is_plain_filling(Object value) noexcept {
+    return value.is_none() || PyUnicode_CheckExact(value.get()) || PyFloat_CheckExact(value.get()) ||
+           PyLong_CheckExact(value.get()) || PyBool_Check(value.get());
+}
+
+// The columns of an array of one or two dimensions; none where it is empty or of a dtype that is not known.
+std::vector<Column> columns_of(Object X) {
+    if (!is_exact_array(X)) return {};
+    PyArrayObject* array = as_array(X);
+    const int dimensions = PyArray_NDIM(array);
+    if (dimensions != 1 && dimensions != 2) return {};
+    std::optional<Column> first = columns::first_column(X);
+    if (!first) return {};
+    const npy_intp width = dimensions == 1 ? 1 : PyArray_DIM(array, 1);
+    std::vector<Column> found(static_cast<std::size_t>(width), *first);
+    for (npy_intp j = 1; j < width; ++j) {
+        found[static_cast<std::size_t>(j)].data += j * PyArray_STRIDE(array, 1);
+    }
+    return found;
+}
+
+// An array of the shape of X whose places hold nothing yet.
+Ref new_objects(Object X) {
+    PyArrayObject* array = as_array(X);
+    return Ref::take(PyArray_SimpleNew(PyArray_NDIM(array), PyArray_DIMS(array), NPY_OBJECT));
+}
+
+void write_column(const Column& column, const Replaced& replaced, Object Y, std::size_t j) {
+    PyArrayObject* array = as_array(Y);
+    char* out = PyArray_BYTES(array);
+    if (j != 0) out += static_cast<npy_intp>(j) * PyArray_STRIDE(array, 1);
+    columns::write_objects(column, replaced, out, PyArray_STRIDE(array, 0));
+}
+
+// An object that cannot be made is the interpreter route's to complain about.
+template <class Make>
+Ref unless_it_fails(Make make) {
+    try {
+        return make();
+    } catch (const PythonError&) {
+        PyErr_Clear();
+        return {};
+    }
+}
+
+bool is_mask_for(Object mask, Object X) noexcept {
+    if (!is_exact_array(mask) || PyArray_TYPE(as_array(mask)) != NPY_BOOL) return false;
+    PyArrayObject* array = as_array(X);
+    return PyArray_NDIM(as_array(mask)) == PyArray_NDIM(array) &&
+           PyArray_CompareLists(PyArray_DIMS(as_array(mask)), PyArray_DIMS(array), PyArray_NDIM(array)) != 0;
+}
+
+// Whether the converted array lies in memory row by row: the layout of the original is kept.
+bool keeps_row_order(Object X) noexcept {
+    return PyArray_NDIM(as_array(X)) == 1 || PyArray_IS_C_CONTIGUOUS(as_array(X)) != 0;
+}
+
+bool holds(Object mask, bool wanted) noexcept {
+    const char* bytes = PyArray_BYTES(as_array(mask));
+    const auto size = static_cast<std::size_t>(PyArray_SIZE(as_array(mask)));
+    return std::memchr(bytes, wanted ? 1 : 0, size) != nullptr;
+}
+
+// The masks of all columns, each by its own list or all by one; nothing where one of them is not settled here.
+std::optional<std::vector<Ref>> masks_of(const std::vector<Column>& table, Object lists) {
+    const bool list_for_each = PyList_Check(PyList_GET_ITEM(lists.get(), 0));
+    if (list_for_each && PyList_GET_SIZE(lists.get()) < static_cast<Py_ssize_t>(table.size())) return std::nullopt;
+    std::vector<Ref> masks;
+    std::optional<columns::Markers> values;
+    for (std::size_t j = 0; j < table.size(); ++j) {
+        if (list_for_each || j == 0) {
+            const Object list = list_for_each ? PyList_GET_ITEM(lists.get(), static_cast<Py_ssize_t>(j)) : lists;
+            if (!PyList_CheckExact(list.get())) return std::nullopt;
+            values = columns::plain_markers(list);
+            if (!values || (values->null_bits != 0 && !columns::survive_asarray(*values))) return std::nullopt;
+        }
+        std::optional<Ref> mask = columns::membership_mask(table[j], *values);
+        if (!mask) return std::nullopt;
+        masks.push_back(std::move(*mask));
+    }
+    return masks;
+}
+
+}  // namespace
+
+Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
+    if (!originals_in_place() || !is_plain_filling(filling_value)) return {};
+    const std::vector<Column> table = columns_of(X);
+    if (table.empty() || !keeps_row_order(X) || !is_mask_for(replace_values_mask, X)) return {};
+    PyArrayObject* mask = as_array(replace_values_mask);
+    return unless_it_fails([&] {
+        Ref Y = new_objects(X);
+        for (std::size_t j = 0; j < table.size(); ++j) {
+            const npy_intp start = j == 0 ? 0 : static_cast<npy_intp>(j) * PyArray_STRIDE(mask, 1);
+            write_column(table[j], {PyArray_BYTES(mask) + start, PyArray_STRIDE(mask, 0), false, filling_value}, Y, j);
+        }
+        return Y;
+    });
+}
+
+Ref native_replace_values(Object X, Object filling_value, Object reference_values_list, Object invert_flag) {
+    if (!originals_in_place() || !is_plain_filling(filling_value) || !PyBool_Check(invert_flag.get())) return {};
+    if (!PyList_CheckExact(reference_values_list.get()) || PyList_GET_SIZE(reference_values_list.get()) == 0) return {};
+    const std::vector<Column> table = columns_of(X);
+    if (table.empty()) return {};
+    const bool inverted = invert_flag.is(Py_True);
+    return unless_it_fails([&]() -> Ref {
+        const std::optional<std::vector<Ref>> masks = masks_of(table, reference_values_list);
+        if (!masks) return {};
+        const bool flat = PyArray_NDIM(as_array(X)) == 1;
+        if (flat && !holds(masks->front(), !inverted)) return Ref::share(X);
+        Ref Y = new_objects(X);
+        for (std::size_t j = 0; j < table.size(); ++j) {
+            write_column(table[j], {PyArray_BYTES(as_array((*masks)[j])), 1, inverted, filling_value}, Y, j);
+        }
+        return Y;
+    });
+}
+
+}  // namespace quorin::transform
