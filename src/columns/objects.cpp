@@ -1,5 +1,9 @@
 #include "columns/objects.hpp"
 
+#include <array>
+#include <bit>
+#include <cstring>
+
 #include "columns/numbers.hpp"
 
 namespace quorin::columns {
@@ -16,16 +20,35 @@ void write(const Column& column, const Replaced& replaced, char* out, std::ptrdi
 
 // A text of one character is one of those that the interpreter keeps.
 constexpr std::size_t shortest_made = 2;
+constexpr std::size_t longest_made = 64;
+
+// The characters as one byte each, read and written two at a time. False where one of them is not ASCII.
+bool narrow(const std::uint32_t* characters, std::size_t length,
+            std::array<char, longest_made>& narrowed) noexcept {
+    std::uint64_t all = 0;
+    std::size_t i = 0;
+    for (; i + 2 <= length; i += 2) {
+        const std::uint64_t two = kernels::eight_bytes(characters + i);
+        all |= two;
+        const auto bytes = static_cast<std::uint16_t>(two | two >> 24U);
+        std::memcpy(narrowed.data() + i, &bytes, sizeof bytes);
+    }
+    if (i < length) {
+        all |= characters[i];
+        narrowed[i] = static_cast<char>(characters[i]);
+    }
+    constexpr std::uint64_t beyond_ascii = ~std::uint64_t{0x0000007f0000007f};
+    return (all & beyond_ascii) == 0;
+}
 
 Ref text_of(const std::uint32_t* characters, std::size_t length) {
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < length; ++i) all |= characters[i];
-    if (all > 0x7f || length < shortest_made) {
+    std::array<char, longest_made> narrowed;
+    if (std::endian::native != std::endian::little || length < shortest_made || length > longest_made ||
+        !narrow(characters, length, narrowed)) {
         return Ref::take(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, characters, static_cast<Py_ssize_t>(length)));
     }
     Ref text = Ref::take(PyUnicode_New(static_cast<Py_ssize_t>(length), 0x7f));
-    auto* to = reinterpret_cast<std::uint8_t*>(text.get()) + sizeof(PyASCIIObject);
-    for (std::size_t i = 0; i < length; ++i) to[i] = static_cast<std::uint8_t>(characters[i]);
+    std::memcpy(reinterpret_cast<char*>(text.get()) + sizeof(PyASCIIObject), narrowed.data(), length);
     return text;
 }
 

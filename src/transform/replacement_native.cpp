@@ -1,6 +1,6 @@
 #include "transform/replacement_native.hpp"
 
-#include <array>
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <vector>
@@ -45,11 +45,33 @@ Ref new_objects(Object X) {
     return Ref::take(PyArray_SimpleNew(PyArray_NDIM(array), PyArray_DIMS(array), NPY_OBJECT));
 }
 
-void write_column(const Column& column, const Replaced& replaced, Object Y, std::size_t j) {
+Column part_of(const Column& column, std::size_t start, std::size_t rows) noexcept {
+    Column part = column;
+    part.data = column.at(start);
+    part.rows = std::min(rows, column.rows - start);
+    return part;
+}
+
+Replaced part_of(const Replaced& replaced, std::size_t start) noexcept {
+    Replaced part = replaced;
+    part.mask += static_cast<std::ptrdiff_t>(start) * replaced.stride;
+    return part;
+}
+
+// The objects of a table lie row by row, and so do its numbers, as a rule: some rows of all columns stay in the cache.
+constexpr std::size_t rows_together = 256;
+
+void write_table(const std::vector<Column>& table, const std::vector<Replaced>& replaced, Object Y) {
     PyArrayObject* array = as_array(Y);
-    char* out = PyArray_BYTES(array);
-    if (j != 0) out += static_cast<npy_intp>(j) * PyArray_STRIDE(array, 1);
-    columns::write_objects(column, replaced, out, PyArray_STRIDE(array, 0));
+    const std::size_t rows = table.front().rows;
+    const std::size_t step = table.size() == 1 ? rows : rows_together;
+    for (std::size_t start = 0; start < rows; start += step) {
+        char* out = PyArray_BYTES(array) + static_cast<npy_intp>(start) * PyArray_STRIDE(array, 0);
+        for (std::size_t j = 0; j < table.size(); ++j, out += sizeof(PyObject*)) {
+            columns::write_objects(part_of(table[j], start, step), part_of(replaced[j], start), out,
+                                   PyArray_STRIDE(array, 0));
+        }
+    }
 }
 
 // An object that cannot be made is the interpreter route's to complain about.
@@ -109,11 +131,13 @@ Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
     if (table.empty() || !keeps_row_order(X) || !is_mask_for(replace_values_mask, X)) return {};
     PyArrayObject* mask = as_array(replace_values_mask);
     return unless_it_fails([&] {
-        Ref Y = new_objects(X);
+        std::vector<Replaced> replaced;
         for (std::size_t j = 0; j < table.size(); ++j) {
             const npy_intp start = j == 0 ? 0 : static_cast<npy_intp>(j) * PyArray_STRIDE(mask, 1);
-            write_column(table[j], {PyArray_BYTES(mask) + start, PyArray_STRIDE(mask, 0), false, filling_value}, Y, j);
+            replaced.push_back({PyArray_BYTES(mask) + start, PyArray_STRIDE(mask, 0), false, filling_value});
         }
+        Ref Y = new_objects(X);
+        write_table(table, replaced, Y);
         return Y;
     });
 }
@@ -129,10 +153,10 @@ Ref native_replace_values(Object X, Object filling_value, Object reference_value
         if (!masks) return {};
         const bool flat = PyArray_NDIM(as_array(X)) == 1;
         if (flat && !holds(masks->front(), !inverted)) return Ref::share(X);
+        std::vector<Replaced> replaced;
+        for (const Ref& mask : *masks) replaced.push_back({PyArray_BYTES(as_array(mask)), 1, inverted, filling_value});
         Ref Y = new_objects(X);
-        for (std::size_t j = 0; j < table.size(); ++j) {
-            write_column(table[j], {PyArray_BYTES(as_array((*masks)[j])), 1, inverted, filling_value}, Y, j);
-        }
+        write_table(table, replaced, Y);
         return Y;
     });
 }

@@ -48,7 +48,8 @@ LOOKED_UP: Dict[str, List[str]] = {
     "numpy_boolean2float": ISIN + ["np.nan", "numpy_boolean2float"],
     "numpy_column_float2str": ["pd", "pd.isnull", "np", "numpy_column_float2str"],
     "numpy_putmask": ["np", "np.putmask", "numpy_putmask"],
-    "numpy_replace_values": ISIN + ["np.empty", "np.putmask", "numpy_putmask", "numpy_replace_values"],
+    "numpy_replace_values": ISIN
+    + ["np.empty", "np.putmask", "numpy_putmask", "numpy_replace_values"],
     "compress_str_column": ["compress_string", "hashlib", "hashlib.md5", "pd", "pd.isnull", "np"],
     "FCplus.is_num_column_categorical": ["np", "np.unique"],
     "FCplus.is_column_categorical": WHATIS + LISTED + ["FCplus.is_num_column_categorical"],

@@ -211,12 +211,16 @@ def test_measures(X, routine, by):
 
 CONVERTED = TEXT_KINDS + NUMBER_KINDS + ["text and numbers"]
 listed = st.lists(
-    st.sampled_from(["?", "", "1", None, np.nan, 0, 1, 2.5, True, False, 2**53, 1e30, 10**30, -0.0]),
+    st.sampled_from(
+        ["?", "", "1", None, np.nan, 0, 1, 2.5, True, False, 2**53, 1e30, 10**30, -0.0]
+    ),
     max_size=5,
 )
 
 
-@property_test(weight=4, case=marked(long_columns(CONVERTED), listed), by=names_for("numpy_isintstr"))
+@property_test(
+    weight=4, case=marked(long_columns(CONVERTED), listed), by=names_for("numpy_isintstr")
+)
 def test_what_is_listed_is_not_converted(case, by):
     compare_routes("numpy_isintstr", by, case)
     compare_routes("numpy_floatstr2float", by, case)
@@ -297,7 +301,9 @@ def masks_for(draw, X):
             return flat[1:]
         if kind == "none":
             return np.zeros(np.shape(inner(X)), dtype=bool)
-        mask = SHAPES[shape](flat.astype(int) if kind == "int" else flat).reshape(np.shape(inner(X)))
+        mask = SHAPES[shape](flat.astype(int) if kind == "int" else flat).reshape(
+            np.shape(inner(X))
+        )
         return mask.tolist() if kind == "list" else mask
 
     return Recipe("{} mask {:x}, {}".format(kind, bits, shape), make)

@@ -73,9 +73,7 @@ LABELS = {
     "fixed-width labels": np.array(["a b", "?", "a b", "c", "x" * 70, ""]),
 }
 THREE = {kind: column[:3] for kind, column in COLUMNS.items()}
-TWO_COLUMNS = {
-    kind: np.stack([column, column[::-1]], axis=1) for kind, column in COLUMNS.items()
-}
+TWO_COLUMNS = {kind: np.stack([column, column[::-1]], axis=1) for kind, column in COLUMNS.items()}
 TAKEN += [
     ("numpy_replace_values", ("x", MARKERS), COLUMNS),
     ("numpy_replace_values", (None, ["a", np.nan], True), COLUMNS),
@@ -142,7 +140,9 @@ def test_flags_need_no_mask(markers):
 def least_time(name, arguments, by=None):
     names = {} if by is None else {by: pass_through(by)}
     with replaced(module, names):
-        return min(timeit.repeat(lambda: find_routine(module, name)(*arguments), number=1, repeat=7))
+        return min(
+            timeit.repeat(lambda: find_routine(module, name)(*arguments), number=1, repeat=7)
+        )
 
 
 QUICK = [("numpy_isintstr", (MARKERS,), kind) for kind in sorted(NUMBER_COLUMNS)]
