@@ -23,8 +23,7 @@ constexpr std::size_t shortest_made = 2;
 constexpr std::size_t longest_made = 64;
 
 // The characters as one byte each, read and written two at a time. False where one of them is not ASCII.
-bool narrow(const std::uint32_t* characters, std::size_t length,
-            std::array<char, longest_made>& narrowed) noexcept {
+bool narrow(const std::uint32_t* characters, std::size_t length, std::array<char, longest_made>& narrowed) noexcept {
     std::uint64_t all = 0;
     std::size_t i = 0;
     for (; i + 2 <= length; i += 2) {

@@ -1,6 +1,9 @@
 // A small memory for what was worked out of a text, so that a column of few different texts asks for it few times.
 #pragma once
 
+#include <algorithm>
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -14,13 +17,14 @@ namespace quorin::kernels {
 template <class Value>
 class RecentTexts {
   public:
-    RecentTexts() : places_(size) {}
+    // For a column of so many rows.
+    explicit RecentTexts(std::size_t rows) : places_(std::bit_ceil(std::clamp<std::size_t>(rows, 1, most_places))) {}
 
     // The value of an equal text that was met lately, or else what make() gives for this one.
     template <class Make>
     const Value& get(TextView text, Make make) {
         const std::uint64_t hash = hash_text(text);
-        Place& place = places_[hash % size];
+        Place& place = places_[hash & (places_.size() - 1)];
         if (!place.used || place.hash != hash || !same(place.text, text)) {
             place.value = make();
             place.text = text;
@@ -31,7 +35,7 @@ class RecentTexts {
     }
 
   private:
-    static constexpr std::size_t size = 1024;
+    static constexpr std::size_t most_places = 1024;
     struct Place {
         std::uint64_t hash = 0;
         TextView text{};

@@ -31,8 +31,8 @@ enum class Fate { kept, squeezed, digested, missing };
 
 class Rules {
   public:
-    Rules(const Markers& missing, Object compress_type)
-        : missing_(missing),
+    Rules(Markers missing, Object compress_type)
+        : missing_(std::move(missing)),
           squeezes_(equal(compress_type, "string"_py)),
           digests_all_(equal(compress_type, "hash"_py)) {}
     [[nodiscard]] bool digests() const noexcept { return !squeezes_; }
@@ -44,7 +44,7 @@ class Rules {
     }
 
   private:
-    const Markers& missing_;
+    Markers missing_;
     bool squeezes_;
     bool digests_all_;
 };
@@ -89,12 +89,11 @@ class Labels {
 Ref compress_objects(const Column& column, const Rules& rules) {
     const Ref missing = global("np"_py).attr("nan"_py);
     Labels labels(column);
-    kernels::RecentTexts<Ref> recent;
+    kernels::RecentTexts<Ref> recent(column.rows);
     std::vector<char> room;
     std::vector<Ref> compressed(column.rows);  // empty where the element stays
     for (std::size_t row = 0; row < column.rows; ++row) {
         const std::optional<TextView> text = labels.at(row);
-        // Fixed-width text holds nothing beyond the last plane, and the copy of a label goes through it.
         if (!text) return {};
         switch (rules.of(*text)) {
             case Fate::kept:
@@ -191,10 +190,10 @@ Ref native_compress_str_column(Object X, Object misslist, Object compress_type) 
     const bool objects = column->storage == columns::Storage::objects;
     if (!objects && column->storage != columns::Storage::fixed_text) return {};
     if (column->rows > 1 && static_cast<std::size_t>(std::abs(column->stride)) < column->width) return {};
-    const std::optional<Markers> missing = columns::plain_markers(misslist);
+    std::optional<Markers> missing = columns::plain_markers(misslist);
     if (!missing) return {};
     try {
-        const Rules rules(*missing, compress_type);
+        const Rules rules(*std::move(missing), compress_type);
         if (rules.digests() && !allows_digests()) return {};
         return objects ? compress_objects(*column, rules) : compress_fixed_texts(*column, rules);
     } catch (const PythonError&) {

@@ -116,7 +116,7 @@ std::optional<std::vector<Ref>> masks_of(const std::vector<Column>& table, Objec
             values = columns::plain_markers(list);
             if (!values || (values->null_bits != 0 && !columns::survive_asarray(*values))) return std::nullopt;
         }
-        std::optional<Ref> mask = columns::membership_mask(table[j], *values);
+        std::optional<Ref> mask = values ? columns::membership_mask(table[j], *values) : std::nullopt;
         if (!mask) return std::nullopt;
         masks.push_back(std::move(*mask));
     }

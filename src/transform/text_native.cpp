@@ -43,14 +43,14 @@ std::string_view plain_text(PyObject* value, FloatText& room) {
 }
 
 Ref fixed_texts(std::size_t rows, std::size_t length) {
-    npy_intp shape = static_cast<npy_intp>(rows);
+    const npy_intp shape = static_cast<npy_intp>(rows);
     const auto width = static_cast<int>(length * sizeof(std::uint32_t));
     return Ref::take(PyArray_New(&PyArray_Type, 1, &shape, NPY_UNICODE, nullptr, nullptr, width, 0, nullptr));
 }
 
 // Fills the element up with zeros.
-void end_text(std::uint32_t* to, std::size_t size, std::size_t length) noexcept {
-    std::memset(to + size, 0, (length - size) * sizeof(std::uint32_t));
+void end_text(std::uint32_t* to, std::size_t size, std::size_t room) noexcept {
+    std::memset(to + size, 0, (room - size) * sizeof(std::uint32_t));
 }
 
 // The texts of the elements that are none themselves, each behind a byte that tells its length; how long the longest
@@ -129,17 +129,17 @@ bool numpy_writes_all_digits() {
 }
 
 // The room that numpy gives to the text of a float.
-constexpr std::size_t float_length = 32;
+constexpr std::size_t room_for_float = 32;
 
 Ref floats_to_texts(const Column& column) {
     if (!numpy_writes_all_digits()) return {};
-    Ref Y = fixed_texts(column.rows, float_length);
+    Ref Y = fixed_texts(column.rows, room_for_float);
     auto* to = reinterpret_cast<std::uint32_t*>(PyArray_BYTES(as_array(Y)));
     FloatText room;
-    for (std::size_t row = 0; row < column.rows; ++row, to += float_length) {
+    for (std::size_t row = 0; row < column.rows; ++row, to += room_for_float) {
         const std::size_t length = kernels::write_float(columns::load<double>(column, row), room);
         kernels::widen(room.data(), length, to);
-        end_text(to, length, float_length);
+        end_text(to, length, room_for_float);
     }
     return Y;
 }

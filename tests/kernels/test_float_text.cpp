@@ -11,11 +11,15 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <version>
 
 #include "harness.hpp"
 
 namespace quorin::tests {
 namespace {
+
+// Elsewhere the standard library has no shortest texts, and they are left to the interpreter.
+#if defined(__cpp_lib_to_chars) && __cpp_lib_to_chars >= 201611L
 
 using kernels::FloatText;
 using kernels::write_float;
@@ -115,7 +119,7 @@ void any_bits() {
 void few_digits() {
     std::mt19937_64 random(2);
     for (int i = 0; i < 40000; ++i) {
-        const std::string text = std::to_string(1 + random() % 1000000) + "e" + std::to_string(random() % 40) + "";
+        const std::string text = std::to_string(1 + random() % 1000000) + "e" + std::to_string(random() % 40);
         check_number(std::strtod(text.c_str(), nullptr) / 1e20);
     }
 }
@@ -124,6 +128,13 @@ void few_digits() {
 void powers_of_two() {
     for (int power = -1074; power < 1024; ++power) check_number(std::ldexp(1.0, power));
 }
+
+const Test known{"texts of known floats", known_texts};
+const Test any{"texts of any floats", any_bits};
+const Test few{"texts of floats of few digits", few_digits};
+const Test powers{"texts of powers of two", powers_of_two};
+
+#endif
 
 void wider_characters() {
     const std::string text = "0123456789abcdefghij\xff";
@@ -138,10 +149,6 @@ void wider_characters() {
     }
 }
 
-const Test known{"texts of known floats", known_texts};
-const Test any{"texts of any floats", any_bits};
-const Test few{"texts of floats of few digits", few_digits};
-const Test powers{"texts of powers of two", powers_of_two};
 const Test wide{"widened characters", wider_characters};
 
 }  // namespace

@@ -10,7 +10,7 @@ from comparison import DELETED, Tally, find_owner, find_routine, module
 from hypothesis import strategies as st
 from properties import property_test
 from recipes import Recipe
-from routes import SHORT, cases, events_of, names_for, objects, pass_through, shown
+from routes import SHORT, cases, compare_routes, events_of, names_for, objects, pass_through, shown
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
@@ -337,6 +337,19 @@ def test_odd_answers_are_the_same_on_both_routes(case, call, by, also, odd):
     alone = shown(name, args, kwargs, names)
     names[also] = pass_through(also)
     assert shown(name, args, kwargs, names) == alone
+
+
+FRACTIONS = Recipe("fractions", lambda inner: np.array([0.1 + 0.2, 1.5, 1e-7 / 3]))
+
+
+@pytest.mark.parametrize("fast", [True, False])
+def test_the_way_numpy_prints(fast):
+    plain = compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast))
+    with np.printoptions(legacy="1.13"):
+        short = compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast))
+    assert short != plain
+    with np.printoptions(precision=2, suppress=True, floatmode="fixed"):
+        assert compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast)) == plain
 
 
 # A name can be bound in more than one way.
