@@ -7,7 +7,7 @@ from typing import Any, Callable, NamedTuple
 import numpy as np
 import pandas as pd
 
-from benchmarks.columns import MARKERS
+from benchmarks.columns import MARKERS, every_eighth
 
 
 class Peer(NamedTuple):
@@ -82,7 +82,7 @@ REPLACE = Peer("Series.replace", _replace, as_series)
 REPLACE_TABLE = REPLACE._replace(name="DataFrame.replace", subject=as_frame)
 MASK = Peer(
     "Series.mask",
-    lambda s: s.astype(object).mask(np.arange(len(s)) % 8 == 0, "x"),
+    lambda s: s.astype(object).mask(every_eighth(len(s)), "x"),
     as_series,
 )
 REMOVE_BLANKS = Peer(

@@ -4,9 +4,7 @@ from __future__ import annotations
 
 from typing import Any, Callable, NamedTuple
 
-import numpy as np
-
-from benchmarks.columns import MARKERS
+from benchmarks.columns import MARKERS, every_eighth
 from quorin_libs.utils import exportable_utils as eu
 from quorin_libs.utils.exportable_utils import FCplus
 
@@ -85,7 +83,6 @@ ROUTINES = (
         "bool to float",
         lambda c: eu.numpy_boolean2float(c, MARKERS),
         ("bool",),
-        copied=True,
     ),
     Routine(
         "numpy_column_float2str", "to text", eu.numpy_column_float2str, ("object_floats", "float64")
@@ -106,7 +103,7 @@ ROUTINES = (
     Routine(
         "numpy_putmask",
         "put",
-        lambda c: eu.numpy_putmask(c, np.arange(len(c)) % 8 == 0, "x"),
+        lambda c: eu.numpy_putmask(c, every_eighth(len(c)), "x"),
         ("words", "U", "float64"),
     ),
     Routine(

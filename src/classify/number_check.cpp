@@ -1,7 +1,9 @@
+#include <cmath>
 #include <optional>
 
 #include "classify/classify.hpp"
-#include "columns/markers.hpp"
+#include "columns/listed.hpp"
+#include "columns/numbers.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -11,33 +13,71 @@ namespace quorin::classify {
 
 namespace {
 
-// A column of texts, and a list in which only texts can be met. Nothing is asked of foreign code, so that looking at
-// the rows behind the first that is no number would show nowhere.
+// Whether int() takes every element; gives up where it would raise anything but ValueError.
+class IntegerTest {
+  public:
+    [[nodiscard]] bool passed() const noexcept { return passed_; }
+    static bool on_listed(std::size_t /*row*/) noexcept { return true; }
+    static bool on_integer(std::size_t /*row*/, PyObject* /*value*/) noexcept { return true; }
+    bool on_float(std::size_t /*row*/, double value) noexcept {
+        if (std::isnan(value)) passed_ = false;
+        return !std::isinf(value);
+    }
+    bool on_text(std::size_t /*row*/, kernels::TextView text) {
+        switch (kernels::classify_text(text, columns::script)) {
+            case kernels::TextClass::integer:
+                return true;
+            case kernels::TextClass::unsettled:
+                return ask(text);
+            case kernels::TextClass::real:
+            case kernels::TextClass::plain:
+                break;
+        }
+        passed_ = false;
+        return true;
+    }
+
+  private:
+    bool ask(kernels::TextView text) {
+        const Ref copy =
+            Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
+        if (copy && Ref::adopt(PyLong_FromUnicodeObject(copy.get(), 10))) return true;
+        const bool refused = PyErr_ExceptionMatches(PyExc_ValueError) != 0;
+        PyErr_Clear();
+        passed_ = false;
+        return refused;
+    }
+    bool passed_ = true;
+};
+
+// Nothing is asked of foreign code, so that looking at the rows behind the first that is no number would show nowhere.
 std::optional<bool> native_isintstr(Object X, Object missing_values_reference_list) {
     if (!originals_in_place()) return std::nullopt;
-    const std::optional<columns::Column> column = columns::flat_column(X, columns::Storage::objects);
+    const std::optional<columns::Column> column = columns::flat_column(X);
     if (!column) return std::nullopt;
     const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
     if (!missing) return std::nullopt;
-    const columns::ObjectCells cells(*column);
-    bool flag = true;
-    for (std::size_t row = 0; row < column->rows; ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        kernels::TextView text{};
-        if (cells.read(row, text) != kernels::Cell::text) return std::nullopt;
-        if (missing->texts.find(text) != 0) continue;
-        switch (kernels::classify_number(text)) {
-            case kernels::NumberText::integer:
-                break;
-            case kernels::NumberText::ask:
-                return std::nullopt;
-            case kernels::NumberText::real:
-            case kernels::NumberText::none:
-                flag = false;
-                break;
-        }
+    IntegerTest test;
+    switch (column->storage) {
+        case columns::Storage::objects:
+            if (!columns::visit_unlisted(*column, *missing, test)) return std::nullopt;
+            break;
+        case columns::Storage::fixed_text:
+            if (!columns::visit_unlisted_texts(*column, *missing, test)) return std::nullopt;
+            break;
+        case columns::Storage::float64:
+            for (std::size_t row = 0; row < column->rows; ++row) {
+                const double value = columns::load<double>(*column, row);
+                if (!columns::is_listed(value, *missing) && !test.on_float(row, value)) return std::nullopt;
+            }
+            break;
+        case columns::Storage::float32:
+            return std::nullopt;
+        case columns::Storage::integer:
+        case columns::Storage::boolean:
+            break;
     }
-    return flag;
+    return test.passed();
 }
 
 }  // namespace

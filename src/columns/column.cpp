@@ -38,21 +38,25 @@ std::optional<Storage> storage_of(int type) noexcept {
 
 const kernels::Script script{is_alphanumeric, translated};
 
-std::optional<Column> plain_column(Object X) noexcept {
-    if (!is_exact_array(X)) return std::nullopt;
+std::optional<Column> first_column(Object X) noexcept {
     PyArrayObject* array = as_array(X);
-    const int dimensions = PyArray_NDIM(array);
-    const npy_intp* shape = PyArray_DIMS(array);
-    if (dimensions != 1 && !(dimensions == 2 && shape[1] == 1)) return std::nullopt;
-    if (shape[0] == 0 || !PyArray_ISALIGNED(array) || !PyArray_ISNOTSWAPPED(array)) return std::nullopt;
+    if (PyArray_SIZE(array) == 0 || !PyArray_ISALIGNED(array) || !PyArray_ISNOTSWAPPED(array)) return std::nullopt;
     const std::optional<Storage> storage = storage_of(PyArray_TYPE(array));
     if (!storage) return std::nullopt;
     return Column{array,
                   *storage,
                   PyArray_BYTES(array),
                   PyArray_STRIDE(array, 0),
-                  static_cast<std::size_t>(shape[0]),
+                  static_cast<std::size_t>(PyArray_DIM(array, 0)),
                   static_cast<std::size_t>(PyArray_ITEMSIZE(array))};
+}
+
+std::optional<Column> plain_column(Object X) noexcept {
+    if (!is_exact_array(X)) return std::nullopt;
+    PyArrayObject* array = as_array(X);
+    const int dimensions = PyArray_NDIM(array);
+    if (dimensions != 1 && !(dimensions == 2 && PyArray_DIM(array, 1) == 1)) return std::nullopt;
+    return first_column(X);
 }
 
 std::optional<Column> flat_column(Object X) noexcept {

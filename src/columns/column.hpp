@@ -31,6 +31,9 @@ struct Column {
     }
 };
 
+// The first column of an exact, non-empty array with at least one dimension, if its dtype is known.
+std::optional<Column> first_column(Object X) noexcept;
+
 // The column that numpy_flatten_column() makes of an array of shape (n,) or (n, 1); nothing for anything but an exact,
 // non-empty array of a known dtype.
 std::optional<Column> plain_column(Object X) noexcept;

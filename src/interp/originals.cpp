@@ -163,7 +163,7 @@ void remember_originals() {
     const Object names = module_names();
     const Ref FC = item(names, "FC"_py);
     const std::array libraries = {item(names, "np"_py), item(names, "pd"_py), item(names, "six"_py),
-                                  item(names, "numbers"_py)};
+                                  item(names, "numbers"_py), item(names, "hashlib"_py)};
     for (const Ref& library : libraries) {
         if (!PyModule_Check(library.get())) return;
     }
@@ -185,6 +185,7 @@ void remember_originals() {
     remember(members_of(Series), {"unique"_py});
     remember(in_library(2), {"string_types"_py});
     remember(in_library(3), {"Integral"_py});
+    remember(in_library(4), {"md5"_py});
     settle();
     in_place = {own_date_test_is_pure, true};
 }

@@ -31,6 +31,15 @@ inline std::int64_t running_interpreter() {
 #endif
 }
 
+// The int that these bytes are, the first one highest and no sign among them; null with an error set.
+inline PyObject* whole_from_bytes(const unsigned char* bytes, std::size_t size) {
+#if PY_VERSION_HEX >= 0x030D0000
+    return PyLong_FromUnsignedNativeBytes(bytes, size, Py_ASNATIVEBYTES_BIG_ENDIAN);
+#else
+    return _PyLong_FromByteArray(bytes, size, 0, 0);
+#endif
+}
+
 // The characters of a text, side by side.
 struct Characters {
     const void* data = nullptr;  // null with an error set, where an old interpreter cannot bring them together

@@ -34,8 +34,8 @@ inline std::uint64_t leading_characters(TextView text) noexcept {
     return key;
 }
 
-// At most `most` texts, ascending, of those that are no markers; whether there are nulls beside them. False where a cell
-// is neither text nor null.
+// At most `most` texts, ascending, of those that are no markers; whether there are nulls beside them. False where a
+// cell is neither text nor null.
 template <class Cells>
 [[gnu::flatten]] bool least_distinct(const Cells& cells, const MarkerSet& markers, std::size_t most,
                                      std::vector<KeyedText>& least, bool& nulls) {

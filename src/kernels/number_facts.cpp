@@ -197,6 +197,26 @@ NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t size,
     return gather_rows<Baseline<Float>>(rows, size);
 }
 
+// Every four flags as floats. Looking them up takes fewer steps than spreading a byte over eight.
+using FourFlags = std::array<double, 4>;
+constexpr std::array<FourFlags, 16> four_flags = [] {
+    std::array<FourFlags, 16> table{};
+    for (unsigned flags = 0; flags < table.size(); ++flags) {
+        for (unsigned i = 0; i < 4; ++i) table[flags][i] = (flags >> i & 1U) != 0 ? 1.0 : 0.0;
+    }
+    return table;
+}();
+
+// A bit for each of eight bytes, set where the byte is not zero, the first byte lowest.
+unsigned bits_of_flags(const char* bytes) noexcept {
+    constexpr std::uint64_t low_bits = 0x7f7f7f7f7f7f7f7f;
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    const std::uint64_t set = ((((word & low_bits) + low_bits) | word) & ~low_bits) >> 7U;
+    // Each byte's bit comes to lie in the highest byte, at a place of its own.
+    return static_cast<unsigned>(set * 0x0102040810204080 >> 56U);
+}
+
 }  // namespace
 
 NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows,
@@ -207,6 +227,18 @@ NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t 
 NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows,
                            Instructions instructions) noexcept {
     return gather<float>(data, stride, rows, instructions);
+}
+
+void write_flags(const char* data, std::ptrdiff_t stride, std::size_t rows, double* out) noexcept {
+    std::size_t row = 0;
+    if (stride == 1 && std::endian::native == std::endian::little) {
+        for (; row + 8 <= rows; row += 8) {
+            const unsigned flags = bits_of_flags(data + row);
+            std::memcpy(out + row, four_flags[flags & 0xfU].data(), sizeof four_flags[0]);
+            std::memcpy(out + row + 4, four_flags[flags >> 4U].data(), sizeof four_flags[0]);
+        }
+    }
+    for (; row < rows; ++row) out[row] = data[static_cast<std::ptrdiff_t>(row) * stride] != 0 ? 1.0 : 0.0;
 }
 
 }  // namespace quorin::kernels

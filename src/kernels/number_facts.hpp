@@ -20,4 +20,7 @@ NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t 
 NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows,
                            Instructions instructions = Instructions::best) noexcept;
 
+// 1.0 for each byte that is not zero, 0.0 for the others. `stride` in bytes.
+void write_flags(const char* data, std::ptrdiff_t stride, std::size_t rows, double* out) noexcept;
+
 }  // namespace quorin::kernels

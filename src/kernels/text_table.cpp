@@ -56,6 +56,8 @@ LastSixteen last_sixteen_of_compact(const std::uint8_t* bytes, std::size_t size)
     return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
 }
 
+}  // namespace
+
 std::uint32_t hash_text(const TextView& text) noexcept {
     const auto* bytes = static_cast<const std::uint8_t*>(text.characters);
     const std::size_t size = text.length * static_cast<std::size_t>(text.width);
@@ -66,8 +68,6 @@ std::uint32_t hash_text(const TextView& text) noexcept {
     }
     return static_cast<std::uint32_t>(hash >> 32U) | never_zero;
 }
-
-}  // namespace
 
 // At most half full, so that a free slot is never far. Small tables double; once they are no longer small, what was
 // seen so far tells how many different texts there may be, and a table that is copied once is cheaper than one that is

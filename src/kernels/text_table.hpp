@@ -9,6 +9,9 @@
 
 namespace quorin::kernels {
 
+// Equal for equal texts of the same width, and never 0.
+std::uint32_t hash_text(const TextView& text) noexcept;
+
 struct DistinctText {
     TextView text;
     std::size_t row;  // of its first occurrence

@@ -1,6 +1,7 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "transform/compression_native.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -118,6 +119,7 @@ Examples
 array(['NewYork', 'Oslo', '?'], dtype=object)
 )",
     .body = [](Object X, Object misslist, Object compress_type) -> Ref {
+        if (Ref Xcol = native_compress_str_column(X, misslist, compress_type)) return Xcol;
         const Ref Xcol = is_instance(X, &PyList_Type) ? global("np"_py).attr("asarray"_py)({X}) : Ref::share(X);
         if (!contains("OSUV"_py.text, Xcol.attr("dtype"_py).attr("kind"_py))) return Ref::share(Xcol);
         const Ref Xcol_str = Xcol.attr("astype"_py)({&PyUnicode_Type});

@@ -1,13 +1,10 @@
-#include <limits>
-#include <optional>
-
-#include "columns/markers.hpp"
 #include "interp/errors.hpp"
 #include "interp/numpy.hpp"
 #include "interp/operations.hpp"
-#include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "transform/conversion_native.hpp"
+#include "transform/text_native.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -25,38 +22,6 @@ void convert_or_report(Object X, Object Y, const Operand& i) {
         print(handling.exception());
         print(concat({"Setting value "_py, text_of(item(X, i)), " to NaN"_py}));
     }
-}
-
-// float(text) for a text that the number grammar accepts.
-double value_of(Object text) {
-    const Ref number = Ref::take(PyFloat_FromString(text.get()));
-    return PyFloat_AS_DOUBLE(number.get());
-}
-
-// An object array of texts that are all markers or numbers: nothing is to be told, and nothing foreign is asked.
-Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
-    if (!originals_in_place()) return {};
-    const std::optional<columns::Column> column = columns::flat_column(X, columns::Storage::objects);
-    if (!column) return {};
-    const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
-    if (!missing) return {};
-    const npy_intp rows = static_cast<npy_intp>(column->rows);
-    Ref Z = Ref::take(PyArray_SimpleNew(1, &rows, NPY_DOUBLE));
-    auto* out = reinterpret_cast<double*>(PyArray_BYTES(as_array(Z)));
-    const columns::ObjectCells cells(*column);
-    for (std::size_t row = 0; row < column->rows; ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        kernels::TextView text{};
-        if (cells.read(row, text) != kernels::Cell::text) return {};
-        if (missing->texts.find(text) != 0) {
-            out[row] = std::numeric_limits<double>::quiet_NaN();
-            continue;
-        }
-        const kernels::NumberText kind = kernels::classify_number(text);
-        if (kind != kernels::NumberText::integer && kind != kernels::NumberText::real) return {};
-        out[row] = value_of(column->object(row));
-    }
-    return Z;
 }
 
 // '?' for a null, no fraction for a whole float, str() for the rest.
@@ -151,6 +116,7 @@ Examples
 array([1., 0.])
 )",
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
+        if (Ref Y = native_boolean2float(X, missing_values_reference_list)) return Y;
         if (!equal(X.attr("dtype"_py), "bool"_py)) return Ref::share(X);
         if (!missing_values_reference_list.is_none()) {
             const Ref missing_values_mask = global("numpy_isin"_py)({X, missing_values_reference_list});
@@ -214,7 +180,11 @@ Examples
 array(['1', '2.5', '?'], dtype=object)
 )",
     .body = [](Object X, Object fast_conversion_flag) -> Ref {
-        if (truth(fast_conversion_flag)) return X.attr("astype"_py)({&PyUnicode_Type});
+        if (truth(fast_conversion_flag)) {
+            if (Ref Y = native_float2str(X)) return Y;
+            return X.attr("astype"_py)({&PyUnicode_Type});
+        }
+        if (Ref Y = native_slow_float2str(X)) return Y;
         const Py_ssize_t rows = count(row_count(X));
         for (Py_ssize_t i = 0; i < rows; ++i) set_item(X, i, float_text(item(X, i)));
         return Ref::share(X);

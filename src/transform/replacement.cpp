@@ -1,6 +1,7 @@
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "transform/replacement_native.hpp"
 #include "transform/transform.hpp"
 
 namespace quorin::transform {
@@ -40,6 +41,7 @@ Examples
 array(['?', 2], dtype=object)
 )",
     .body = [](Object X, Object replace_values_mask, Object filling_value) -> Ref {
+        if (Ref Y = native_putmask(X, replace_values_mask, filling_value)) return Y;
         Ref Y = X.attr("astype"_py)({&PyBaseObject_Type});
         global("np"_py).attr("putmask"_py)({Y, replace_values_mask, filling_value});
         return Y;
@@ -85,6 +87,7 @@ array([[-1, 2],
        [3, -1]], dtype=object)
 )",
     .body = [](Object X, Object filling_value, Object reference_values_list, Object invert_flag) -> Ref {
+        if (Ref Y = native_replace_values(X, filling_value, reference_values_list, invert_flag)) return Y;
         if (!truth(reference_values_list)) return Ref::share(X);
         const bool list2_flag = is_instance(item(reference_values_list, 0), &PyList_Type);
         const Ref num_rows = row_count(X);

@@ -184,7 +184,27 @@ void no_rows() {
     expect<float>({}, nullptr, 4, 0, "no rows of float32");
 }
 
+void flags() {
+    for (const std::ptrdiff_t stride : {1, 3, -1}) {
+        for (std::size_t rows = 0; rows < 70; ++rows) {
+            std::vector<char> bytes(3 * 70, 9);
+            char* first = stride < 0 ? bytes.data() + 70 : bytes.data();
+            const auto flag = [](std::size_t row) {
+                return static_cast<char>(row % 3 == 0 ? 0 : row % 5 == 0 ? -2 : 1);
+            };
+            for (std::size_t row = 0; row < rows; ++row) first[static_cast<std::ptrdiff_t>(row) * stride] = flag(row);
+            std::vector<double> out(rows + 1, 7.0);
+            kernels::write_flags(first, stride, rows, out.data());
+            for (std::size_t row = 0; row < rows; ++row) {
+                check(out[row] == (flag(row) == 0 ? 0.0 : 1.0), "flag " + std::to_string(row));
+            }
+            check(out[rows] == 7.0, "behind the last of " + std::to_string(rows));
+        }
+    }
+}
+
 const std::array tests{
+    Test{"flags as floats", flags},
     Test{"float64: each special value", each_special_value<double>},
     Test{"float32: each special value", each_special_value<float>},
     Test{"float64: each length and place", each_length_and_place<double>},

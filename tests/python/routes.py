@@ -45,6 +45,12 @@ LOOKED_UP: Dict[str, List[str]] = {
     "numpy_whatis": WHATIS,
     "numpy_isintstr": ["isint", "numpy_isintstr"],
     "numpy_floatstr2float": ["isfloat", "np", "np.nan", "numpy_floatstr2float"],
+    "numpy_boolean2float": ISIN + ["np.nan", "numpy_boolean2float"],
+    "numpy_column_float2str": ["pd", "pd.isnull", "np", "numpy_column_float2str"],
+    "numpy_putmask": ["np", "np.putmask", "numpy_putmask"],
+    "numpy_replace_values": ISIN
+    + ["np.empty", "np.putmask", "numpy_putmask", "numpy_replace_values"],
+    "compress_str_column": ["compress_string", "hashlib", "hashlib.md5", "pd", "pd.isnull", "np"],
     "FCplus.is_num_column_categorical": ["np", "np.unique"],
     "FCplus.is_column_categorical": WHATIS + LISTED + ["FCplus.is_num_column_categorical"],
     "FCplus.is_column_categorical_mult_cats": WHATIS
@@ -93,7 +99,7 @@ def pass_through(dotted: str) -> Any:
         return value + value
     if dotted == "numbers.Integral":
         return _Instances("Integral", (), {"real": value})
-    if dotted in ("np", "pd", "six", "numbers", "FC", "FCplus"):
+    if dotted in ("np", "pd", "six", "numbers", "hashlib", "FC", "FCplus"):
         return Overlay(value)
     if dotted == "pd.Series":
         return type("Series", (value,), {})
@@ -221,6 +227,29 @@ SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
 # Edges of blocks, of look-ahead and of the capped samples.
 LENGTHS = [1, 2, 3, 5, 8, 16, 31, 32, 33, 49, 50, 51, 63, 64, 65, 95, 96, 97, 127, 128, 129, 160,
            255, 256, 257, 300, 400, 1023, 1024, 1025]  # fmt: skip
+TEXT_KINDS = [
+    "numbers as text",
+    "numbers and lone signs",
+    "numbers and words",
+    "nearly numbers",
+    "words",
+    "any text",
+    "text and missing",
+]
+NUMBER_KINDS = [
+    "small integers",
+    "integers",
+    "floats",
+    "whole floats",
+    "numbers and missing",
+    "numbers",
+    "booleans",
+    "booleans and missing",
+    "numbers beside markers",
+    "integers beside markers",
+    "numbers of two makes",
+]
+
 SHORT = LENGTHS[:16]
 # What all texts of a column may have in common at their start or end.
 STARTS = ["", "", "0", "\u00e9", ".5", "x" * 7, "x" * 8, "x" * 40, "9" * 20, "a\x00", "\u6f22" * 4,
@@ -322,6 +351,32 @@ def names_for(routine: str) -> Any:
 
 def objects(*cells: Any) -> np.ndarray:
     return array_of(list(cells))
+
+
+# Layouts of a table of some columns.
+TABLES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
+    "rows": lambda table: table,
+    "columns": np.asfortranarray,
+    "transposed": lambda table: table.T,
+    "upside down": lambda table: table[::-1],
+    "every other column": lambda table: np.repeat(table, 2, axis=1)[:, ::2],
+    "read only": lambda table: _frozen(table.copy()),
+    "byte-swapped": lambda table: table.astype(table.dtype.newbyteorder()),
+}
+
+
+@st.composite
+def tables(draw: Any, kinds: Any = None) -> Recipe:
+    """A table made of the cells of a column, a row of them at a time."""
+    cells = draw(long_columns(kinds, SHORT))
+    width = draw(st.integers(1, 4))
+    layout = draw(st.sampled_from(sorted(TABLES)))
+
+    def make(inner: Any) -> np.ndarray:
+        flat = inner(cells).reshape(-1)
+        return TABLES[layout](flat[: len(flat) // width * width].reshape(-1, width))
+
+    return Recipe("{}, {} wide: {!r}".format(layout, width, cells), make, cells.values)
 
 
 def frame_of(recipe: Recipe) -> Recipe:

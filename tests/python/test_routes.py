@@ -10,8 +10,10 @@ from properties import property_test
 from recipes import Recipe
 from routes import (
     DATASET_CHECKS,
+    NUMBER_KINDS,
     SHAPES,
     SHORT,
+    TEXT_KINDS,
     cases,
     compare_routes,
     frame_of,
@@ -22,29 +24,6 @@ from routes import (
     route_markers,
     spread,
 )
-
-TEXT_KINDS = [
-    "numbers as text",
-    "numbers and lone signs",
-    "numbers and words",
-    "nearly numbers",
-    "words",
-    "any text",
-    "text and missing",
-]
-NUMBER_KINDS = [
-    "small integers",
-    "integers",
-    "floats",
-    "whole floats",
-    "numbers and missing",
-    "numbers",
-    "booleans",
-    "booleans and missing",
-    "numbers beside markers",
-    "integers beside markers",
-    "numbers of two makes",
-]
 
 
 @property_test(weight=6, case=cases(TEXT_KINDS), by=names_for("numpy_whatis"))

@@ -10,7 +10,7 @@ from comparison import DELETED, Tally, find_owner, find_routine, module
 from hypothesis import strategies as st
 from properties import property_test
 from recipes import Recipe
-from routes import SHORT, cases, events_of, names_for, objects, pass_through, shown
+from routes import SHORT, cases, compare_routes, events_of, names_for, objects, pass_through, shown
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
@@ -48,6 +48,8 @@ WHOLE_OBJECTS = Recipe("objects(3, 1, 3)", lambda inner: objects(3, 1, 3))
 LABELS = Recipe("objects('a b', 'c', '?')", lambda inner: objects("a b", "c", "?"))
 REAL = Recipe("np.array([1.5, 2.0])", lambda inner: np.array([1.5, 2.0]))
 TABLE = Recipe("a table", lambda inner: np.array([[1.5, 2.0], [0.5, np.nan]]))
+NULLS = Recipe("objects(1.5, nan, 2.0)", lambda inner: objects(1.5, np.nan, 2.0))
+FIXED_NUMBERS = Recipe("np.array(['100', '20'])", lambda inner: np.array(["100", "20"]))
 TRUTH = Recipe("np.array([True, False])", lambda inner: np.array([True, False]))
 
 MASK = [
@@ -158,6 +160,58 @@ GUARDS = [
         [("isfloat", refuse), ("np.nan", 7.0)],
     ),
     ("numpy_floatstr2float", (NUMBER_AND_WORD,), [("isfloat", always(True)), ("np.nan", 7.0)]),
+    ("numpy_isintstr", (NULLS, [np.nan]), [("isint", always(False))]),
+    ("numpy_floatstr2float", (NULLS, [np.nan]), [("np.nan", 7.0), ("isfloat", refuse)]),
+    ("numpy_isintstr", (FIXED_NUMBERS,), [("isint", always(False))]),
+    ("numpy_floatstr2float", (FIXED_NUMBERS, ["100"]), [("np.nan", 7.0), ("isfloat", refuse)]),
+    (
+        "numpy_boolean2float",
+        (TRUTH, [False]),
+        [
+            ("np.vectorize", refuse),
+            ("numpy_isin", always(np.array([False, False]))),
+            ("np.nan", 0),
+        ],
+    ),
+    (
+        "numpy_column_float2str",
+        (NULLS, False),
+        [("pd.isnull", always(True)), ("np.float", str)],
+    ),
+    (
+        "numpy_putmask",
+        (WORDS, np.array([True, False, False]), "x"),
+        [("np.putmask", refuse), ("np.putmask", always(None))],
+    ),
+    (
+        "numpy_replace_values",
+        (WORDS, "x", ["?", np.nan]),
+        MASK
+        + [
+            ("numpy_isin", always(np.ones(3, dtype=bool))),
+            ("indicator_mask", always(np.ones(3, dtype=bool))),
+            ("numpy_putmask", always("other")),
+            ("np.putmask", refuse),
+            ("np.any", always(False)),
+            ("np.empty", refuse),
+            ("pd.isnull", refuse),
+        ],
+    ),
+    (
+        "compress_str_column",
+        (LABELS, ["?"]),
+        [("compress_string", always("other")), ("pd.isnull", always(True))],
+    ),
+    (
+        "compress_str_column",
+        (LABELS, ["?"], "hash"),
+        [
+            ("compress_string", always("other")),
+            ("hashlib.md5", refuse),
+            ("pd.isnull", always(True)),
+            ("np.nan", "other"),
+        ],
+    ),
     (
         "get_unique_values",
         (REAL, None, False, False, True),
@@ -364,6 +418,19 @@ def test_odd_answers_are_the_same_on_both_routes(case, call, by, also, odd):
     alone = shown(name, args, kwargs, names)
     names[also] = pass_through(also)
     assert shown(name, args, kwargs, names) == alone
+
+
+FRACTIONS = Recipe("fractions", lambda inner: np.array([0.1 + 0.2, 1.5, 1e-7 / 3]))
+
+
+@pytest.mark.parametrize("fast", [True, False])
+def test_the_way_numpy_prints(fast):
+    plain = compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast))
+    with np.printoptions(legacy="1.13"):
+        short = compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast))
+    assert short != plain
+    with np.printoptions(precision=2, suppress=True, floatmode="fixed"):
+        assert compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast)) == plain
 
 
 # A name can be bound in more than one way.

@@ -3,12 +3,14 @@
 from __future__ import annotations
 
 import sys
+import timeit
+import tracemalloc
 
 import numpy as np
 import pandas as pd
 import pytest
-from comparison import find_routine, module
-from routes import DATASET_CHECKS, SHAPES, events_of, objects
+from comparison import find_routine, module, replaced
+from routes import DATASET_CHECKS, SHAPES, events_of, objects, pass_through
 
 MARKERS = ["?", "", "-", np.nan]
 TEXTS = objects("b", "?", "a", "", "b", "c")
@@ -88,18 +90,108 @@ TAKEN = [
     ("FCplus.is_column_categorical", (MARKERS,), COLUMNS),
     ("FCplus.is_column_categorical_mult_cats", (MARKERS,), ALL_TEXT),
 ]
+NUMBER_CELLS = {
+    kind: COLUMNS[kind]
+    for kind in ("Python floats", "Python integers", "Python booleans", "whole floats")
+}
+LISTED_NULLS = objects("1", "?", np.nan, "2.5", "", 3, 2.5, True, float("nan"))
+NUMBER_COLUMNS = dict(
+    NUMBER_CELLS,
+    booleans=COLUMNS["booleans"],
+    texts=objects("1", "2.5", "-", "1e3", "", "2"),
+    nulls=LISTED_NULLS,
+    integers=COLUMNS["integers i4"],
+    fixed=np.array(["1", "2.5", "", "-3", "?"], dtype="U3"),
+)
+LABELS = {
+    "labels": objects("a b", "?", "a b", "c", "d-e\t", None, 1.5, float("nan"), 3, True),
+    "labels of other alphabets": objects("\u6f22 \u00e9", "\U0001d7d8", "x" * 70, "\u2003"),
+    "fixed-width labels": np.array(["a b", "?", "a b", "c", "x" * 70, ""]),
+}
+THREE = {kind: column[:3] for kind, column in COLUMNS.items()}
+TWO_COLUMNS = {kind: np.stack([column, column[::-1]], axis=1) for kind, column in COLUMNS.items()}
+TAKEN += [
+    ("numpy_replace_values", ("x", MARKERS), COLUMNS),
+    ("numpy_replace_values", (None, ["a", np.nan], True), COLUMNS),
+    ("numpy_replace_values", ("x", MARKERS), TWO_COLUMNS),
+    ("numpy_replace_values", (-1, [["b"], MARKERS]), TWO_COLUMNS),
+    ("numpy_putmask", (np.array([True, False, True]), "x"), THREE),
+    ("numpy_column_float2str", (False,), NUMBER_CELLS),
+    ("numpy_column_float2str", (False,), {"texts": TEXTS, "nulls": LISTED_NULLS}),
+    ("compress_str_column", (MARKERS,), LABELS),
+    ("compress_str_column", (MARKERS, "hash"), LABELS),
+]
 # A profiler sees every step of numpy and pandas that the interpreter route takes in these.
 CASES = [
-    pytest.param(name, more, column, id="{} {} {}".format(name, len(more), kind))
-    for name, more, columns in TAKEN
+    pytest.param(name, more, column, id="{} {} {} {}".format(name, i, len(more), kind))
+    for i, (name, more, columns) in enumerate(TAKEN)
     for kind, column in columns.items()
 ]
 
 
 @pytest.mark.parametrize("name, more, column", CASES)
 def test_nothing_of_python_runs(name, more, column):
-    assert events_of(name, (column,) + more, by="numpy_isin")
-    assert events_of(name, (column,) + more) == []
+    assert events_of(name, (column.copy(),) + more, by="numpy_isin")
+    assert events_of(name, (column.copy(),) + more) == []
+
+
+ROWS = 4000
+
+
+def peak_of(name, arguments, by=None):
+    """The most memory that a call takes beside what is there already."""
+    names = {} if by is None else {by: pass_through(by)}
+    with replaced(module, names):
+        routine = find_routine(module, name)
+        routine(*arguments)
+        tracemalloc.start()
+        try:
+            routine(*arguments)
+            return tracemalloc.get_traced_memory()[1]
+        finally:
+            tracemalloc.stop()
+
+
+CONVERTED = dict(NUMBER_COLUMNS, floats=COLUMNS["floats"])
+# Integers cannot be marked as missing, and a copy of booleans takes next to nothing.
+del CONVERTED["integers"], CONVERTED["booleans"]
+
+
+@pytest.mark.parametrize("kind", sorted(CONVERTED))
+def test_conversion_makes_nothing_but_its_result(kind):
+    column = np.resize(CONVERTED[kind], ROWS)
+    result = 8 * ROWS
+    assert peak_of("numpy_floatstr2float", (column, MARKERS), by="isfloat") > 1.9 * result
+    assert peak_of("numpy_floatstr2float", (column, MARKERS)) < 1.1 * result
+
+
+@pytest.mark.parametrize("markers", [MARKERS, [False], [True, "?"]])
+def test_flags_need_no_mask(markers):
+    column = np.resize(COLUMNS["booleans"], ROWS)
+    result = 8 * ROWS
+    assert peak_of("numpy_boolean2float", (column.copy(), markers), by="np") > 1.1 * result
+    assert peak_of("numpy_boolean2float", (column.copy(), markers)) < 1.1 * result
+
+
+def least_time(name, arguments, by=None):
+    names = {} if by is None else {by: pass_through(by)}
+    with replaced(module, names):
+        return min(
+            timeit.repeat(lambda: find_routine(module, name)(*arguments), number=1, repeat=7)
+        )
+
+
+QUICK = [("numpy_isintstr", (MARKERS,), kind) for kind in sorted(NUMBER_COLUMNS)]
+QUICK += [("numpy_column_float2str", (), kind) for kind in ("Python floats", "whole floats")]
+
+
+# Nothing that these call on their interpreter route shows anywhere, but it takes its time: many
+# times that of the native route.
+@pytest.mark.parametrize("name, more, kind", QUICK)
+def test_native_route_takes_a_fraction_of_the_time(name, more, kind):
+    column = np.resize(NUMBER_COLUMNS[kind], 5 * ROWS)
+    forced = least_time(name, (column,) + more, by="isint")
+    assert least_time(name, (column,) + more) < forced / 2
 
 
 @pytest.mark.parametrize("shape", sorted(set(SHAPES) - {"byte-swapped"}))
@@ -169,23 +261,33 @@ def test_sexes(words):
 
 
 REPEATS = 50
+WRITING = ("numpy_column_float2str", "compress_str_column")
 
 
 @pytest.mark.parametrize("more", [(), (MARKERS,)])
 @pytest.mark.parametrize("name", ["numpy_whatis", "numpy_isin", "get_unique_values",
                                   "numpy_compute_missing_indicator", "numpy_isintstr",
+                                  "numpy_floatstr2float", "numpy_column_float2str",
+                                  "numpy_replace_values", "compress_str_column",
                                   "FCplus.getClasses"])  # fmt: skip
 @pytest.mark.parametrize("kind", sorted(OBJECTS))
 def test_references_are_given_back(name, kind, more):
     if name in ("numpy_isin", "numpy_compute_missing_indicator"):
         more = (MARKERS,)
+    if name == "numpy_replace_values":
+        more = (MARKERS[0], MARKERS)
+    if name == "compress_str_column":
+        more = (MARKERS, "hash" if more else "string")
+    if name == "numpy_column_float2str":
+        more = (not more,)
+    column = OBJECTS[kind].copy() if name in WRITING else OBJECTS[kind]
     # None is counted by whoever handles a log record meanwhile.
     cells = [cell for cell in OBJECTS[kind].tolist() + MARKERS + [MARKERS] if cell is not None]
     routine = find_routine(module, name)
     before = [sys.getrefcount(cell) for cell in cells]
     for _ in range(REPEATS):
         try:
-            routine(OBJECTS[kind], *more)
+            routine(column, *more)
         except Exception:
             pass
     after = [sys.getrefcount(cell) for cell in cells]

@@ -1,0 +1,149 @@
+#include "transform/conversion_native.hpp"
+
+#include <limits>
+#include <optional>
+
+#include "columns/listed.hpp"
+#include "columns/numbers.hpp"
+#include "interp/errors.hpp"
+#include "interp/originals.hpp"
+#include "kernels/number_facts.hpp"
+#include "kernels/number_value.hpp"
+
+namespace quorin::transform {
+
+namespace {
+
+using columns::Column;
+using columns::Markers;
+using columns::Storage;
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+Ref new_floats(const Column& column) {
+    const npy_intp rows = static_cast<npy_intp>(column.rows);
+    return Ref::take(PyArray_SimpleNew(1, &rows, NPY_DOUBLE));
+}
+
+double* floats_of(Object array) noexcept {
+    return reinterpret_cast<double*>(PyArray_BYTES(as_array(array)));
+}
+
+// float() of a text; nothing where it is no number, for then there are messages to print.
+std::optional<double> float_of(kernels::TextView text) {
+    double value = 0;
+    if (kernels::value_of_number(text, value)) return value;
+    if (kernels::classify_number(text) == kernels::NumberText::none) return std::nullopt;
+    const Ref copy =
+        Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
+    const Ref number = Ref::adopt(copy ? PyFloat_FromString(copy.get()) : nullptr);
+    if (number) return PyFloat_AS_DOUBLE(number.get());
+    PyErr_Clear();
+    return std::nullopt;
+}
+
+class ToFloats {
+  public:
+    explicit ToFloats(double* out) noexcept : out_(out) {}
+    bool on_listed(std::size_t row) noexcept {
+        out_[row] = nan;
+        return true;
+    }
+    bool on_float(std::size_t row, double value) noexcept {
+        out_[row] = value;
+        return true;
+    }
+    bool on_integer(std::size_t row, PyObject* value) noexcept {
+        out_[row] = PyLong_AsDouble(value);
+        if (out_[row] != -1.0 || PyErr_Occurred() == nullptr) return true;
+        PyErr_Clear();
+        return false;
+    }
+    bool on_text(std::size_t row, kernels::TextView text) {
+        const std::optional<double> value = float_of(text);
+        if (value) out_[row] = *value;
+        return value.has_value();
+    }
+
+  private:
+    double* out_;
+};
+
+// A missing element is first marked in an array of the column's own dtype: integers cannot be marked, and a boolean
+// turns true.
+bool numbers_to_floats(const Column& column, const Markers& missing, double* out) {
+    return columns::with_number_type(column, [&](auto type) {
+        using Number = decltype(type);
+        const bool compared = !missing.numbers.empty();
+        // How markers compare with short floats depends on the version of numpy.
+        if (compared && std::is_same_v<Number, float>) return false;
+        for (std::size_t row = 0; row < column.rows; ++row) {
+            const Number number = columns::load<Number>(column, row);
+            double value = static_cast<double>(number);
+            if (column.storage == Storage::boolean) value = number != 0 ? 1.0 : 0.0;
+            if (compared && columns::is_listed(value, missing)) {
+                if (column.storage == Storage::integer) return false;
+                value = column.storage == Storage::boolean ? 1.0 : nan;
+            }
+            out[row] = value;
+        }
+        return true;
+    });
+}
+
+// Where "nan" does not fit, a missing element cannot be marked.
+constexpr std::size_t narrowest_nan = 3 * sizeof(std::uint32_t);
+
+bool to_floats(const Column& column, const Markers& missing, double* out) {
+    ToFloats visitor(out);
+    switch (column.storage) {
+        case Storage::objects:
+            return columns::visit_unlisted(column, missing, visitor);
+        case Storage::fixed_text:
+            return column.width >= narrowest_nan && columns::visit_unlisted_texts(column, missing, visitor);
+        default:
+            return numbers_to_floats(column, missing, out);
+    }
+}
+
+}  // namespace
+
+Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
+    if (!originals_in_place()) return {};
+    const std::optional<Column> column = columns::flat_column(X);
+    if (!column) return {};
+    const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list);
+    if (!missing) return {};
+    Ref Z = new_floats(*column);
+    if (!to_floats(*column, *missing, floats_of(Z))) return {};
+    return Z;
+}
+
+Ref native_boolean2float(Object X, Object missing_values_reference_list) {
+    if (!originals_in_place()) return {};
+    const std::optional<Column> column = columns::flat_column(X, Storage::boolean);
+    if (!column) return {};
+    bool marked = false;
+    if (!missing_values_reference_list.is_none()) {
+        const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list);
+        if (!missing || (missing->null_bits != 0 && !columns::survive_asarray(*missing))) return {};
+        if (PyArray_ISWRITEABLE(column->array) == 0) return {};
+        // True where it is missing stays true.
+        marked = columns::is_listed(0.0, *missing);
+    }
+    Ref Y = new_floats(*column);
+    if (marked) {
+        char* data = PyArray_BYTES(column->array);
+        double* out = floats_of(Y);
+        for (std::size_t row = 0; row < column->rows; ++row) {
+            char& flag = data[static_cast<std::ptrdiff_t>(row) * column->stride];
+            if (flag == 0) flag = 1;
+            out[row] = 1.0;
+        }
+    } else {
+        kernels::write_flags(column->data, column->stride, column->rows, floats_of(Y));
+    }
+    return Y;
+}
+
+}  // namespace quorin::transform
