@@ -32,6 +32,13 @@ class Cells {
         if (kinds_[row] == Cell::text) text = texts_[row].view();
         return kinds_[row];
     }
+    [[nodiscard]] bool glance(std::size_t row, kernels::ShortText& text) const {
+        const kernels::TextView whole = texts_[row].view();
+        if (kinds_[row] != Cell::text || !whole.compact || whole.length - 1 >= 8) return false;
+        const char* end = static_cast<const char*>(whole.characters) + whole.length;
+        text = {kernels::eight_bytes(end - 8), whole.length};
+        return true;
+    }
     [[nodiscard]] bool longer_than(std::size_t, std::size_t) const { return false; }
     void prefetch(std::size_t) const {}
 
