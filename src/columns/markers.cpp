@@ -37,12 +37,14 @@ bool read(Markers& markers, PyObject* marker) {
 }  // namespace
 
 std::optional<Markers> plain_markers(Object list) {
-    Markers markers;
+    // Made where the caller has it: the short columns are many, and this is not small.
+    std::optional<Markers> markers(std::in_place);
     if (list.is_none()) return markers;
     if (!PyList_CheckExact(list.get())) return std::nullopt;
     const Py_ssize_t size = PyList_GET_SIZE(list.get());
+    markers->objects.reserve(static_cast<std::size_t>(size));
     for (Py_ssize_t i = 0; i < size; ++i) {
-        if (!read(markers, PyList_GET_ITEM(list.get(), i))) return std::nullopt;
+        if (!read(*markers, PyList_GET_ITEM(list.get(), i))) return std::nullopt;
     }
     return markers;
 }

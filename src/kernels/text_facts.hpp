@@ -16,11 +16,15 @@
 
 namespace quorin::kernels {
 
+inline bool is_ascii_letter(std::uint32_t c) noexcept {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
 inline bool is_lone(TextView text, const Script& script) noexcept {
     if (text.length != 1) return text.length == 0;
     const std::uint32_t c = character(text, 0);
     if (c > 0x7f) return !script.is_alphanumeric(c);
-    return !((c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'));
+    return !((c >= '0' && c <= '9') || is_ascii_letter(c));
 }
 
 // Which lone texts occur: bits for the ASCII characters, the empty text left out.
@@ -67,18 +71,19 @@ struct TextFacts {
 
 enum class Gathered { all, gave_up };
 
-// A walk from `row` on over the texts that are neither marker nor null. Those that a glance shows go to `on_short`
-// first, markers among them; it answers whether it is done with the text. `on_text` may stop the walk; `row` then is
-// where.
+// A walk from `row` on over the texts that are neither marker nor null. Rows for which `skip` holds are passed over.
+// Texts that a glance shows go to `on_short` first, markers among them; it answers whether it is done with the text.
+// `on_text` may stop the walk; `row` then is where.
 enum class Step { next, stop, give_up };
 enum class Walk { ended, stopped, gave_up };
 
-template <class Cells, class OnShort, class OnText>
-Walk walk_from(std::size_t& row, const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnShort on_short,
-               OnText on_text) {
+template <class Cells, class Skip, class OnShort, class OnText>
+Walk walk_from(std::size_t& row, const Cells& cells, const MarkerSet& markers, TextFacts& facts, Skip skip,
+               OnShort on_short, OnText on_text) {
     const std::size_t rows = cells.size();
     for (; row < rows; ++row) {
         cells.prefetch(row + prefetch_distance);
+        if (skip(row)) continue;
         if (ShortText glanced{}; cells.glance(row, glanced) && on_short(glanced)) continue;
         TextView text{};
         switch (cells.read(row, text)) {
@@ -105,7 +110,9 @@ template <class Cells, class OnShort, class OnText>
 Gathered walk_texts(const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnShort on_short, OnText on_text) {
     std::size_t row = 0;
     const auto step = [&](std::size_t at, TextView text) { return on_text(at, text) ? Step::next : Step::give_up; };
-    return walk_from(row, cells, markers, facts, on_short, step) == Walk::gave_up ? Gathered::gave_up : Gathered::all;
+    const auto none_skipped = [](std::size_t) { return false; };
+    return walk_from(row, cells, markers, facts, none_skipped, on_short, step) == Walk::gave_up ? Gathered::gave_up
+                                                                                                : Gathered::all;
 }
 
 // The walk over texts whose characters do not matter: nothing but markers, nulls and lone texts is looked for. It stops
@@ -158,18 +165,24 @@ template <class Cells>
                 return true;
             }
         }
+        const auto first = static_cast<std::uint8_t>(text.value());
         if (others_of(text) == 0) {
             seen.integers = true;
             digits = true;
             return true;
         }
-        const auto first = static_cast<std::uint8_t>(text.value());
         if (text.length == 1 && lone_texts.has_ascii(first)) return true;
         const TextClass text_class = classify_short(text);
         if (text_class != TextClass::integer && text_class != TextClass::real) return false;
         (text_class == TextClass::integer ? seen.integers : seen.reals) = true;
         least_start = first < least_start ? first : least_start;
         return true;
+    };
+    // No number starts with a letter, and of plain texts a third one tells nothing new.
+    const auto skip = [&](std::size_t row) {
+        TextView text{};
+        return seen.second_plain && cells.read(row, text) == Cell::text && text.length > special &&
+               is_ascii_letter(character(text, 0));
     };
     const auto on_text = [&](std::size_t row, TextView text) {
         const bool lone = text.length <= 1 && is_lone(text, script);
@@ -200,7 +213,7 @@ template <class Cells>
     std::size_t row = 0;
     Walk walk = Walk::stopped;
     while (walk == Walk::stopped) {
-        walk = walk_from(row, cells, markers, seen, on_short, on_text);
+        walk = walk_from(row, cells, markers, seen, skip, on_short, on_text);
         if (walk != Walk::stopped) break;
         const std::size_t skipped_from = row;
         walk = skip_plain(row, cells, markers, script, seen);
