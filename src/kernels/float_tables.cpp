@@ -1,36 +1,21 @@
 #include "kernels/float_tables.hpp"
 
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <cstdint>
 #include <cstring>
+
+#include "kernels/packs.hpp"
 
 namespace quorin::kernels {
 
 namespace {
 
-// By itself the compiler finds no such form for comparisons of float64.
-template <class Float>
-struct Pack;
-template <>
-struct Pack<double> {
-    using Numbers [[gnu::vector_size(16)]] = double;
-};
-template <>
-struct Pack<float> {
-    using Numbers [[gnu::vector_size(16)]] = float;
-};
-using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
-
 template <class Float>
 bool any_null(const char* data, std::size_t size) noexcept {
-    using Numbers = typename Pack<Float>::Numbers;
-    constexpr std::size_t together = sizeof(Numbers) / sizeof(Float);
+    constexpr std::size_t together = sizeof(Numbers<Float>) / sizeof(Float);
     const auto nulls_at = [&](std::size_t i) {
-        Numbers numbers;
+        Numbers<Float> numbers;
         std::memcpy(&numbers, data + i * sizeof(Float), sizeof numbers);
-        return std::bit_cast<Bytes>(numbers != numbers);
+        return is_null<Float>(numbers);
     };
     Bytes even{};
     Bytes odd{};
@@ -39,8 +24,7 @@ bool any_null(const char* data, std::size_t size) noexcept {
         even |= nulls_at(i);
         odd |= nulls_at(i + together);
     }
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(even | odd);
-    bool found = (halves[0] | halves[1]) != 0;
+    bool found = any_set(even | odd);
     for (; i < size; ++i) {
         Float number;
         std::memcpy(&number, data + i * sizeof(Float), sizeof number);

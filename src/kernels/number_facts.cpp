@@ -1,12 +1,12 @@
 #include "kernels/number_facts.hpp"
 
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 
 #include "kernels/number_facts_avx2.hpp"
+#include "kernels/packs.hpp"
 
 namespace quorin::kernels {
 
@@ -16,48 +16,9 @@ namespace {
 template <class Float>
 constexpr Float always_whole = static_cast<Float>(1) / std::numeric_limits<Float>::epsilon();
 
-// Several numbers side by side, which every processor in use compares at once; a comparison sets all bits of a number's
-// place or none. By itself the compiler finds no such form for comparisons of float64.
-template <class Float>
-struct Pack;
-template <>
-struct Pack<double> {
-    using Numbers [[gnu::vector_size(16)]] = double;
-    using Bits [[gnu::vector_size(16)]] = std::int64_t;
-    static constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
-};
-template <>
-struct Pack<float> {
-    using Numbers [[gnu::vector_size(16)]] = float;
-    using Bits [[gnu::vector_size(16)]] = std::int32_t;
-    static constexpr std::int32_t sign = std::numeric_limits<std::int32_t>::min();
-};
-template <class Float>
-using Numbers = typename Pack<Float>::Numbers;
-template <class Float>
-using Bits = typename Pack<Float>::Bits;
-
-template <class Float>
-Numbers<Float> magnitude(Numbers<Float> x) noexcept {
-    return std::bit_cast<Numbers<Float>>(std::bit_cast<Bits<Float>>(x) & ~Pack<Float>::sign);
-}
-
 template <class Float>
 Numbers<Float> without_fraction(Numbers<Float> magnitude) noexcept {
     return (magnitude + always_whole<Float>)-always_whole<Float>;
-}
-
-// What comparisons gave, as bytes: gcc makes something else, and slow, of `|` and `&` on comparisons of float64.
-using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
-
-template <class Float>
-Bytes bytes(Bits<Float> compared) noexcept {
-    return std::bit_cast<Bytes>(compared);
-}
-
-template <class Float>
-Bytes is_null(Numbers<Float> x) noexcept {
-    return bytes<Float>(x != x);
 }
 
 // True of NaN and of everything that is not plainly a whole number.
@@ -99,11 +60,6 @@ struct Apart {
         return numbers;
     }
 };
-
-inline bool any_set(Bytes bytes) noexcept {
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(bytes);
-    return (halves[0] | halves[1]) != 0;
-}
 
 template <class Float, class Rows, class Has>
 bool any(const Rows& rows, std::size_t begin, std::size_t end, Has has) noexcept {

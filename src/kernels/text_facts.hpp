@@ -71,6 +71,9 @@ struct TextFacts {
 
 enum class Gathered { all, gave_up };
 
+// Skips no row.
+constexpr auto nothing = [](std::size_t) { return false; };
+
 // A walk from `row` on over the texts that are neither marker nor null. Rows for which `skip` holds are passed over.
 // Texts that a glance shows go to `on_short` first, markers among them; it answers whether it is done with the text.
 // `on_text` may stop the walk; `row` then is where.
@@ -110,9 +113,8 @@ template <class Cells, class OnShort, class OnText>
 Gathered walk_texts(const Cells& cells, const MarkerSet& markers, TextFacts& facts, OnShort on_short, OnText on_text) {
     std::size_t row = 0;
     const auto step = [&](std::size_t at, TextView text) { return on_text(at, text) ? Step::next : Step::give_up; };
-    const auto none_skipped = [](std::size_t) { return false; };
-    return walk_from(row, cells, markers, facts, none_skipped, on_short, step) == Walk::gave_up ? Gathered::gave_up
-                                                                                                : Gathered::all;
+    return walk_from(row, cells, markers, facts, nothing, on_short, step) == Walk::gave_up ? Gathered::gave_up
+                                                                                           : Gathered::all;
 }
 
 // The walk over texts whose characters do not matter: nothing but markers, nulls and lone texts is looked for. It stops
@@ -179,10 +181,9 @@ template <class Cells>
         return true;
     };
     // No number starts with a letter, and of plain texts a third one tells nothing new.
-    const auto skip = [&](std::size_t row) {
+    const auto plain_words = [&](std::size_t row) {
         TextView text{};
-        return seen.second_plain && cells.read(row, text) == Cell::text && text.length > special &&
-               is_ascii_letter(character(text, 0));
+        return cells.read(row, text) == Cell::text && text.length > special && is_ascii_letter(character(text, 0));
     };
     const auto on_text = [&](std::size_t row, TextView text) {
         const bool lone = text.length <= 1 && is_lone(text, script);
@@ -204,7 +205,7 @@ template <class Cells>
                     first_plain = text;
                 } else if (!seen.second_plain) {
                     seen.second_plain = !same(first_plain, text);
-                    if (seen.second_plain && !seen.lone) return Step::stop;
+                    if (seen.second_plain) return Step::stop;
                 }
                 break;
         }
@@ -213,8 +214,9 @@ template <class Cells>
     std::size_t row = 0;
     Walk walk = Walk::stopped;
     while (walk == Walk::stopped) {
-        walk = walk_from(row, cells, markers, seen, skip, on_short, on_text);
-        if (walk != Walk::stopped) break;
+        walk = seen.second_plain ? walk_from(row, cells, markers, seen, plain_words, on_short, on_text)
+                                 : walk_from(row, cells, markers, seen, nothing, on_short, on_text);
+        if (walk != Walk::stopped || seen.lone) continue;
         const std::size_t skipped_from = row;
         walk = skip_plain(row, cells, markers, script, seen);
         if (walk == Walk::stopped) row = skipped_from;

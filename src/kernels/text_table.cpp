@@ -56,9 +56,8 @@ LastSixteen last_sixteen_of_compact(const std::uint8_t* bytes, std::size_t size)
     return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
 }
 
-}  // namespace
-
-std::uint32_t hash_text(const TextView& text) noexcept {
+// Not worth a call for each text of a block.
+[[gnu::always_inline]] inline std::uint32_t hash_of(const TextView& text) noexcept {
     const auto* bytes = static_cast<const std::uint8_t*>(text.characters);
     const std::size_t size = text.length * static_cast<std::size_t>(text.width);
     const LastSixteen end = text.compact ? last_sixteen_of_compact(bytes, size) : last_sixteen(bytes, size);
@@ -67,6 +66,12 @@ std::uint32_t hash_text(const TextView& text) noexcept {
         hash = mixed(hash + eight_bytes(bytes + i), eight_bytes(bytes + i + 8));
     }
     return static_cast<std::uint32_t>(hash >> 32U) | never_zero;
+}
+
+}  // namespace
+
+std::uint32_t hash_text(const TextView& text) noexcept {
+    return hash_of(text);
 }
 
 // At most half full, so that a free slot is never far. Small tables double; once they are no longer small, what was
@@ -111,7 +116,7 @@ std::uint32_t TextTable::find_or_add(const TextView& text, std::uint32_t hash, s
 
 std::uint32_t TextTable::add(const TextView& text, std::size_t row) {
     if (2 * (entries_.size() + 1) > slots_.size()) grow(row + 1);
-    return find_or_add(text, hash_text(text), row);
+    return find_or_add(text, hash_of(text), row);
 }
 
 void TextTable::add(const Block& texts) {
@@ -123,7 +128,7 @@ void TextTable::add(const Block& texts) {
     std::array<std::uint32_t, block> hashes;
     const Slot* const slots = slots_.data();
     const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_text(texts.texts[i]);
+    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_of(texts.texts[i]);
     if (entries_.size() > at_hand) {
         for (std::size_t i = 0; i < size; ++i) __builtin_prefetch(&slots[hashes[i] & mask]);
         for (std::size_t i = 0; i < size; ++i) {

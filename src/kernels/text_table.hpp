@@ -29,10 +29,6 @@ class TextTable {
         std::array<TextView, block> texts;
         std::array<std::size_t, block> rows;  // ascending
         std::size_t size = 0;
-        void add(const TextView& text, std::size_t row) noexcept {
-            texts[size] = text;
-            rows[size++] = row;
-        }
     };
     void add(const Block& texts);
     // One text by itself. Gives the number of its entry.
@@ -61,15 +57,16 @@ class TextTable {
 template <class Cells, class Skip>
 bool add_all(TextTable& table, const Cells& cells, Skip skip) {
     const std::size_t rows = cells.size();
+    TextTable::Block block;
     for (std::size_t row = 0; row < rows;) {
-        TextTable::Block block;
-        for (; row < rows && block.size < TextTable::block; ++row) {
+        std::size_t size = 0;
+        for (; row < rows && size < TextTable::block; ++row) {
             cells.prefetch(row + prefetch_distance);
             if (skip(row)) continue;
-            TextView text;
-            if (cells.read(row, text) != Cell::text) return false;
-            block.add(text, row);
+            if (cells.read(row, block.texts[size]) != Cell::text) return false;
+            block.rows[size++] = row;
         }
+        block.size = size;
         table.add(block);
     }
     return true;

@@ -1,46 +1,16 @@
 #include "kernels/within_limits.hpp"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 #include <type_traits>
 
+#include "kernels/packs.hpp"
+
 namespace quorin::kernels {
 
 namespace {
-
-// Several numbers side by side, and what comparing them gives: all bits of a number's place or none. By itself the
-// compiler finds no such form for comparisons of float64.
-template <class Float>
-struct Pack;
-template <>
-struct Pack<double> {
-    using Numbers [[gnu::vector_size(16)]] = double;
-    using Bits [[gnu::vector_size(16)]] = std::int64_t;
-    static constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
-};
-template <>
-struct Pack<float> {
-    using Numbers [[gnu::vector_size(16)]] = float;
-    using Bits [[gnu::vector_size(16)]] = std::int32_t;
-    static constexpr std::int32_t sign = std::numeric_limits<std::int32_t>::min();
-};
-// gcc makes something else, and slow, of `|` on comparisons of float64.
-using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
-
-template <class Float>
-typename Pack<Float>::Numbers magnitude(typename Pack<Float>::Numbers x) noexcept {
-    using Bits = typename Pack<Float>::Bits;
-    return std::bit_cast<typename Pack<Float>::Numbers>(std::bit_cast<Bits>(x) & ~Pack<Float>::sign);
-}
-
-inline bool any_set(Bytes bytes) noexcept {
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(bytes);
-    return (halves[0] | halves[1]) != 0;
-}
 
 template <class Number, class Float>
 struct SideBySide {
@@ -64,8 +34,8 @@ struct Apart {
 };
 
 template <class Float, class Rows>
-typename Pack<Float>::Numbers pack(const Rows& rows, std::size_t row) noexcept {
-    typename Pack<Float>::Numbers numbers;
+Numbers<Float> pack(const Rows& rows, std::size_t row) noexcept {
+    Numbers<Float> numbers;
     if constexpr (std::is_same_v<Rows, SideBySide<Float, Float>>) {
         std::memcpy(&numbers, rows.data + row * sizeof(Float), sizeof numbers);
     } else {
@@ -77,7 +47,7 @@ typename Pack<Float>::Numbers pack(const Rows& rows, std::size_t row) noexcept {
 // Whether `is` holds of any number; the block that shows it is the last one read.
 template <class Float, class Rows, class Is>
 bool any(const Rows& rows, std::size_t size, Is is) noexcept {
-    constexpr std::size_t together = sizeof(typename Pack<Float>::Numbers) / sizeof(Float);
+    constexpr std::size_t together = sizeof(Numbers<Float>) / sizeof(Float);
     constexpr std::size_t block = 512;
     for (std::size_t begin = 0; begin < size; begin += block) {
         const std::size_t end = std::min(size, begin + block);
@@ -89,7 +59,7 @@ bool any(const Rows& rows, std::size_t size, Is is) noexcept {
             odd |= is(pack<Float>(rows, row + together));
         }
         // What is left, one number in all places.
-        for (; row < end; ++row) even |= is(rows.one(row) - typename Pack<Float>::Numbers{});
+        for (; row < end; ++row) even |= is(rows.one(row) - Numbers<Float>{});
         if (any_set(even | odd)) return true;
     }
     return false;
@@ -112,9 +82,8 @@ template <class Number>
 bool any_beyond(const char* data, std::ptrdiff_t stride, std::size_t rows, double most) noexcept {
     using Float = Arithmetic<Number>;
     const Float limit = static_cast<Float>(most);
-    return any<Number, Float>(data, stride, rows, [=](typename Pack<Float>::Numbers x) {
-        return std::bit_cast<Bytes>(magnitude<Float>(x) > limit);
-    });
+    return any<Number, Float>(data, stride, rows,
+                              [=](Numbers<Float> x) { return bytes<Float>(magnitude<Float>(x) > limit); });
 }
 
 template <class Number>
@@ -126,10 +95,9 @@ bool all_within(const char* data, std::ptrdiff_t stride, std::size_t rows, doubl
     const Float allowed = static_cast<Float>(limits.allowed);
     const Float min = static_cast<Float>(limits.min);
     const Float max = static_cast<Float>(limits.max);
-    return !any<Number, Float>(data, stride, rows, [=](typename Pack<Float>::Numbers x) {
+    return !any<Number, Float>(data, stride, rows, [=](Numbers<Float> x) {
         const auto elt = k * x;
-        return std::bit_cast<Bytes>(magnitude<Float>(elt - mean) > allowed) | std::bit_cast<Bytes>(elt > max) |
-               std::bit_cast<Bytes>(elt < min);
+        return bytes<Float>(magnitude<Float>(elt - mean) > allowed) | bytes<Float>(elt > max) | bytes<Float>(elt < min);
     });
 }
 
