@@ -106,7 +106,9 @@ inline bool same(TextView left, TextView right) noexcept {
     if (left.length != right.length) return false;
     if (left.compact && right.compact) return same_compact(left.characters, right.characters, left.length);
     if (left.width == right.width) {
-        return std::memcmp(left.characters, right.characters, left.length * static_cast<std::size_t>(left.width)) == 0;
+        // No characters need not have an address.
+        const std::size_t size = left.length * static_cast<std::size_t>(left.width);
+        return size == 0 || std::memcmp(left.characters, right.characters, size) == 0;
     }
     return compare(left, right) == 0;
 }

@@ -39,7 +39,7 @@ class Cells {
         text = {kernels::eight_bytes(end - 8), whole.length};
         return true;
     }
-    [[nodiscard]] bool longer_than(std::size_t, std::size_t) const { return false; }
+    [[nodiscard]] static bool longer_than(std::size_t, std::size_t) { return false; }
     void prefetch(std::size_t) const {}
 
   private:

@@ -187,7 +187,7 @@ void no_rows() {
 void flags() {
     for (const std::ptrdiff_t stride : {1, 3, -1}) {
         for (std::size_t rows = 0; rows < 70; ++rows) {
-            std::vector<char> bytes(3 * 70, 9);
+            std::vector<char> bytes(std::size_t{3} * 70, 9);
             char* first = stride < 0 ? bytes.data() + 70 : bytes.data();
             const auto flag = [](std::size_t row) {
                 return static_cast<char>(row % 3 == 0 ? 0 : row % 5 == 0 ? -2 : 1);
