@@ -15,7 +15,7 @@
 # Needed: Python 3.7 or later with venv, a C++20 compiler, PyPI. All else is fetched into .venv.
 
 PYTHON ?= python3
-COVERAGE_MIN ?= 95
+COVERAGE_MIN ?= 97
 CASES ?= 10000
 SEED ?=
 ROWS ?=
@@ -50,7 +50,7 @@ $(VENV)/.package: $(VENV)/.tools CMakeLists.txt $(SOURCES)
 	SKBUILD_BUILD_DIR=build/editable $(BIN)/python -m pip install --quiet --no-build-isolation --editable .
 	touch $@
 
-$(VENV)/.test $(VENV)/.dev $(VENV)/.docs: $(VENV)/.%: $(VENV)/.tools
+$(VENV)/.test $(VENV)/.dev $(VENV)/.docs $(VENV)/.bench: $(VENV)/.%: $(VENV)/.tools
 	$(BIN)/python scripts/requirements.py $* > $(VENV)/$*.txt
 	$(BIN)/python -m pip install --quiet --requirement $(VENV)/$*.txt
 	touch $@
@@ -118,7 +118,7 @@ format: $(VENV)/.dev
 	$(BIN)/ruff format .
 	$(BIN)/clang-format -i $(CXX_FILES)
 
-bench: $(VENV)/.package
+bench: $(VENV)/.package $(VENV)/.bench
 	$(BIN)/python -m benchmarks $(BENCH_ARGS)
 
 kernel-cost: $(VENV)/.tools

@@ -43,6 +43,12 @@ def _parser() -> argparse.ArgumentParser:
     parser.add_argument("--grid", choices=sorted(GRIDS), default="base", help="how many columns")
     parser.add_argument("--repeat", type=int, default=5, metavar="N", help="rounds (default 5)")
     parser.add_argument("--json", type=pathlib.Path, metavar="FILE", help="write the times there")
+    parser.add_argument(
+        "--picture",
+        type=pathlib.Path,
+        metavar="FILE",
+        help="with --curve: draw it there, as .svg or .png (needs matplotlib)",
+    )
     return parser
 
 
@@ -56,6 +62,10 @@ def _lengths(text: str) -> list[int]:
 def _tables(options: argparse.Namespace) -> tuple[list[str], list[Any]]:
     if options.curve:
         points = curve.run(options.rows or curve.LENGTHS, options.repeat, options.filter)
+        if options.picture:
+            from benchmarks import picture
+
+            picture.draw(points, options.picture)
         return [curve.as_text(points)], [point._asdict() for point in points]
     if options.calls:
         answers = calls.run(options.repeat, options.filter)

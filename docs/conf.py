@@ -13,7 +13,9 @@ Needed: ``sphinx``, ``numpydoc`` and the installed package. Warnings are errors:
 
 from __future__ import annotations
 
+import pathlib
 import re
+import sys
 from typing import Any
 
 from docutils import nodes
@@ -24,12 +26,14 @@ from sphinx.util.docutils import SphinxRole
 import quorin_libs
 from quorin_libs.utils import exportable_utils, fc_methods
 
+sys.path.insert(0, str(pathlib.Path(__file__).parent))  # the directives of measured.py
+
 project = "quorin_libs"
 author = "quorin_libs developers"
 copyright = author  # noqa: A001 -- the name is Sphinx's
 release = version = quorin_libs.__version__
 
-extensions = ["sphinx.ext.autodoc", "numpydoc"]
+extensions = ["sphinx.ext.autodoc", "numpydoc", "measured"]
 nitpicky = True
 
 html_theme = "alabaster"
@@ -42,6 +46,7 @@ html_theme_options = {
 html_sidebars = {"**": ["about.html", "searchbox.html", "localtoc.html", "navigation.html"]}
 toc_object_entries_show_parents = "hide"
 html_static_path = ["_static"]
+html_css_files = ["measured.css"]
 html_show_sourcelink = False
 
 # The routines' few annotations are coarser than the types their docstrings state.
