@@ -1,7 +1,7 @@
 #include "classify/parted.hpp"
 
 #include "columns/distinct_numbers.hpp"
-#include "columns/missing_rows.hpp"
+#include "columns/membership.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/table.hpp"
@@ -13,8 +13,9 @@ namespace {
 using columns::Column;
 using columns::Storage;
 
-bool holds_floats(const Column& column) {
-    return column.storage == Storage::float64 || column.storage == Storage::float32;
+bool may_hold_nulls(const Column& column) {
+    return column.storage == Storage::objects || column.storage == Storage::float64 ||
+           column.storage == Storage::float32;
 }
 
 void take_distinct(Parted& parted, Object values_and_counts) {
@@ -23,9 +24,9 @@ void take_distinct(Parted& parted, Object values_and_counts) {
     parted.xx_xounts = std::move(xx_xounts);
 }
 
-bool find_distinct_numbers(Parted& parted, const Column& column, columns::LeftOut left_out) {
+bool find_distinct(Parted& parted, const Column& column, columns::LeftOut left_out) {
     auto found = column.storage == Storage::float32 ? columns::distinct_as_float64(column, left_out)
-                                                    : columns::distinct_numbers(column, left_out);
+                                                    : columns::distinct_values(column, left_out);
     if (!found) return false;
     parted.XX = std::move(found->values);
     parted.xx_xounts = std::move(found->counts);
@@ -36,19 +37,22 @@ bool find_distinct_numbers(Parted& parted, const Column& column, columns::LeftOu
 bool part_unmarked(Parted& parted, const Column& column) {
     columns::Markers null;
     null.null_bits = 1;
-    std::optional<columns::MissingRows> nulls;
-    if (holds_floats(column)) nulls = columns::missing_rows(column, null);
-    const columns::LeftOut left_out = nulls ? columns::LeftOut{nulls->mask, nulls->marked} : columns::LeftOut{};
-    if (!find_distinct_numbers(parted, column, left_out)) return false;
+    columns::Members nulls;
+    if (may_hold_nulls(column)) {
+        std::optional<columns::Members> found = columns::members(column, null);
+        if (!found) return false;
+        nulls = std::move(*found);
+    }
+    if (!find_distinct(parted, column, {nulls.mask, nulls.marked})) return false;
     parted.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows));
     parted.missing_reference_values_exist_list = list({});
     return true;
 }
 
 bool part_marked(Parted& parted, Object X, const Column& column, const columns::Markers& markers, bool first_only) {
-    const std::optional<columns::MissingRows> missing = columns::missing_rows(column, markers, first_only);
+    const std::optional<columns::Members> missing = columns::members(column, markers, first_only);
     if (!missing) return false;
-    if (!find_distinct_numbers(parted, column, {missing->mask, missing->marked})) {
+    if (!find_distinct(parted, column, {missing->mask, missing->marked})) {
         const Ref flat = PyArray_NDIM(column.array) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
         const Ref X_non_missing = missing->marked == 0 ? Ref::share(flat) : item(flat, inverted(missing->mask));
         take_distinct(parted, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));

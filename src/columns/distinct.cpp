@@ -4,6 +4,7 @@
 #include <cstring>
 #include <utility>
 
+#include "columns/distinct_numbers.hpp"
 #include "columns/numbers.hpp"
 #include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
@@ -64,9 +65,11 @@ bool sortable(const ObjectTally& tally) noexcept {
     return !tally.nulls() && (tally.texts().empty() || tally.texts().size() == tally.entries().size());
 }
 
-std::optional<std::vector<Distinct>> ascending_objects(const Column& column) {
+template <class Skip>
+std::optional<std::vector<Distinct>> ascending_objects(const Column& column, Skip skip) {
     ObjectTally tally(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
+        if (skip(row)) continue;
         if (!tally.add(row) || !sortable(tally)) return std::nullopt;
     }
     if (tally.texts().empty()) return ascending_numbers(tally.entries());
@@ -102,22 +105,48 @@ std::size_t possible_numbers(const Column& column) noexcept {
     return column.width == 1 ? bytes : column.rows;
 }
 
-}  // namespace
+bool is_text(PyObject* value) noexcept {
+    return value != nullptr && PyUnicode_CheckExact(value);
+}
 
-std::optional<std::vector<Distinct>> ascending_values(const Column& column) {
+template <class Skip>
+std::optional<std::vector<Distinct>> ascending_values(const Column& column, Skip skip) {
     constexpr std::size_t most_rows = 0x7fffffff;
     if (column.rows > most_rows) return std::nullopt;
     kernels::TextTable table(column.rows);
     if (column.storage == Storage::fixed_text) {
-        if (kernels::add_all(table, FixedTextCells(column))) return ascending_texts(table.entries());
+        if (kernels::add_all(table, FixedTextCells(column), skip)) return ascending_texts(table.entries());
         return std::nullopt;
     }
-    if (column.storage != Storage::objects) return std::nullopt;
-    PyObject* first = column.object(0);
-    if (first != nullptr && PyUnicode_CheckExact(first) && kernels::add_all(table, ObjectCells(column))) {
+    std::size_t first = 0;
+    while (skip(first)) ++first;
+    if (is_text(column.object(first)) && kernels::add_all(table, ObjectCells(column), skip)) {
         return ascending_texts(table.entries());
     }
-    return ascending_objects(column);
+    return ascending_objects(column, skip);
+}
+
+Ref counts_of(const std::vector<Distinct>& distinct) {
+    const npy_intp size = static_cast<npy_intp>(distinct.size());
+    Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
+    auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
+    for (const Distinct& entry : distinct) *out++ = entry.count;
+    return array;
+}
+
+}  // namespace
+
+std::optional<ValuesAndCounts> distinct_values(const Column& column, LeftOut left_out) {
+    if (column.storage != Storage::objects && column.storage != Storage::fixed_text) {
+        return distinct_numbers(column, left_out);
+    }
+    // Of nothing numpy makes an array of its own kind.
+    if (left_out.marked == column.rows) return std::nullopt;
+    const char* marks = left_out.marks();
+    const auto distinct = marks == nullptr ? ascending_values(column, [](std::size_t) { return false; })
+                                           : ascending_values(column, [=](std::size_t row) { return marks[row] != 0; });
+    if (!distinct) return std::nullopt;
+    return ValuesAndCounts{values_of(column, *distinct), counts_of(*distinct)};
 }
 
 std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough) {
@@ -177,14 +206,6 @@ Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
         }
         out += column.width;
     }
-    return array;
-}
-
-Ref counts_of(const std::vector<Distinct>& distinct) {
-    const npy_intp size = static_cast<npy_intp>(distinct.size());
-    Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
-    auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    for (const Distinct& entry : distinct) *out++ = entry.count;
     return array;
 }
 

@@ -14,14 +14,25 @@ struct Distinct {
     npy_intp count;
 };
 
-// Ascending, as numpy.unique() gives them, for texts, and for numbers in an array of objects. Hashed first, so that
-// only the distinct values are sorted. Nothing where numpy's sort would fail or would be free to choose among values
-// that are equal and yet not the same: 1, 1.0 and True; 0.0 and -0.0.
-std::optional<std::vector<Distinct>> ascending_values(const Column& column);
+// The rows that are not taken; a null reference leaves none out.
+struct LeftOut {
+    Object mask;
+    std::size_t marked = 0;
+    [[nodiscard]] const char* marks() const noexcept { return marked == 0 ? nullptr : PyArray_BYTES(as_array(mask)); }
+};
 
-// Arrays of these values, of the column's dtype, and of their counts.
+struct ValuesAndCounts {
+    Ref values;
+    Ref counts;
+};
+
+// numpy.unique(column[~mask], return_counts=True). Texts, and numbers in an array of objects, are hashed first, so that
+// only the distinct ones are sorted. Nothing where numpy's sort would fail, or where it would be free to choose among
+// objects that are equal and yet not the same: 1, 1.0 and True; 0.0 and -0.0.
+std::optional<ValuesAndCounts> distinct_values(const Column& column, LeftOut left_out);
+
+// An array of these values, of the column's dtype.
 Ref values_of(const Column& column, const std::vector<Distinct>& distinct);
-Ref counts_of(const std::vector<Distinct>& distinct);
 
 // How many different values numpy.unique() finds in a column of numbers, whatever its dtype; `enough` where it finds at
 // least as many. Nothing for a column of texts, and for objects with a null or anything else among them. NaN counts as

@@ -29,10 +29,6 @@ Number* data_of(Object array) noexcept {
     return reinterpret_cast<Number*>(PyArray_BYTES(as_array(array)));
 }
 
-const char* marks_of(const LeftOut& left_out) noexcept {
-    return left_out.marked == 0 ? nullptr : PyArray_BYTES(as_array(left_out.mask));
-}
-
 void sort(Object array) {
     if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
 }
@@ -83,24 +79,24 @@ Ref first_elements(Ref array, std::size_t size, PyArray_Descr* dtype) {
 }
 
 template <class Number>
-DistinctNumbers runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
+ValuesAndCounts runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
     Ref counts = collapse(data_of<Number>(sorted), size);
     const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
     return {first_elements<Number>(std::move(sorted), distinct, dtype), std::move(counts)};
 }
 
 template <class From, class To>
-DistinctNumbers sorted_runs(const Column& column, const LeftOut& left_out, PyArray_Descr* dtype) {
+ValuesAndCounts sorted_runs(const Column& column, const LeftOut& left_out, PyArray_Descr* dtype) {
     const std::size_t size = column.rows - left_out.marked;
     Ref copy = empty_array(size, dtype);
-    kernels::copy_kept<From>(column.data, column.stride, marks_of(left_out), data_of<To>(copy), size);
+    kernels::copy_kept<From>(column.data, column.stride, left_out.marks(), data_of<To>(copy), size);
     sort(copy);
     return runs_of<To>(std::move(copy), size, dtype);
 }
 
 // Integers close together are counted in a table, where no sort can follow.
 template <class Integer>
-std::optional<DistinctNumbers> counted(const char* data, std::ptrdiff_t stride, std::size_t size,
+std::optional<ValuesAndCounts> counted(const char* data, std::ptrdiff_t stride, std::size_t size,
                                        PyArray_Descr* dtype) {
     constexpr std::uint64_t most_slots = 0x10000;
     if (size == 0) return std::nullopt;
@@ -111,7 +107,7 @@ std::optional<DistinctNumbers> counted(const char* data, std::ptrdiff_t stride, 
     kernels::count_each<Integer>(data, stride, size, least, table.data());
     const auto distinct = static_cast<std::size_t>(
         std::count_if(table.begin(), table.end(), [](npy_intp occurrences) { return occurrences != 0; }));
-    DistinctNumbers found{empty_array(distinct, dtype), empty_array(distinct, NPY_INTP)};
+    ValuesAndCounts found{empty_array(distinct, dtype), empty_array(distinct, NPY_INTP)};
     auto* values = data_of<Integer>(found.values);
     auto* counts = data_of<npy_intp>(found.counts);
     for (std::size_t slot = 0; slot < table.size(); ++slot) {
@@ -123,7 +119,7 @@ std::optional<DistinctNumbers> counted(const char* data, std::ptrdiff_t stride, 
 }
 
 template <class Integer>
-DistinctNumbers distinct_integers(const Column& column, const LeftOut& left_out) {
+ValuesAndCounts distinct_integers(const Column& column, const LeftOut& left_out) {
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
     if (left_out.marked == 0) {
         auto found = counted<Integer>(column.data, column.stride, column.rows, dtype);
@@ -131,7 +127,7 @@ DistinctNumbers distinct_integers(const Column& column, const LeftOut& left_out)
     }
     const std::size_t size = column.rows - left_out.marked;
     Ref copy = empty_array(size, dtype);
-    kernels::copy_kept<Integer>(column.data, column.stride, marks_of(left_out), data_of<Integer>(copy), size);
+    kernels::copy_kept<Integer>(column.data, column.stride, left_out.marks(), data_of<Integer>(copy), size);
     if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
         return std::move(*found);
     }
@@ -141,8 +137,8 @@ DistinctNumbers distinct_integers(const Column& column, const LeftOut& left_out)
 
 }  // namespace
 
-std::optional<DistinctNumbers> distinct_numbers(const Column& column, LeftOut left_out) {
-    std::optional<DistinctNumbers> found;
+std::optional<ValuesAndCounts> distinct_numbers(const Column& column, LeftOut left_out) {
+    std::optional<ValuesAndCounts> found;
     // A boolean may be a byte of any value, and what numpy makes of those is its own affair.
     if (column.storage == Storage::boolean &&
         kernels::range_of<std::uint8_t>(column.data, column.stride, column.rows).greatest > 1) {
@@ -160,7 +156,7 @@ std::optional<DistinctNumbers> distinct_numbers(const Column& column, LeftOut le
     return found;
 }
 
-std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut left_out) {
+std::optional<ValuesAndCounts> distinct_as_float64(const Column& column, LeftOut left_out) {
     if (column.storage == Storage::float64) return distinct_numbers(column, left_out);
     if (column.storage != Storage::float32) return std::nullopt;
     const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
@@ -168,7 +164,7 @@ std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut
     const std::size_t size = column.rows - left_out.marked;
     const Ref copy = empty_array(size, NPY_FLOAT);
     auto* numbers = data_of<float>(copy);
-    kernels::copy_kept<float>(column.data, column.stride, marks_of(left_out), numbers, size);
+    kernels::copy_kept<float>(column.data, column.stride, left_out.marks(), numbers, size);
     if (kernels::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
     // Half the width sorts faster, and where equal numbers are all alike the result is the same.
     sort(copy);
@@ -176,7 +172,7 @@ std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut
     const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
     Ref values = empty_array(distinct, wide);
     kernels::copy_kept<float>(PyArray_BYTES(as_array(copy)), sizeof(float), nullptr, data_of<double>(values), distinct);
-    return DistinctNumbers{std::move(values), std::move(counts)};
+    return ValuesAndCounts{std::move(values), std::move(counts)};
 }
 
 }  // namespace quorin::columns

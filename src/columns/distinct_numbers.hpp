@@ -3,28 +3,17 @@
 
 #include <optional>
 
-#include "columns/column.hpp"
+#include "columns/distinct.hpp"
 
 namespace quorin::columns {
-
-struct DistinctNumbers {
-    Ref values;
-    Ref counts;
-};
-
-// The rows that are not taken; a null reference leaves none out.
-struct LeftOut {
-    Object mask;
-    std::size_t marked = 0;
-};
 
 // numpy.unique(column[~mask], return_counts=True), for columns of numbers. Nothing for any other column.
 //
 // Which one of several equal numbers stands for them shows where they are zeros of both signs or NaNs: floats are
 // therefore sorted by numpy itself, in the order in which it would be given them.
-std::optional<DistinctNumbers> distinct_numbers(const Column& column, LeftOut left_out);
+std::optional<ValuesAndCounts> distinct_numbers(const Column& column, LeftOut left_out);
 
 // The same of column.astype(float).
-std::optional<DistinctNumbers> distinct_as_float64(const Column& column, LeftOut left_out);
+std::optional<ValuesAndCounts> distinct_as_float64(const Column& column, LeftOut left_out);
 
 }  // namespace quorin::columns

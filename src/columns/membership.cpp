@@ -141,34 +141,60 @@ bool is_float(const Column& column) noexcept {
     return column.storage == Storage::float64 || column.storage == Storage::float32;
 }
 
-// The mask of NaN, and whether there is any.
-std::pair<Ref, bool> null_mask(const Column& column) {
+bool can_only_be_null(const Column& column, const Markers& values) noexcept {
+    return is_float(column) && values.numbers.empty();
+}
+
+// The rows that hold NaN.
+Members null_rows(const Column& column, std::uint32_t bits) {
     const npy_intp shape = static_cast<npy_intp>(column.rows);
-    Ref mask = Ref::take(PyArray_SimpleNew(1, &shape, NPY_BOOL));
+    Members found{Ref::take(PyArray_SimpleNew(1, &shape, NPY_BOOL))};
     const auto mark = column.storage == Storage::float64 ? kernels::mark_nulls<double> : kernels::mark_nulls<float>;
-    const std::size_t nulls = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(mask)));
-    return {std::move(mask), nulls != 0};
+    found.marked = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(found.mask)));
+    if (found.marked != 0) found.bits = bits;
+    return found;
+}
+
+std::optional<Members> first_members(const Column& column, const Markers& values) {
+    std::optional<MarkedRows> found = marked_rows(column, values);
+    if (!found) return std::nullopt;
+    if (found->bits == 0) return Members{std::move(found->mask)};
+    Members first{std::move(found->masks.front()), lowest(found->bits)};
+    first.marked = kernels::count_marked(PyArray_BYTES(as_array(first.mask)), column.rows);
+    return first;
 }
 
 }  // namespace
 
+std::optional<Members> members(const Column& column, const Markers& values, bool first_only) {
+    if (can_only_be_null(column, values) && values.null_bits != 0) {
+        return null_rows(column, first_only ? lowest(values.null_bits) : values.null_bits);
+    }
+    if (first_only) return first_members(column, values);
+    Members found{empty_mask(column.rows)};
+    std::uint8_t* out = bytes_of(found.mask);
+    const auto on_match = [&](std::size_t row, std::uint32_t bits) {
+        out[row] = 1;
+        found.bits |= bits;
+        ++found.marked;
+    };
+    if (!match_rows(column, values, on_match)) return std::nullopt;
+    return found;
+}
+
 std::optional<Ref> membership_mask(const Column& column, const Markers& values) {
-    if (is_float(column) && values.numbers.empty() && values.null_bits != 0) return null_mask(column).first;
-    Ref mask = empty_mask(column.rows);
-    std::uint8_t* out = bytes_of(mask);
-    if (!match_rows(column, values, [&](std::size_t row, std::uint32_t) { out[row] = 1; })) return std::nullopt;
-    return mask;
+    std::optional<Members> found = members(column, values);
+    if (!found) return std::nullopt;
+    return std::move(found->mask);
 }
 
 std::optional<MarkedRows> marked_rows(const Column& column, const Markers& values) {
     MarkedRows found;
-    if (is_float(column) && values.numbers.empty() && std::has_single_bit(values.null_bits)) {
-        auto [mask, any] = null_mask(column);
-        if (any) {
-            found.bits = values.null_bits;
-            found.masks.push_back(Ref::share(mask));
-        }
-        found.mask = std::move(mask);
+    if (can_only_be_null(column, values) && std::has_single_bit(values.null_bits)) {
+        Members nulls = null_rows(column, values.null_bits);
+        found.bits = nulls.bits;
+        if (nulls.bits != 0) found.masks.push_back(Ref::share(nulls.mask));
+        found.mask = std::move(nulls.mask);
         return found;
     }
     std::array<Ref, kernels::most_markers> masks;

@@ -8,7 +8,17 @@
 
 namespace quorin::columns {
 
-// The mask of the rows that equal any of the values, shape (n,); nothing where an element is of no known kind.
+// The rows that equal any of the values.
+struct Members {
+    Ref mask;                // of shape (n,)
+    std::uint32_t bits = 0;  // of the values that occur
+    std::size_t marked = 0;  // rows that the mask marks
+};
+// Nothing where an element is of no known kind. With `first_only` the first value of the list that occurs stands for
+// all of them.
+std::optional<Members> members(const Column& column, const Markers& values, bool first_only = false);
+
+// Their mask.
 std::optional<Ref> membership_mask(const Column& column, const Markers& values);
 
 // The rows of each value by itself, and of all of them together.

@@ -1,8 +1,7 @@
 #include <optional>
 
 #include "columns/distinct.hpp"
-#include "columns/distinct_numbers.hpp"
-#include "columns/missing_rows.hpp"
+#include "columns/membership.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -18,21 +17,9 @@ bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// The distinct texts of a flat column, or the distinct numbers among its objects, with counts if they are wanted.
-Ref native_unique(Object y_to_process, bool return_counts) {
-    if (!originals_in_place_but_date_test()) return {};
-    const std::optional<columns::Column> column = columns::flat_column(y_to_process);
-    if (!column) return {};
-    const auto distinct = columns::ascending_values(*column);
-    if (!distinct) return {};
-    Ref values = columns::values_of(*column, *distinct);
-    if (!return_counts) return values;
-    return tuple({values, columns::counts_of(*distinct)});
-}
-
-// The distinct numbers that are not on the list, with their counts. Without counts newer releases of numpy find them by
-// another way, where another one of several equal floats may stand for them.
-Ref native_unique_numbers(Object y, Object exclusion_list, bool return_counts) {
+// The distinct values that are not on the list, with their counts if they are wanted. Without counts newer releases of
+// numpy find those of floats by another way, where another one of several equal floats may stand for them.
+Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
     if (!originals_in_place_but_date_test()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
     if (!column) return {};
@@ -40,13 +27,13 @@ Ref native_unique_numbers(Object y, Object exclusion_list, bool return_counts) {
     if (floats && !return_counts) return {};
     const std::optional<columns::Markers> excluded = columns::plain_markers(exclusion_list);
     if (!excluded || (excluded->null_bits != 0 && !columns::survive_asarray(*excluded))) return {};
-    std::optional<columns::MissingRows> left_out;
+    columns::Members left_out;
     if (!excluded->none()) {
-        left_out = columns::missing_rows(*column, *excluded);
-        if (!left_out) return {};
+        std::optional<columns::Members> found = columns::members(*column, *excluded);
+        if (!found) return {};
+        left_out = std::move(*found);
     }
-    const auto distinct = columns::distinct_numbers(
-        *column, left_out ? columns::LeftOut{left_out->mask, left_out->marked} : columns::LeftOut{});
+    const auto distinct = columns::distinct_values(*column, {left_out.mask, left_out.marked});
     if (!distinct) return {};
     if (!return_counts) return Ref::share(distinct->values);
     return tuple({distinct->values, distinct->counts});
@@ -99,7 +86,7 @@ array(['a', 'b'], dtype=object)
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
         if (plain_question) {
-            if (Ref result = native_unique_numbers(y, exclusion_list, return_counts.is(Py_True))) return result;
+            if (Ref result = native_unique(y, exclusion_list, return_counts.is(Py_True))) return result;
         }
         Ref y_to_process = Ref::share(y);
         if (truth(exclusion_list)) {
@@ -108,7 +95,7 @@ array(['a', 'b'], dtype=object)
         }
         const auto unique = [&] {
             if (plain_question) {
-                if (Ref result = native_unique(y_to_process, return_counts.is(Py_True))) return result;
+                if (Ref result = native_unique(y_to_process, Py_None, return_counts.is(Py_True))) return result;
             }
             return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
         };
