@@ -128,6 +128,26 @@ TABLES = ("row", "table", "fortran_table", "read_only_table", "cube_of_one")
 PANDAS = tuple(name for name in LAYOUTS if name not in FLAT + SINGLE + TABLES + ("list",))
 
 
+LONGEST_STABLE = 16
+TOLD_BY_IDENTITY = (str, int, float, np.str_, np.int64, np.float64)
+
+
+def one_object_each(cells: List[Any]) -> List[Any]:
+    """One object in place of equal ones that nothing else tells apart.
+
+    Which of several a sort hands on is the sort's affair.
+    """
+    kept: Dict[Tuple[type, Any], Any] = {}
+
+    def the_one(cell: Any) -> Any:
+        if type(cell) not in TOLD_BY_IDENTITY or cell != cell:
+            return cell
+        # The zeros of both signs are told apart.
+        return kept.setdefault((type(cell), repr(cell) if isinstance(cell, float) else cell), cell)
+
+    return [the_one(cell) for cell in cells]
+
+
 def column(values: List[Any], dtype: str, layout: str) -> Recipe:
     """A column recipe; content that does not fit the dtype or layout falls back step by step."""
     for try_dtype, try_layout in ((dtype, layout), ("O", layout), ("O", "plain")):
@@ -145,12 +165,11 @@ def _column(values: List[Any], dtype: str, layout: str) -> Recipe:
     text = "column({!r}, {!r}, {!r})".format(values, dtype, layout)
 
     def make(inner: Callable[[Any], Any]) -> Any:
-        # Equal texts are one object: which of several a sort hands on is the sort's affair.
-        seen: Dict[str, str] = {}
         cells = [inner(value) for value in values]
-        return shape(
-            array_of([seen.setdefault(c, c) if type(c) is str else c for c in cells], dtype)
-        )
+        # Up to so many are sorted so that the first of several equal objects stays the first.
+        if len(cells) > LONGEST_STABLE:
+            cells = one_object_each(cells)
+        return shape(array_of(cells, dtype))
 
     return Recipe(text, make, values)
 

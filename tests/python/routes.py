@@ -22,7 +22,7 @@ import pandas as pd
 from columns import GROWING, PALETTES, marked, markers
 from comparison import Tally, find_owner, find_routine, module, outcome, replaced, show_call
 from hypothesis import strategies as st
-from recipes import Recipe, array_of, call
+from recipes import Recipe, array_of, call, one_object_each
 from stand_ins import Overlay
 
 # What each routine looks up by name, in its own steps and in those of the routines it calls.
@@ -269,18 +269,12 @@ def twin(value: Any) -> Any:
     return int(str(value)) if type(value) is int and abs(value) < 10**18 else value
 
 
-def _has_twins(value: Any) -> bool:
-    """Whether equal objects of the type are told apart by nothing but their identity."""
-    return type(value) in (str, int, float) and value == value
-
-
 def spread(values: List[Any], dtype: str, shape: str, twins: bool = False) -> Recipe:
     """A column recipe; content that does not fit the dtype is held as objects."""
     if twins:
         values = [twin(value) if i % 2 else value for i, value in enumerate(values)]
     else:
-        kept: Dict[Tuple[type, str], Any] = {}
-        values = [kept.setdefault((type(x), repr(x)), x) if _has_twins(x) else x for x in values]
+        values = one_object_each(values)
     for kind in (dtype, "O"):
         text = "{}{}: array_of({!r}, {!r})".format("twins " * twins, shape, values, kind)
         recipe = (Twins if twins and kind == "O" else Recipe)(
