@@ -10,7 +10,18 @@ from comparison import DELETED, Tally, find_owner, find_routine, module
 from hypothesis import strategies as st
 from properties import property_test
 from recipes import Recipe
-from routes import SHORT, cases, compare_routes, events_of, names_for, objects, pass_through, shown
+from routes import (
+    SHORT,
+    Twins,
+    cases,
+    compare_routes,
+    events_of,
+    names_for,
+    objects,
+    pass_through,
+    shown,
+    without_places,
+)
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
@@ -417,7 +428,11 @@ def test_odd_answers_are_the_same_on_both_routes(case, call, by, also, odd):
     Tally.cases += 1
     alone = shown(name, args, kwargs, names)
     names[also] = pass_through(also)
-    assert shown(name, args, kwargs, names) == alone
+    both = shown(name, args, kwargs, names)
+    if isinstance(case[0], Twins):
+        for seen in (alone, both):
+            seen["result"] = without_places(seen.get("result"))
+    assert both == alone
 
 
 FRACTIONS = Recipe("fractions", lambda inner: np.array([0.1 + 0.2, 1.5, 1e-7 / 3]))

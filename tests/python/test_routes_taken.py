@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import sys
-import timeit
 import tracemalloc
 
 import numpy as np
@@ -171,27 +170,6 @@ def test_flags_need_no_mask(markers):
     result = 8 * ROWS
     assert peak_of("numpy_boolean2float", (column.copy(), markers), by="np") > 1.1 * result
     assert peak_of("numpy_boolean2float", (column.copy(), markers)) < 1.1 * result
-
-
-def least_time(name, arguments, by=None):
-    names = {} if by is None else {by: pass_through(by)}
-    with replaced(module, names):
-        return min(
-            timeit.repeat(lambda: find_routine(module, name)(*arguments), number=1, repeat=7)
-        )
-
-
-QUICK = [("numpy_isintstr", (MARKERS,), kind) for kind in sorted(NUMBER_COLUMNS)]
-QUICK += [("numpy_column_float2str", (), kind) for kind in ("Python floats", "whole floats")]
-
-
-# Nothing that these call on their interpreter route shows anywhere, but it takes its time: many
-# times that of the native route.
-@pytest.mark.parametrize("name, more, kind", QUICK)
-def test_native_route_takes_a_fraction_of_the_time(name, more, kind):
-    column = np.resize(NUMBER_COLUMNS[kind], 5 * ROWS)
-    forced = least_time(name, (column,) + more, by="isint")
-    assert least_time(name, (column,) + more) < forced / 2
 
 
 @pytest.mark.parametrize("shape", sorted(set(SHAPES) - {"byte-swapped"}))
