@@ -2,6 +2,7 @@
 // where they stand, one closing line.
 #pragma once
 
+#include <cstddef>
 #include <source_location>
 #include <string>
 #include <string_view>
@@ -20,6 +21,14 @@ void report_failure(const std::string& what, std::source_location where);
 
 inline void check(bool holds, std::string_view what, std::source_location where = std::source_location::current()) {
     if (!holds) report_failure(std::string{what}, where);
+}
+
+// Calls `use` with every text of up to so many characters of the alphabet, the empty one first.
+template <class Use>
+void for_every_text(std::string_view alphabet, std::size_t longest, Use use, const std::string& start = {}) {
+    use(start);
+    if (start.size() == longest) return;
+    for (const char c : alphabet) for_every_text(alphabet, longest, use, start + c);
 }
 
 }  // namespace quorin::tests

@@ -40,14 +40,8 @@ void check_text(const std::string& text) {
     }
 }
 
-void check_all_that_start_with(const std::string& start, std::size_t longest) {
-    check_text(start);
-    if (start.size() == longest) return;
-    for (const char c : alphabet) check_all_that_start_with(start + c, longest);
-}
-
 void short_texts() {
-    check_all_that_start_with("", 4);
+    for_every_text(alphabet, 4, check_text);
 }
 
 // Around the lengths at which eight characters are looked at together, mostly digits and rarely anything else.

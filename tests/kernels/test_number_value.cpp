@@ -90,14 +90,8 @@ void no_numbers() {
 
 constexpr std::string_view alphabet{"05.-+eE _x\t"};
 
-void check_all_that_start_with(const std::string& start, std::size_t longest) {
-    check_value(start);
-    if (start.size() == longest) return;
-    for (const char c : alphabet) check_all_that_start_with(start + c, longest);
-}
-
 void short_texts() {
-    check_all_that_start_with("", 4);
+    for_every_text(alphabet, 4, check_value);
 }
 
 // Numbers of up to twenty digits with a dot and a power of ten anywhere.

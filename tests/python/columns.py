@@ -105,6 +105,16 @@ PALETTES = {
     "text and numbers": (st.one_of(texts, numbers), ["O"]),
     "anything": (cells, ["O"]),
 }
+# The kinds of PALETTES that are texts, with nothing beside them but what is missing.
+TEXT_KINDS = [
+    "numbers as text",
+    "numbers and lone signs",
+    "numbers and words",
+    "nearly numbers",
+    "words",
+    "any text",
+    "text and missing",
+]
 # Kinds that may be given many more distinct values, around the module's limit of 50.
 GROWING: Dict[str, Callable[[int], Any]] = {
     "numbers as text": str,

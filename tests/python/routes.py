@@ -227,15 +227,6 @@ SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
 # Edges of blocks, of look-ahead and of the capped samples.
 LENGTHS = [1, 2, 3, 5, 8, 16, 31, 32, 33, 49, 50, 51, 63, 64, 65, 95, 96, 97, 127, 128, 129, 160,
            255, 256, 257, 300, 400, 1023, 1024, 1025]  # fmt: skip
-TEXT_KINDS = [
-    "numbers as text",
-    "numbers and lone signs",
-    "numbers and words",
-    "nearly numbers",
-    "words",
-    "any text",
-    "text and missing",
-]
 NUMBER_KINDS = [
     "small integers",
     "integers",

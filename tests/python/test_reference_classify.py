@@ -2,21 +2,12 @@
 
 from __future__ import annotations
 
-from columns import array_layouts, columns, flags, marked, markers
+from columns import TEXT_KINDS, array_layouts, columns, flags, marked, markers
 from comparison import compare
 from hypothesis import strategies as st
 from properties import property_test
 from tracing import StandIn, Trace
 
-TEXT_KINDS = [
-    "numbers as text",
-    "numbers and lone signs",
-    "numbers and words",
-    "nearly numbers",
-    "words",
-    "any text",
-    "text and missing",
-]
 options = st.fixed_dictionaries(
     {},
     optional={

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import numpy as np
-from columns import flags
+from columns import TEXT_KINDS, flags
 from comparison import module, replaced
 from hypothesis import strategies as st
 from properties import property_test
@@ -13,7 +13,6 @@ from routes import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
-    TEXT_KINDS,
     cases,
     compare_routes,
     frame_of,

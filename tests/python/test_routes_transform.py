@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import numpy as np
-from columns import flags, marked
+from columns import TEXT_KINDS, flags, marked
 from hypothesis import strategies as st
 from properties import property_test
 from recipes import Recipe
@@ -11,7 +11,6 @@ from routes import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
-    TEXT_KINDS,
     compare_routes,
     long_columns,
     names_for,
