@@ -1,98 +1,37 @@
 #include <algorithm>
-#include <array>
-#include <cstring>
 #include <optional>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "classify/classify.hpp"
 #include "columns/markers.hpp"
+#include "columns/new_text.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
 #include "interp/table.hpp"
+#include "kernels/label_text.hpp"
 
 namespace quorin::classify {
 
 namespace {
 
-// What ASCII needs no look-up in the interpreter's tables for.
-constexpr std::size_t ascii = 128;
-constexpr std::array<bool, ascii> ascii_space = [] {
-    std::array<bool, ascii> space{};
-    for (const char c : std::string_view{"\t\n\v\f\r\x1c\x1d\x1e\x1f "}) space[static_cast<unsigned char>(c)] = true;
-    return space;
-}();
-constexpr std::array<bool, ascii> ascii_alphanumeric = [] {
-    std::array<bool, ascii> alphanumeric{};
-    for (std::size_t c = 0; c < ascii; ++c) {
-        alphanumeric[c] = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-    }
-    return alphanumeric;
-}();
-
-bool is_space(Py_UCS4 character) {
-    return character < ascii ? ascii_space[character] : Py_UNICODE_ISSPACE(character) != 0;
+bool is_compressed(kernels::TextView text, const columns::Markers& missing) {
+    return !kernels::is_alphanumeric(text, columns::script) && missing.texts.find(text) == 0;
 }
 
-bool is_alphanumeric(kernels::TextView text) {
-    if (text.compact) {
-        const auto* characters = static_cast<const std::uint8_t*>(text.characters);
-        return text.length != 0 &&
-               std::all_of(characters, characters + text.length, [](std::uint8_t c) { return ascii_alphanumeric[c]; });
-    }
-    for (std::size_t i = 0; i < text.length; ++i) {
-        const Py_UCS4 character = kernels::character(text, i);
-        if (character < ascii ? !ascii_alphanumeric[character] : !columns::script.is_alphanumeric(character)) {
-            return false;
-        }
-    }
-    return text.length != 0;
-}
-
-// The characters of a text that are no white space; the text itself where all of them are.
-Ref without_space(PyObject* label, kernels::TextView text) {
-    constexpr std::size_t short_label = 64;
-    if (text.compact && text.length <= short_label) {
-        const auto* from = static_cast<const std::uint8_t*>(text.characters);
-        std::array<std::uint8_t, short_label> kept;
-        std::size_t size = 0;
-        for (std::size_t i = 0; i < text.length; ++i) {
-            kept[size] = from[i];
-            size += static_cast<std::size_t>(!ascii_space[from[i]]);
-        }
-        if (size == text.length) return Ref::share(label);
-        // The interpreter keeps the texts of no or one character.
-        if (size > 1) {
-            Ref compressed = Ref::take(PyUnicode_New(static_cast<Py_ssize_t>(size), ascii - 1));
-            std::memcpy(reinterpret_cast<char*>(compressed.get()) + sizeof(PyASCIIObject), kept.data(), size);
-            return compressed;
-        }
-    }
-    std::vector<Py_UCS4> kept;
-    kept.reserve(text.length);
-    for (std::size_t i = 0; i < text.length; ++i) {
-        const Py_UCS4 character = kernels::character(text, i);
-        if (!is_space(character)) kept.push_back(character);
-    }
-    if (kept.size() == text.length) return Ref::share(label);
-    return Ref::take(
-        PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, kept.data(), static_cast<Py_ssize_t>(kept.size())));
-}
-
-// Labels of an array of objects, each of them an exact str.
+// Labels of an array of objects, each of them an exact str. Those without white space stay the objects they are.
 void compress_objects(const columns::Column& labels, const columns::Markers& missing) {
     const columns::ObjectCells cells(labels);
+    std::vector<char> room;
     for (std::size_t row = 0; row < labels.rows; ++row) {
         cells.prefetch(row + kernels::prefetch_distance);
         kernels::TextView text{};
-        if (cells.read(row, text) != kernels::Cell::text) continue;
-        if (is_alphanumeric(text) || missing.texts.find(text) != 0) continue;
-        PyObject*& place = *reinterpret_cast<PyObject**>(PyArray_BYTES(labels.array) +
-                                                         static_cast<std::ptrdiff_t>(row) * labels.stride);
-        Ref compressed = without_space(place, text);
-        Ref::adopt(std::exchange(place, compressed.give()));
+        if (cells.read(row, text) != kernels::Cell::text || !is_compressed(text, missing)) continue;
+        Ref compressed = columns::text_without_white_space(text, room);
+        if (PyUnicode_GET_LENGTH(compressed.get()) == static_cast<Py_ssize_t>(text.length)) continue;
+        auto* place = reinterpret_cast<PyObject**>(const_cast<char*>(labels.at(row)));
+        Ref::adopt(std::exchange(*place, compressed.give()));
     }
 }
 
@@ -103,11 +42,9 @@ void compress_fixed(const columns::Column& labels, const columns::Markers& missi
     for (std::size_t row = 0; row < labels.rows; ++row) {
         kernels::TextView text{};
         cells.read(row, text);
-        if (is_alphanumeric(text) || missing.texts.find(text) != 0) continue;
-        auto* label =
-            reinterpret_cast<Py_UCS4*>(PyArray_BYTES(labels.array) + static_cast<std::ptrdiff_t>(row) * labels.stride);
-        Py_UCS4* const end = std::remove_if(label, label + text.length, is_space);
-        std::fill(end, label + width, 0);
+        if (!is_compressed(text, missing)) continue;
+        auto* label = reinterpret_cast<Py_UCS4*>(const_cast<char*>(labels.at(row)));
+        std::fill(label + kernels::remove_white_space(text, columns::script, label), label + width, 0);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <bit>
 
+#include "columns/new_text.hpp"
 #include "columns/numbers.hpp"
 #include "columns/object_tally.hpp"
 #include "interp/operations.hpp"
@@ -44,10 +45,7 @@ class ObjectTexts {
 class FixedTexts {
   public:
     explicit FixedTexts(const Column& column) : column_(column) {}
-    [[nodiscard]] static Ref listed(const Ordered& text) {
-        return Ref::take(PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.text.characters,
-                                                   static_cast<Py_ssize_t>(text.text.length)));
-    }
+    [[nodiscard]] static Ref listed(const Ordered& text) { return new_text(text.text); }
     [[nodiscard]] Ref scanned(const Ordered& text) const {
         auto* data = const_cast<char*>(column_.at(text.row));
         return Ref::take(
@@ -170,7 +168,7 @@ kernels::NumberFacts gather_beside(const Column& column, const Markers& markers,
                     continue;
                 }
                 bits = markers.bits_of_number(value);
-                if (bits == 0) facts.fractions = facts.fractions || std::isinf(value) || std::floor(value) != value;
+                if (bits == 0) facts.fractions = facts.fractions || !is_whole(value);
             } else {
                 if (std::fabs(value) < exact_limit) bits = markers.bits_of_number(value);
             }

@@ -6,26 +6,16 @@
 #include <utility>
 
 #include "columns/membership.hpp"
+#include "columns/new_text.hpp"
 #include "columns/numbers.hpp"
 #include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
-#include "kernels/number_count.hpp"
+#include "kernels/number_table.hpp"
 #include "kernels/text_table.hpp"
 
 namespace quorin::columns {
 
 namespace {
-
-// Rows that are left out by equality; none where there is no mask.
-class Unwanted {
-  public:
-    explicit Unwanted(Ref mask) : mask_(std::move(mask)), marked_(mask_ ? PyArray_BYTES(as_array(mask_)) : nullptr) {}
-    [[nodiscard]] bool has(std::size_t row) const noexcept { return marked_ != nullptr && marked_[row] != 0; }
-
-  private:
-    Ref mask_;
-    const char* marked_;
-};
 
 template <class Cells, class Skip>
 std::optional<std::vector<Distinct>> text_classes(const Column& column, const Cells& cells, Skip skip) {
@@ -39,7 +29,7 @@ std::optional<std::vector<Distinct>> text_classes(const Column& column, const Ce
     return classes;
 }
 
-std::optional<std::vector<Distinct>> object_classes(const Column& column, const Unwanted& equal,
+std::optional<std::vector<Distinct>> object_classes(const Column& column, const LeftOut& equal,
                                                     const std::vector<PyObject*>& nulls) {
     const auto skip = [&](std::size_t row) {
         if (equal.has(row)) return true;
@@ -47,7 +37,7 @@ std::optional<std::vector<Distinct>> object_classes(const Column& column, const 
     };
     std::size_t first = 0;
     while (first < column.rows && skip(first)) ++first;
-    if (first < column.rows && column.object(first) != nullptr && PyUnicode_CheckExact(column.object(first))) {
+    if (first < column.rows && is_exact_text(column.object(first))) {
         if (auto classes = text_classes(column, ObjectCells(column), skip)) return classes;
     }
     ObjectTally tally(column);
@@ -61,13 +51,7 @@ std::optional<std::vector<Distinct>> object_classes(const Column& column, const 
 }
 
 template <class Number>
-std::uint64_t key_of(Number value) noexcept {
-    if constexpr (std::is_floating_point_v<Number>) return kernels::pattern_of(static_cast<double>(value));
-    return static_cast<std::uint64_t>(value);
-}
-
-template <class Number>
-std::vector<Distinct> number_classes(const Column& column, const Unwanted& equal) {
+std::vector<Distinct> number_classes(const Column& column, const LeftOut& equal) {
     constexpr std::size_t ahead = 16;
     std::vector<Distinct> classes;
     kernels::NumberTable table;
@@ -76,7 +60,7 @@ std::vector<Distinct> number_classes(const Column& column, const Unwanted& equal
     bool any = false;
     for (std::size_t row = 0; row < column.rows; ++row) {
         if (equal.has(row)) continue;
-        if (row + ahead < column.rows) table.prefetch(key_of(load<Number>(column, row + ahead)));
+        if (row + ahead < column.rows) table.prefetch(kernels::key_of(load<Number>(column, row + ahead)));
         const Number value = load<Number>(column, row);
         const auto next = static_cast<std::uint32_t>(classes.size());
         if constexpr (std::is_floating_point_v<Number>) {
@@ -85,7 +69,7 @@ std::vector<Distinct> number_classes(const Column& column, const Unwanted& equal
                 continue;
             }
         }
-        const std::uint64_t key = key_of(value);
+        const std::uint64_t key = kernels::key_of(value);
         // Runs of one value need no search.
         if (!any || key != last_key) {
             last = table.find_or_add(key, next);
@@ -99,7 +83,7 @@ std::vector<Distinct> number_classes(const Column& column, const Unwanted& equal
 }
 
 // Two values, so that counting needs no search. A byte of an array of booleans may be any number but 0 for true.
-std::vector<Distinct> boolean_classes(const Column& column, const Unwanted& equal) {
+std::vector<Distinct> boolean_classes(const Column& column, const LeftOut& equal) {
     std::array<Distinct, 2> found{};
     for (std::size_t row = 0; row < column.rows; ++row) {
         if (equal.has(row)) continue;
@@ -131,8 +115,7 @@ Ref scalar_at(const Column& column, std::size_t row) {
         // An element of fixed-width text is a str by its base, which makes it of the type asked for.
         kernels::TextView text{};
         FixedTextCells(column).read(row, text);
-        const Ref plain = Ref::take(
-            PyUnicode_FromKindAndData(PyUnicode_4BYTE_KIND, text.characters, static_cast<Py_ssize_t>(text.length)));
+        const Ref plain = new_text(text);
         const Ref arguments = Ref::take(PyTuple_Pack(1, plain.get()));
         return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
     }
@@ -151,13 +134,13 @@ std::optional<std::vector<Distinct>> classes_of(const Column& column, const Mark
     for (PyObject* value : left_out.objects) {
         if (is_plain_null(value)) nulls.push_back(value);
     }
-    Ref mask;
+    Members by_equality;
     if (nulls.size() < left_out.objects.size()) {
-        std::optional<Ref> marked = membership_mask(column, values);
-        if (!marked) return std::nullopt;
-        mask = std::move(*marked);
+        std::optional<Members> found = members(column, values);
+        if (!found) return std::nullopt;
+        by_equality = std::move(*found);
     }
-    const Unwanted equal(std::move(mask));
+    const LeftOut equal(by_equality.mask, by_equality.marked);
     if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
     if (column.storage == Storage::fixed_text) {
         const auto skip = [&](std::size_t row) { return equal.has(row); };

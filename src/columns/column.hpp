@@ -47,6 +47,10 @@ inline bool is_plain_null(PyObject* value) noexcept {
     return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));
 }
 
+inline bool is_exact_text(PyObject* value) noexcept {
+    return value != nullptr && PyUnicode_CheckExact(value);
+}
+
 // Elements of an object array, as far as kernels over texts know them.
 class ObjectCells {
   public:

@@ -9,7 +9,7 @@
 #include "columns/object_tally.hpp"
 #include "interp/errors.hpp"
 #include "kernels/key_order.hpp"
-#include "kernels/number_count.hpp"
+#include "kernels/number_table.hpp"
 #include "kernels/text_order.hpp"
 #include "kernels/text_table.hpp"
 
@@ -105,10 +105,6 @@ std::size_t possible_numbers(const Column& column) noexcept {
     return column.width == 1 ? bytes : column.rows;
 }
 
-bool is_text(PyObject* value) noexcept {
-    return value != nullptr && PyUnicode_CheckExact(value);
-}
-
 template <class Skip>
 std::optional<std::vector<Distinct>> ascending_values(const Column& column, Skip skip) {
     constexpr std::size_t most_rows = 0x7fffffff;
@@ -120,7 +116,7 @@ std::optional<std::vector<Distinct>> ascending_values(const Column& column, Skip
     }
     std::size_t first = 0;
     while (skip(first)) ++first;
-    if (is_text(column.object(first)) && kernels::add_all(table, ObjectCells(column), skip)) {
+    if (is_exact_text(column.object(first)) && kernels::add_all(table, ObjectCells(column), skip)) {
         return ascending_texts(table.entries());
     }
     return ascending_objects(column, skip);
@@ -141,10 +137,10 @@ std::optional<ValuesAndCounts> distinct_values(const Column& column, LeftOut lef
         return distinct_numbers(column, left_out);
     }
     // Of nothing numpy makes an array of its own kind.
-    if (left_out.marked == column.rows) return std::nullopt;
-    const char* marks = left_out.marks();
-    const auto distinct = marks == nullptr ? ascending_values(column, [](std::size_t) { return false; })
-                                           : ascending_values(column, [=](std::size_t row) { return marks[row] != 0; });
+    if (left_out.marked() == column.rows) return std::nullopt;
+    const auto distinct = left_out.marked() == 0
+                              ? ascending_values(column, [](std::size_t) { return false; })
+                              : ascending_values(column, [=](std::size_t row) { return left_out.has(row); });
     if (!distinct) return std::nullopt;
     return ValuesAndCounts{values_of(column, *distinct), counts_of(*distinct)};
 }
@@ -152,17 +148,13 @@ std::optional<ValuesAndCounts> distinct_values(const Column& column, LeftOut lef
 std::optional<std::size_t> count_distinct_numbers(const Column& column, std::size_t enough) {
     if (column.storage == Storage::objects) return count_distinct_objects(column, enough, false);
     enough = std::min(enough, possible_numbers(column));
-    kernels::NumberSet numbers(enough);
-    std::size_t distinct = 0;
+    kernels::NumberTable numbers;
+    std::uint32_t distinct = 0;
     const bool counted = with_number_type(column, [&](auto type) {
         using Number = decltype(type);
         for (std::size_t row = 0; row < column.rows && distinct < enough; ++row) {
-            const Number value = load<Number>(column, row);
-            if constexpr (std::is_floating_point_v<Number>) {
-                distinct = numbers.add(kernels::pattern_of(static_cast<double>(value)));
-            } else {
-                distinct = numbers.add(static_cast<std::uint64_t>(value));
-            }
+            const std::uint64_t key = kernels::key_of(load<Number>(column, row));
+            if (numbers.find_or_add(key, distinct) == distinct) ++distinct;
         }
         return true;
     });

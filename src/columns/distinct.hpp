@@ -14,11 +14,20 @@ struct Distinct {
     npy_intp count;
 };
 
-// The rows that are not taken; a null reference leaves none out.
-struct LeftOut {
-    Object mask;
-    std::size_t marked = 0;
-    [[nodiscard]] const char* marks() const noexcept { return marked == 0 ? nullptr : PyArray_BYTES(as_array(mask)); }
+// The rows that are not taken. Their mask stays with the caller.
+class LeftOut {
+  public:
+    LeftOut() noexcept = default;
+    LeftOut(Object mask, std::size_t marked) noexcept
+        : marked_(marked), marks_(marked == 0 ? nullptr : PyArray_BYTES(as_array(mask))) {}
+    [[nodiscard]] std::size_t marked() const noexcept { return marked_; }
+    // A byte for each row; null where none is left out.
+    [[nodiscard]] const char* marks() const noexcept { return marks_; }
+    [[nodiscard]] bool has(std::size_t row) const noexcept { return marks_ != nullptr && marks_[row] != 0; }
+
+  private:
+    std::size_t marked_ = 0;
+    const char* marks_ = nullptr;
 };
 
 struct ValuesAndCounts {

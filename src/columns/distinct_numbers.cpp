@@ -87,7 +87,7 @@ ValuesAndCounts runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
 
 template <class From, class To>
 ValuesAndCounts sorted_runs(const Column& column, const LeftOut& left_out, PyArray_Descr* dtype) {
-    const std::size_t size = column.rows - left_out.marked;
+    const std::size_t size = column.rows - left_out.marked();
     Ref copy = empty_array(size, dtype);
     kernels::copy_kept<From>(column.data, column.stride, left_out.marks(), data_of<To>(copy), size);
     sort(copy);
@@ -121,11 +121,11 @@ std::optional<ValuesAndCounts> counted(const char* data, std::ptrdiff_t stride, 
 template <class Integer>
 ValuesAndCounts distinct_integers(const Column& column, const LeftOut& left_out) {
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
-    if (left_out.marked == 0) {
+    if (left_out.marked() == 0) {
         auto found = counted<Integer>(column.data, column.stride, column.rows, dtype);
         return found ? std::move(*found) : sorted_runs<Integer, Integer>(column, left_out, dtype);
     }
-    const std::size_t size = column.rows - left_out.marked;
+    const std::size_t size = column.rows - left_out.marked();
     Ref copy = empty_array(size, dtype);
     kernels::copy_kept<Integer>(column.data, column.stride, left_out.marks(), data_of<Integer>(copy), size);
     if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
@@ -161,7 +161,7 @@ std::optional<ValuesAndCounts> distinct_as_float64(const Column& column, LeftOut
     if (column.storage != Storage::float32) return std::nullopt;
     const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
     auto* wide = reinterpret_cast<PyArray_Descr*>(float64.get());
-    const std::size_t size = column.rows - left_out.marked;
+    const std::size_t size = column.rows - left_out.marked();
     const Ref copy = empty_array(size, NPY_FLOAT);
     auto* numbers = data_of<float>(copy);
     kernels::copy_kept<float>(column.data, column.stride, left_out.marks(), numbers, size);

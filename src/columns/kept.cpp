@@ -1,70 +1,55 @@
 #include "columns/kept.hpp"
 
-#include <algorithm>
 #include <bit>
 #include <cstring>
 
+#include "columns/listed.hpp"
 #include "interp/errors.hpp"
 
 namespace quorin::columns {
 
 namespace {
 
-enum class Place { left_out, kept, unknown };
+// Collects the elements that are not listed, as long as all of them are integers of 64 bits or all are floats.
+class Kept {
+  public:
+    explicit Kept(std::size_t rows) { bits_.reserve(rows); }
+    [[nodiscard]] NumberType type() const noexcept { return type_; }
+    // 64 bits of an integer or of a float.
+    [[nodiscard]] const std::vector<std::uint64_t>& bits() const noexcept { return bits_; }
 
-// A null is contained only as the very object that it is. `number` is set for what is kept.
-Place place_of(const Column& column, std::size_t row, const ObjectCells& cells, const Markers& markers,
-               ObjectNumber& number) {
-    PyObject* value = column.object(row);
-    kernels::TextView text{};
-    switch (cells.read(row, text)) {
-        case kernels::Cell::text:
-            return markers.texts.find(text) != 0 ? Place::left_out : Place::unknown;
-        case kernels::Cell::null: {
-            const auto& all = markers.objects;
-            if (std::find(all.begin(), all.end(), value) != all.end()) return Place::left_out;
-            if (value == Py_None) return Place::unknown;
-            number = number_of(value);
-            return Place::kept;
-        }
-        case kernels::Cell::other:
-            break;
+    static bool on_listed(std::size_t /*row*/) noexcept { return true; }
+    static bool on_text(std::size_t /*row*/, kernels::TextView /*text*/) noexcept { return false; }
+    bool on_float(std::size_t /*row*/, double value) {
+        return keep(NumberType::real, std::bit_cast<std::uint64_t>(value));
     }
-    if (value == nullptr) return Place::unknown;
-    number = number_of(value);
-    if (number.scalar || (number.type != NumberType::integer && number.type != NumberType::real)) {
-        return Place::unknown;
+    bool on_integer(std::size_t /*row*/, PyObject* value) {
+        const ObjectNumber number = number_of(value);
+        return number.type == NumberType::integer &&
+               keep(NumberType::integer, static_cast<std::uint64_t>(number.whole));
     }
-    if (markers.numbers.empty()) return Place::kept;
-    const std::optional<std::uint32_t> bits = markers.bits_of_object(number);
-    if (!bits) return Place::unknown;
-    return *bits != 0 ? Place::left_out : Place::kept;
-}
+
+  private:
+    bool keep(NumberType type, std::uint64_t bits) {
+        if (type_ == NumberType::none) type_ = type;
+        bits_.push_back(bits);
+        return type == type_;
+    }
+    NumberType type_ = NumberType::none;
+    std::vector<std::uint64_t> bits_;
+};
 
 }  // namespace
 
 Ref numbers_without(const Column& column, const Markers& markers) {
-    const ObjectCells cells(column);
-    std::vector<std::uint64_t> kept;  // 64 bits of an integer or of a float
-    kept.reserve(column.rows);
-    NumberType type = NumberType::none;
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        ObjectNumber number;
-        const Place place = place_of(column, row, cells, markers, number);
-        if (place == Place::unknown) return {};
-        if (place == Place::left_out) continue;
-        if (type == NumberType::none) type = number.type;
-        if (number.type != type) return {};
-        kept.push_back(type == NumberType::real ? std::bit_cast<std::uint64_t>(number.real)
-                                                : static_cast<std::uint64_t>(number.whole));
-    }
+    Kept kept(column.rows);
+    if (!visit_unlisted(column, markers, kept)) return {};
     // Nothing has no dtype.
-    if (kept.empty()) return {};
+    if (kept.bits().empty()) return {};
     static_assert(sizeof(long) == sizeof(std::uint64_t), "numpy makes an array of C's long of Python integers");
-    const npy_intp size = static_cast<npy_intp>(kept.size());
-    Ref array = Ref::take(PyArray_SimpleNew(1, &size, type == NumberType::real ? NPY_DOUBLE : NPY_LONG));
-    std::memcpy(PyArray_BYTES(as_array(array)), kept.data(), kept.size() * sizeof(std::uint64_t));
+    const npy_intp size = static_cast<npy_intp>(kept.bits().size());
+    Ref array = Ref::take(PyArray_SimpleNew(1, &size, kept.type() == NumberType::real ? NPY_DOUBLE : NPY_LONG));
+    std::memcpy(PyArray_BYTES(as_array(array)), kept.bits().data(), kept.bits().size() * sizeof(std::uint64_t));
     return array;
 }
 

@@ -1,6 +1,15 @@
 #include "kernels/number_table.hpp"
 
+#include <bit>
+#include <cmath>
+#include <limits>
+
 namespace quorin::kernels {
+
+std::uint64_t pattern_of(double value) noexcept {
+    if (std::isnan(value)) value = std::numeric_limits<double>::quiet_NaN();
+    return std::bit_cast<std::uint64_t>(value == 0.0 ? 0.0 : value);
+}
 
 void NumberTable::grow() {
     constexpr std::size_t factor = 4;

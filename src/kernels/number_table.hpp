@@ -3,9 +3,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <vector>
 
 namespace quorin::kernels {
+
+// The same 64 bits exactly for equal numbers of one type: NaN counts as one number, 0.0 and -0.0 as the same.
+std::uint64_t pattern_of(double value) noexcept;
+
+template <class Number>
+std::uint64_t key_of(Number value) noexcept {
+    if constexpr (std::is_floating_point_v<Number>) return pattern_of(static_cast<double>(value));
+    return static_cast<std::uint64_t>(value);
+}
 
 // Open addressing with 64-bit keys; what stands under a key is the caller's number for it.
 class NumberTable {

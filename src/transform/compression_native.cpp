@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "columns/markers.hpp"
+#include "columns/new_text.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -48,12 +49,6 @@ class Rules {
     bool squeezes_;
     bool digests_all_;
 };
-
-Ref squeezed(TextView text, std::vector<char>& room) {
-    room.resize(std::max(room.size(), text.length * static_cast<std::size_t>(text.width)));
-    const std::size_t left = kernels::remove_white_space(text, script, room.data());
-    return Ref::take(PyUnicode_FromKindAndData(text.width, room.data(), static_cast<Py_ssize_t>(left)));
-}
 
 Ref digest_number(TextView text) {
     Digest digest{};
@@ -102,7 +97,8 @@ Ref compress_objects(const Column& column, const Rules& rules) {
                 compressed[row] = Ref::share(missing);
                 break;
             case Fate::squeezed:
-                compressed[row] = Ref::share(recent.get(*text, [&] { return squeezed(*text, room); }));
+                compressed[row] =
+                    Ref::share(recent.get(*text, [&] { return columns::text_without_white_space(*text, room); }));
                 break;
             case Fate::digested:
                 compressed[row] = Ref::share(recent.get(*text, [&] { return digest_number(*text); }));

@@ -13,7 +13,9 @@
 #include <vector>
 
 #include "columns/column.hpp"
+#include "columns/new_text.hpp"
 #include "columns/numbers.hpp"
+#include "columns/object_number.hpp"
 #include "interp/errors.hpp"
 #include "interp/originals.hpp"
 #include "kernels/float_text.hpp"
@@ -144,17 +146,12 @@ Ref floats_to_texts(const Column& column) {
     return Y;
 }
 
-Ref ascii_text(std::string_view characters) {
-    return Ref::take(
-        PyUnicode_FromKindAndData(PyUnicode_1BYTE_KIND, characters.data(), static_cast<Py_ssize_t>(characters.size())));
-}
-
 // str(int(number))
 Ref whole_text(double number) {
     if (std::fabs(number) < whole_limit) {
         FloatText room;
         const char* end = std::to_chars(room.data(), room.data() + room.size(), static_cast<long long>(number)).ptr;
-        return ascii_text({room.data(), static_cast<std::size_t>(end - room.data())});
+        return columns::ascii_text({room.data(), static_cast<std::size_t>(end - room.data())});
     }
     const Ref whole = Ref::take(PyLong_FromDouble(number));
     return Ref::take(PyObject_Str(whole.get()));
@@ -163,17 +160,17 @@ Ref whole_text(double number) {
 // What the slow way puts in place of a plain object; nothing where it is not known here.
 Ref slow_text(PyObject* value) {
     if (value == nullptr) return {};
-    if (columns::is_plain_null(value)) return ascii_text("?");
+    if (columns::is_plain_null(value)) return columns::ascii_text("?");
     if (PyUnicode_CheckExact(value)) return Ref::share(value);
     if (PyFloat_CheckExact(value)) {
         const double number = PyFloat_AS_DOUBLE(value);
-        if (std::isfinite(number) && std::floor(number) == number) return whole_text(number);
+        if (columns::is_whole(number)) return whole_text(number);
     } else if (!PyLong_CheckExact(value) && !PyBool_Check(value)) {
         return {};
     }
     FloatText room;
     const std::string_view text = plain_text(value, room);
-    return text.empty() ? Ref::take(PyObject_Str(value)) : ascii_text(text);
+    return text.empty() ? Ref::take(PyObject_Str(value)) : columns::ascii_text(text);
 }
 
 Ref slow_objects(const Column& column) {

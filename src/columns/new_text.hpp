@@ -1,0 +1,19 @@
+// Str objects made of characters in memory.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "interp/ref.hpp"
+#include "kernels/text_view.hpp"
+
+namespace quorin::columns {
+
+// Each of these throws PythonError where the interpreter makes no text.
+Ref new_text(kernels::TextView text);
+// Spares the interpreter the search for the widest character.
+Ref ascii_text(std::string_view characters);
+// What the interpreter's own "".join(text.split()) leaves. `room` is grown as needed and kept from call to call.
+Ref text_without_white_space(kernels::TextView text, std::vector<char>& room);
+
+}  // namespace quorin::columns
