@@ -375,6 +375,19 @@ def frame_of(recipe: Recipe) -> Recipe:
     return Recipe("frame of {!r}".format(recipe), make)
 
 
+def framed(columns: Any) -> Any:
+    """Frames of such columns, without those of dates that pandas has no room for."""
+
+    def fits(recipe: Recipe) -> bool:
+        try:
+            call((recipe,), {})
+        except pd.errors.OutOfBoundsDatetime:
+            return False
+        return True
+
+    return columns.map(frame_of).filter(fits)
+
+
 # How the columns of a table can lie in memory.
 def _wide(table: np.ndarray) -> np.ndarray:
     wide = np.empty((table.shape[0], 2 * table.shape[1]), dtype=table.dtype)

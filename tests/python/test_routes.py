@@ -16,6 +16,7 @@ from routes import (
     cases,
     compare_routes,
     frame_of,
+    framed,
     long_columns,
     names_for,
     number_tables,
@@ -274,23 +275,23 @@ factors = st.lists(st.sampled_from([1, 2.54, 0.5, 0, -1, 10**30, float("inf")]),
 
 @property_test(
     weight=3,
-    X=st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT)),
+    frame=framed(st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT))),
     numbers=st.lists(bounds, min_size=5, max_size=5),
     units=factors,
     by=names_for("FCplus.check_statistics"),
 )
-def test_statistics_check(X, numbers, units, by):
-    compare_routes("FCplus.check_statistics", by, (frame_of(X), *numbers, units))
+def test_statistics_check(frame, numbers, units, by):
+    compare_routes("FCplus.check_statistics", by, (frame, *numbers, units))
 
 
 @property_test(
     weight=2,
-    X=st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT)),
+    frame=framed(st.one_of(long_columns(NUMBER_KINDS), long_columns(lengths=SHORT))),
     routine=st.sampled_from(["is_column_height", "is_column_weight", "is_column_age"]),
     by=st.sampled_from(["FCplus", "FCplus.check_statistics"]),
 )
-def test_measures(X, routine, by):
-    compare_routes("FCplus." + routine, by, (frame_of(X),))
+def test_measures(frame, routine, by):
+    compare_routes("FCplus." + routine, by, (frame,))
 
 
 # Numbers of which all pass, or all but a few.
