@@ -31,8 +31,8 @@ bool is_boolean(Object elt) {
 Scan::Scan(Object missing_rows)
     : dtypes_cnt(missing_rows),
       dtypes_weighted_cnt(missing_rows),
-      start_missing_string_values_list(list({})),
-      weird_new_missing_values_list(list({})) {
+      weird_new_missing_values_list(list({})),
+      start_missing_string_values_list_(list({})) {
     frozen_.start_missing_string_values_list3 = list({});
     frozen_.weird_new_missing_values_list3 = list({});
 }
@@ -61,6 +61,13 @@ void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
     }
 }
 
+Ref Scan::start_missing_string_values(Object XX) const {
+    if (texts_below_ == 0 && texts_above_.empty()) return Ref::share(start_missing_string_values_list_);
+    Ref texts = item(XX, slice(Py_None, static_cast<Py_ssize_t>(texts_below_))).attr("tolist"_py)();
+    for (const std::size_t i : texts_above_) append(texts, item(XX, static_cast<Py_ssize_t>(i)));
+    return texts;
+}
+
 // Behind a number: no text at all, or one character that is neither letter nor digit.
 bool Scan::is_marker(Object elt) const {
     if (!found_nonmissing_flag) return false;
@@ -79,8 +86,8 @@ void Scan::classify_text(Object XX, Py_ssize_t i, Object elt) {
     if (truth(global("isfloat"_py)({elt})) && contains(elt, "."_py)) number_text_found(Kind::float_str, XX, i);
     if (dtype_str == Kind::char_str) {
         found_string_flag = true;
-        if (number_text_seen() && !contains(start_missing_string_values_list, elt)) {
-            start_missing_string_values_list.attr("append"_py)({elt});
+        if (number_text_seen() && !contains(start_missing_string_values_list_, elt)) {
+            start_missing_string_values_list_.attr("append"_py)({elt});
         }
         follow_kind();
     }
@@ -91,13 +98,13 @@ void Scan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
     dtype_str = kind;
     dtype_str_found_ = kind;
     if (!number_text_seen() && found_string_flag) {
-        start_missing_string_values_list = item(XX, slice(Py_None, i)).attr("tolist"_py)();
+        start_missing_string_values_list_ = item(XX, slice(Py_None, i)).attr("tolist"_py)();
     }
     (kind == Kind::int_str ? found_int_str_flag : found_float_str_flag) = true;
     found_nonmissing_flag = true;
     follow_kind();
     if (!frozen_.dtype_str3_stop_flag) {
-        frozen_.start_missing_string_values_list3 = Ref::share(start_missing_string_values_list);
+        frozen_.start_missing_string_values_list3 = Ref::share(start_missing_string_values_list_);
     }
 }
 

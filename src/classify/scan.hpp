@@ -3,7 +3,9 @@
 
 #include "classify/kind_counts.hpp"
 
+#include <cstddef>
 #include <optional>
+#include <vector>
 
 namespace quorin::classify {
 
@@ -21,8 +23,11 @@ struct Scan {
     bool found_string_flag = false;
     KindCounts dtypes_cnt;           // by distinct value
     KindCounts dtypes_weighted_cnt;  // by occurrence
-    Ref start_missing_string_values_list;
     Ref weird_new_missing_values_list;
+
+    // The texts that stand beside number texts: candidates for markers. The walk over memory leaves them where they are
+    // in XX until somebody asks, for there may be very many and most answers do not name them.
+    [[nodiscard]] Ref start_missing_string_values(Object XX) const;
 
   private:
     // A copy of the running class and of the two lists that stops following them at some point. Kept for a rule that
@@ -48,6 +53,9 @@ struct Scan {
     [[nodiscard]] bool number_text_seen() const { return found_int_str_flag || found_float_str_flag; }
 
     std::optional<Kind> dtype_str_found_;
+    Ref start_missing_string_values_list_;
+    std::size_t texts_below_ = 0;           // so many first ones of XX, not listed
+    std::vector<std::size_t> texts_above_;  // behind those, not listed
     Frozen frozen_;
 };
 

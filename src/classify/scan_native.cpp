@@ -1,6 +1,7 @@
 // The scan over distinct values that lie in memory as texts or as plain numbers.
 #include <array>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "classify/scan.hpp"
@@ -179,13 +180,8 @@ bool Scan::run_native(Object XX, Object xx_xounts, Object missing_values_list) {
     found_float_str_flag = seen.real;
     found_string_flag = seen.plain;
     found_nonmissing_flag = dtype_str != Kind::char_str || seen.number();
-    if (seen.number() && seen.first_number != 0) {
-        start_missing_string_values_list =
-            item(XX, slice(Py_None, static_cast<Py_ssize_t>(seen.first_number))).attr("tolist"_py)();
-    }
-    for (const std::size_t i : seen.plain_above) {
-        append(start_missing_string_values_list, item(XX, static_cast<Py_ssize_t>(i)));
-    }
+    texts_below_ = seen.number() ? seen.first_number : 0;
+    texts_above_ = std::move(seen.plain_above);
     if (seen.end_marker) {
         const Ref marker = item(XX, static_cast<Py_ssize_t>(*seen.end_marker));
         missing_values_list.attr("append"_py)({marker});

@@ -135,7 +135,7 @@ Examples
         const Ref dtype_str_final = Ref::share(text(by_counts ? verdict.dtype_str1 : dtype_str).text);
         Ref new_missing_values_list = Ref::share(parted.missing_reference_values_exist_list);
         if (!by_counts || verdict.start_missing_string_values_list_flag) {
-            new_missing_values_list = add(new_missing_values_list, scan.start_missing_string_values_list);
+            new_missing_values_list = add(new_missing_values_list, scan.start_missing_string_values(XX));
         }
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
