@@ -71,7 +71,7 @@ kernels: $(VENV)/.tools
 
 fuzz: $(VENV)/.package $(VENV)/.test
 	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) \
-	  $(BIN)/pytest $(wildcard tests/python/test_reference_*.py) $(PYTEST_ARGS)
+	  $(BIN)/pytest $(wildcard tests/python/test_reference_*.py tests/python/test_routes*.py) $(PYTEST_ARGS)
 
 docs: $(VENV)/.package $(VENV)/.docs
 	$(BIN)/sphinx-build -q -E -W --keep-going -n docs build/docs
