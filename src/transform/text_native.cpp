@@ -146,9 +146,10 @@ Ref floats_to_texts(const Column& column) {
     return Y;
 }
 
-// str(int(number))
+// str(int(number)). Texts of one digit are left to the interpreter, which may keep them or not.
 Ref whole_text(double number) {
-    if (std::fabs(number) < whole_limit) {
+    const bool one_digit = number > -1 && number < 10;
+    if (std::fabs(number) < whole_limit && !one_digit) {
         FloatText room;
         const char* end = std::to_chars(room.data(), room.data() + room.size(), static_cast<long long>(number)).ptr;
         return columns::ascii_text({room.data(), static_cast<std::size_t>(end - room.data())});
@@ -165,12 +166,14 @@ Ref slow_text(PyObject* value) {
     if (PyFloat_CheckExact(value)) {
         const double number = PyFloat_AS_DOUBLE(value);
         if (columns::is_whole(number)) return whole_text(number);
-    } else if (!PyLong_CheckExact(value) && !PyBool_Check(value)) {
+    } else if (PyBool_Check(value)) {
+        return Ref::take(PyObject_Str(value));
+    } else if (!PyLong_CheckExact(value)) {
         return {};
     }
     FloatText room;
     const std::string_view text = plain_text(value, room);
-    return text.empty() ? Ref::take(PyObject_Str(value)) : columns::ascii_text(text);
+    return text.size() < 2 ? Ref::take(PyObject_Str(value)) : columns::ascii_text(text);
 }
 
 Ref slow_objects(const Column& column) {

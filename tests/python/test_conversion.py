@@ -428,6 +428,13 @@ def test_the_slow_conversion_rewrites_each_cell_in_place(cell, text, flag):
     assert typed(X) == typed(objects("a", text))
 
 
+@pytest.mark.parametrize("cell, of", [(True, True), (False, False), (7, 7), (7.0, 7), (-0.0, 0)])
+def test_texts_that_the_interpreter_keeps_are_the_ones_it_keeps(cell, of):
+    X = numpy_column_float2str(objects(cell, cell), False)
+    assert (X[0] is X[1]) == (str(of) is str(of))
+    assert (X[0] is str(of)) == (str(of) is str(of))
+
+
 def test_float2str_takes_keywords():
     X = objects(1.0, 2.5, np.nan)
     assert numpy_column_float2str(fast_conversion_flag=False, X=X) is X
