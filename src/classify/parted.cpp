@@ -72,7 +72,7 @@ bool part_natively(Parted& parted, Object X, Object missing_values_reference_lis
     if (!markers) return false;
     parted.natively =
         markers->none() ? part_unmarked(parted, *column) : part_marked(parted, X, *column, *markers, first_only);
-    if (parted.natively) parted.rows = whole(static_cast<Py_ssize_t>(column->rows));
+    if (parted.natively) parted.X = Ref::share(X);
     return parted.natively;
 }
 
@@ -110,8 +110,8 @@ Parted part(Object column, Object missing_values_reference_list, Object stop_at_
         take_distinct(parted,
                       global("get_unique_values"_py)({X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
     }
-    parted.rows = row_count(X);
     parted.non_missing_rows = row_count(X_non_missing);
+    parted.X = std::move(X);
     return parted;
 }
 

@@ -9,7 +9,7 @@ struct Parted {
     Local cum_missing_mask_arr{"cum_missing_mask_arr"_py};
     Ref missing_values_list;  // the caller's, copied
     Ref missing_reference_values_exist_list;
-    Ref rows;
+    Ref X;  // the column, flattened where that is not for memory to say
     Ref non_missing_rows;
     Ref XX;
     Ref xx_xounts;

@@ -123,7 +123,7 @@ Examples
         const bool unique_values_column_flag = equal(distinct_values, parted.non_missing_rows);
         const bool constant_column_flag = equal(row_count(XX), 1) || initial == Kind::missing;
 
-        Scan scan(subtract(parted.rows, parted.non_missing_rows));
+        Scan scan(subtract(row_count(parted.X), parted.non_missing_rows));
         scan.dtype_str = initial;
         progress.scan_starts(XX);
         scan.run(XX, parted.xx_xounts, parted.missing_values_list);

@@ -230,6 +230,38 @@ def test_what_cannot_be_unpacked_at_all(monkeypatch, name):
         numpy_whatis(objects("1"), ["?"])
 
 
+class Counted:
+    """What has a dtype and a part, and rows unless it is among those that have lost count."""
+
+    dtype = np.dtype(object)
+
+    def __init__(self, name, lost):
+        self.name, self.lost = name, lost
+
+    @property
+    def shape(self):
+        if self.name in self.lost:
+            raise ArithmeticError(self.name)
+        return (1,)
+
+    def __getitem__(self, rows):
+        return Counted("others", self.lost)
+
+
+@pytest.mark.parametrize(
+    "lost, first",
+    [("others values column", "others"), ("values column", "values"), ("column", "column")],
+)
+def test_rows_are_counted_in_order(monkeypatch, lost, first):
+    column, values = Counted("column", lost.split()), Counted("values", lost.split())
+    record(monkeypatch, "numpy_flatten_column", lambda X: column)
+    record(monkeypatch, "numpy_compute_missing_indicator", lambda *args, **kwargs: (MASK, [], []))
+    record(monkeypatch, "get_unique_values", lambda *args, **kwargs: (values, COUNTS))
+    with pytest.raises(ArithmeticError) as excinfo:
+        numpy_whatis(objects("1"), ["?"])
+    assert str(excinfo.value) == first
+
+
 @pytest.mark.parametrize("kind", [list, tuple, iter])
 def test_any_iterable_can_be_unpacked(monkeypatch, kind):
     record(
