@@ -74,6 +74,15 @@ def _packed(flat: np.ndarray) -> np.ndarray:
     return rows["item"]
 
 
+def _category_series(flat: np.ndarray) -> pd.Series:
+    # A lone surrogate has no UTF-8, by which older releases of pandas tell texts apart: now and
+    # then they make two categories of two equal ones and then refuse what they made.
+    for cell in flat.tolist():
+        if isinstance(cell, str):
+            cell.encode()
+    return pd.Series(flat, dtype="category")
+
+
 def _read_only(flat: np.ndarray) -> np.ndarray:
     flat.flags.writeable = False
     return flat
@@ -117,7 +126,7 @@ LAYOUTS: Dict[str, Callable[[np.ndarray], Any]] = {
     "wide_frame": lambda flat: pd.DataFrame({0: flat, 1: flat}),
     "text_series": lambda flat: pd.Series(flat, dtype="string"),
     "integer_series": lambda flat: pd.Series(flat, dtype="Int64"),
-    "category_series": lambda flat: pd.Series(flat, dtype="category"),
+    "category_series": _category_series,
     "text_array": lambda flat: pd.array(flat, dtype="string"),
     "integer_array": lambda flat: pd.array(flat, dtype="Int64"),
     "index": pd.Index,
@@ -132,14 +141,26 @@ LONGEST_STABLE = 16
 TOLD_BY_IDENTITY = (str, int, float, np.str_, np.int64, np.float64)
 
 
+def _written(cell: Any) -> str:
+    """The text that stands for a cell once a mixed column has been made one of texts."""
+    try:
+        return str(int(cell)) if isinstance(cell, float) and cell.is_integer() else str(cell)
+    except Exception:
+        return ""
+
+
 def one_object_each(cells: List[Any]) -> List[Any]:
     """One object in place of equal ones that nothing else tells apart.
 
-    Which of several a sort hands on is the sort's affair.
+    Which of several a sort hands on is the sort's affair.  Equal are also a text and the number
+    that is written so, where a mixed column is sorted by its texts: the number stands for both.
     """
     kept: Dict[Tuple[type, Any], Any] = {}
+    written = {_written(cell): cell for cell in cells if not isinstance(cell, str)}
 
     def the_one(cell: Any) -> Any:
+        if type(cell) is str and cell:
+            cell = written.get(cell, cell)
         if type(cell) not in TOLD_BY_IDENTITY or cell != cell:
             return cell
         # The zeros of both signs are told apart.
