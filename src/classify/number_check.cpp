@@ -55,7 +55,7 @@ std::optional<bool> native_isintstr(Object X, Object missing_values_reference_li
     if (!originals_in_place()) return std::nullopt;
     const std::optional<columns::Column> column = columns::flat_column(X);
     if (!column) return std::nullopt;
-    const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list);
+    const std::optional<columns::Markers> missing = columns::plain_markers(missing_values_reference_list, *column);
     if (!missing) return std::nullopt;
     IntegerTest test;
     switch (column->storage) {

@@ -68,7 +68,7 @@ bool part_natively(Parted& parted, Object X, Object missing_values_reference_lis
     if (!originals_in_place_but_date_test()) return false;
     const std::optional<Column> column = columns::plain_column(X);
     if (!column) return false;
-    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list);
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);
     if (!markers) return false;
     parted.natively =
         markers->none() ? part_unmarked(parted, *column) : part_marked(parted, X, *column, *markers, first_only);

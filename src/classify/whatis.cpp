@@ -35,7 +35,7 @@ std::optional<columns::Answer> native_answer(Object X, Object missing_values_ref
     if (!originals_in_place_but_date_test()) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return std::nullopt;
-    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list);
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);
     if (!markers) return std::nullopt;
     std::optional<columns::Answer> answer = columns::answer_for(*column, *markers);
     if (!answer) return std::nullopt;

@@ -71,14 +71,6 @@ std::optional<Column> flat_column(Object X, Storage storage) noexcept {
     return column;
 }
 
-std::optional<kernels::TextView> view_of(PyObject* text) noexcept {
-#if PY_VERSION_HEX < 0x030C0000
-    if (!is_ready_text(text)) return std::nullopt;
-#endif
-    const Characters characters = characters_of(text);
-    return kernels::TextView{characters.data, static_cast<std::size_t>(characters.length), characters.width};
-}
-
 std::optional<kernels::TextView> ObjectCells::uncommon_text(PyObject* value) noexcept {
     if (value == nullptr || !PyUnicode_CheckExact(value)) return std::nullopt;
     return view_of(value);

@@ -115,7 +115,13 @@ class FixedTextCells : public kernels::FixedText {
 };
 
 // The view of an exact str, or nothing where its characters do not lie side by side.
-std::optional<kernels::TextView> view_of(PyObject* text) noexcept;
+inline std::optional<kernels::TextView> view_of(PyObject* text) noexcept {
+#if PY_VERSION_HEX < 0x030C0000
+    if (!is_ready_text(text)) return std::nullopt;
+#endif
+    const Characters characters = characters_of(text);
+    return kernels::TextView{characters.data, static_cast<std::size_t>(characters.length), characters.width};
+}
 
 extern const kernels::Script script;
 

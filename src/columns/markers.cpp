@@ -13,18 +13,20 @@ std::optional<double> plain_number(PyObject* value) noexcept {
     return number.type == NumberType::real ? number.real : static_cast<double>(number.whole);
 }
 
-bool read(Markers& markers, PyObject* marker) {
+enum class Texts { looked_for, passed_over };
+
+bool read(Markers& markers, PyObject* marker, Texts texts) {
     const std::size_t index = markers.objects.size();
     if (index == kernels::most_markers) return false;
     const std::uint32_t bit = 1U << index;
     if (is_plain_null(marker)) {
         markers.null_bits |= bit;
     } else if (is_plain_text(marker)) {
-        const std::optional<kernels::TextView> text = view_of(marker);
-        std::size_t texts = 0;
-        while (texts < index && markers.text_bits[texts] != 0) ++texts;
-        if (!text || !markers.texts.add(*text)) return false;
-        markers.text_bits[texts] = bit;
+        if (texts == Texts::looked_for) {
+            const std::optional<kernels::TextView> text = view_of(marker);
+            if (!text || !markers.texts.add(*text)) return false;
+            markers.text_bits.push_back(bit);
+        }
     } else if (const std::optional<double> number = plain_number(marker)) {
         markers.numbers.push_back({*number, bit});
     } else {
@@ -34,19 +36,32 @@ bool read(Markers& markers, PyObject* marker) {
     return true;
 }
 
+bool read_all(Markers& markers, Object list, Texts texts) {
+    if (list.is_none()) return true;
+    if (!PyList_CheckExact(list.get())) return false;
+    const Py_ssize_t size = PyList_GET_SIZE(list.get());
+    for (Py_ssize_t i = 0; i < size; ++i) {
+        if (!read(markers, PyList_GET_ITEM(list.get(), i), texts)) return false;
+    }
+    return true;
+}
+
+// The one thing that is returned is made where the caller has it: short columns are many, and this is not small.
+std::optional<Markers> read_list(Object list, Texts texts) {
+    std::optional<Markers> markers(std::in_place);
+    if (!read_all(*markers, list, texts)) markers.reset();
+    return markers;
+}
+
 }  // namespace
 
 std::optional<Markers> plain_markers(Object list) {
-    // Made where the caller has it: the short columns are many, and this is not small.
-    std::optional<Markers> markers(std::in_place);
-    if (list.is_none()) return markers;
-    if (!PyList_CheckExact(list.get())) return std::nullopt;
-    const Py_ssize_t size = PyList_GET_SIZE(list.get());
-    markers->objects.reserve(static_cast<std::size_t>(size));
-    for (Py_ssize_t i = 0; i < size; ++i) {
-        if (!read(*markers, PyList_GET_ITEM(list.get(), i))) return std::nullopt;
-    }
-    return markers;
+    return read_list(list, Texts::looked_for);
+}
+
+std::optional<Markers> plain_markers(Object list, const Column& column) {
+    const bool texts = column.storage == Storage::objects || column.storage == Storage::fixed_text;
+    return read_list(list, texts ? Texts::looked_for : Texts::passed_over);
 }
 
 std::optional<Markers> plain_members(Object set) {
@@ -55,7 +70,7 @@ std::optional<Markers> plain_members(Object set) {
     const Ref members = iterate(set);
     while (const Ref member = next(members)) {
         // The set keeps its members; nothing can take them out before the next foreign code runs.
-        if (!read(markers, member.get())) return std::nullopt;
+        if (!read(markers, member.get(), Texts::looked_for)) return std::nullopt;
     }
     if (markers.null_bits != 0) return std::nullopt;
     return markers;

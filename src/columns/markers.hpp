@@ -1,12 +1,11 @@
 // A list of missing-value markers or of other reference values, read for native routes.
 #pragma once
 
-#include <array>
 #include <optional>
-#include <vector>
 
 #include "columns/column.hpp"
 #include "columns/object_number.hpp"
+#include "kernels/few.hpp"
 
 namespace quorin::columns {
 
@@ -16,11 +15,12 @@ struct Markers {
         double value;  // a marker that is an integer is exact here, or there would be no `Markers`
         std::uint32_t bit;
     };
-    std::vector<PyObject*> objects;
+    Markers() noexcept {}  // NOLINT(*-use-equals-default): one that the compiler made would fill all room with zeros
+    kernels::Few<PyObject*, kernels::most_markers> objects;
     kernels::MarkerSet texts;
-    std::array<std::uint32_t, kernels::most_markers> text_bits{};  // of the texts of the set, in its order
+    kernels::Few<std::uint32_t, kernels::most_markers> text_bits;  // of the texts of the set, in its order
     std::uint32_t null_bits = 0;
-    std::vector<Number> numbers;
+    kernels::Few<Number, kernels::most_markers> numbers;
 
     [[nodiscard]] bool none() const noexcept { return objects.empty(); }
     // From the bits of the set to those of the list.
@@ -58,6 +58,9 @@ struct Markers {
 
 // Nothing for any list but None and an exact list of texts, nulls and plain numbers.
 std::optional<Markers> plain_markers(Object list);
+
+// As far as they matter to this column: no number equals a text, so that the texts cost next to nothing there.
+std::optional<Markers> plain_markers(Object list, const Column& column);
 
 // The same for the members of an exact set without nulls, which match nothing there but themselves.
 std::optional<Markers> plain_members(Object set);

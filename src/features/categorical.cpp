@@ -63,7 +63,7 @@ Ref native_without(Object y, Object misslist) {
     if (!originals_in_place() || !PyList_CheckExact(misslist.get())) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
     if (!column || column->storage == columns::Storage::fixed_text) return {};
-    std::optional<columns::Markers> markers = columns::plain_markers(misslist);
+    std::optional<columns::Markers> markers = columns::plain_markers(misslist, *column);
     if (!markers) return {};
     if (column->storage == columns::Storage::objects) return columns::numbers_without(*column, *markers);
     if (markers->numbers.empty()) return Ref::share(y);

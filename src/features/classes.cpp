@@ -19,7 +19,7 @@ Ref native_classes(Object y, Object left_out) {
     if (!originals_in_place()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
     if (!column) return {};
-    const std::optional<columns::Markers> values = columns::plain_markers(left_out);
+    const std::optional<columns::Markers> values = columns::plain_markers(left_out, *column);
     if (!values) return {};
     const auto classes = columns::classes_of(*column, *values);
     if (!classes) return {};

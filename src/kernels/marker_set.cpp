@@ -20,20 +20,20 @@ bool ascii_value(TextView text, std::uint64_t& value) noexcept {
 
 }  // namespace
 
-bool MarkerSet::add(TextView text) noexcept {
-    if (size_ == most_markers || text.length > longest_possible) return false;
+bool MarkerSet::add(const TextView& text) noexcept {
+    if (texts_.size() == most_markers || text.length > longest_possible) return false;
+    if (text.length == 0) {
+        empty_ |= 1U << texts_.size();
+    } else {
+        const std::uint64_t others = has_length(text.length) ? firsts_[text.length] : 0;
+        firsts_[text.length] = others | std::uint64_t{1} << (character(text, 0) & 63U);
+    }
     lengths_ |= 1U << text.length;
     longest_ = std::max(longest_, text.length);
-    if (text.length == 0) {
-        empty_ |= 1U << size_;
-    } else {
-        firsts_[text.length] |= std::uint64_t{1} << (character(text, 0) & 63U);
-    }
-    texts_[size_] = text;
-    values_[size_] = {0, 0};
+    // Field by field: what was written so a moment ago the processor cannot read as a whole yet.
+    texts_.push_back({text.characters, text.length, text.width});
     std::uint64_t value = 0;
-    if (ascii_value(text, value)) values_[size_] = {value, text.length};
-    ++size_;
+    values_.push_back(ascii_value(text, value) ? Value{value, text.length} : Value{0, 0});
     return true;
 }
 
@@ -42,7 +42,7 @@ std::uint32_t MarkerSet::find_slowly(const void* characters, std::size_t length,
     std::uint64_t value = 0;
     if (ascii_value(text, value)) return find_value(value, length);
     std::uint32_t found = 0;
-    for (std::size_t i = 0; i < size_; ++i) {
+    for (std::size_t i = 0; i < texts_.size(); ++i) {
         if (same(texts_[i], text)) found |= 1U << i;
     }
     return found;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "kernels/few.hpp"
 #include "kernels/text_view.hpp"
 
 namespace quorin::kernels {
@@ -14,8 +15,9 @@ constexpr std::size_t most_markers = 16;
 // The marker texts of a column, to be found in its cells; short ones only.
 class MarkerSet {
   public:
+    MarkerSet() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `firsts_`
     // False where the text is none that this set can hold.
-    bool add(TextView text) noexcept;
+    bool add(const TextView& text) noexcept;
     // The bits of the markers that the text equals. Most texts differ from all of them in length or first character.
     [[nodiscard]] std::uint32_t find(TextView text) const noexcept {
         if (!has_length(text.length)) return 0;
@@ -45,7 +47,7 @@ class MarkerSet {
     }
     [[nodiscard]] std::uint32_t find_value(std::uint64_t value, std::size_t length) const noexcept {
         std::uint32_t found = 0;
-        for (std::size_t i = 0; i < size_; ++i) {
+        for (std::size_t i = 0; i < values_.size(); ++i) {
             const bool equal = values_[i].value == value && values_[i].length == length;
             found |= static_cast<std::uint32_t>(equal) << i;
         }
@@ -55,16 +57,16 @@ class MarkerSet {
 
     std::uint32_t lengths_ = 0;
     std::uint32_t empty_ = 0;  // the bits of the markers without characters
-    std::size_t size_ = 0;
     std::size_t longest_ = 0;
-    std::array<std::uint64_t, longest_possible + 1> firsts_{};  // by length: a bit for the first character, modulo 64
-    std::array<TextView, most_markers> texts_{};
+    // By length, of those that a marker has: a bit for the first character, modulo 64.
+    std::array<std::uint64_t, longest_possible + 1> firsts_;
+    Few<TextView, most_markers> texts_;
     // The ASCII texts of one to eight characters among them, the first one lowest; of length 0 in the place of others.
     struct Value {
         std::uint64_t value;
         std::size_t length;
     };
-    std::array<Value, most_markers> values_{};
+    Few<Value, most_markers> values_;
 };
 
 }  // namespace quorin::kernels

@@ -75,7 +75,7 @@ Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
     if (!originals_in_place_but_date_test() || !PyList_CheckExact(missing_values_list.get())) return {};
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return {};
-    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list);
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list, *column);
     if (!markers) return {};
     const std::optional<columns::MarkedRows> found = columns::marked_rows(*column, *markers);
     if (!found) return {};

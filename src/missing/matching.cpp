@@ -37,7 +37,7 @@ std::optional<Ref> native_isin(Object X, Object values_reference_list) {
     if (!originals_in_place() || !PyList_CheckExact(values_reference_list.get())) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return std::nullopt;
-    const std::optional<columns::Markers> values = columns::plain_markers(values_reference_list);
+    const std::optional<columns::Markers> values = columns::plain_markers(values_reference_list, *column);
     if (!values || (values->null_bits != 0 && !columns::survive_asarray(*values))) return std::nullopt;
     return columns::membership_mask(*column, *values);
 }

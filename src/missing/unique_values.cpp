@@ -25,7 +25,7 @@ Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
     if (!column) return {};
     const bool floats = column->storage == columns::Storage::float64 || column->storage == columns::Storage::float32;
     if (floats && !return_counts) return {};
-    const std::optional<columns::Markers> excluded = columns::plain_markers(exclusion_list);
+    const std::optional<columns::Markers> excluded = columns::plain_markers(exclusion_list, *column);
     if (!excluded || (excluded->null_bits != 0 && !columns::survive_asarray(*excluded))) return {};
     columns::Members left_out;
     if (!excluded->none()) {

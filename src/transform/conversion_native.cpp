@@ -112,7 +112,7 @@ Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
     if (!originals_in_place()) return {};
     const std::optional<Column> column = columns::flat_column(X);
     if (!column) return {};
-    const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list);
+    const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list, *column);
     if (!missing) return {};
     Ref Z = new_floats(*column);
     if (!to_floats(*column, *missing, floats_of(Z))) return {};
@@ -125,7 +125,7 @@ Ref native_boolean2float(Object X, Object missing_values_reference_list) {
     if (!column) return {};
     bool marked = false;
     if (!missing_values_reference_list.is_none()) {
-        const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list);
+        const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list, *column);
         if (!missing || (missing->null_bits != 0 && !columns::survive_asarray(*missing))) return {};
         if (PyArray_ISWRITEABLE(column->array) == 0) return {};
         // True where it is missing stays true.
