@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "kernels/number_facts_avx2.hpp"
+#include "kernels/number_facts_wide.hpp"
 #include "kernels/packs.hpp"
 
 namespace quorin::kernels {
@@ -93,28 +93,35 @@ struct Baseline {
     }
 };
 
-#ifdef QUORIN_HAS_AVX2
-bool has_avx2() noexcept {
-    static const bool has = __builtin_cpu_supports("avx2") != 0;
-    return has;
+#ifdef QUORIN_HAS_WIDE_REGISTERS
+// The best that the processor has of those allowed.
+Instructions available(Instructions allowed) noexcept {
+    static const bool avx2 = __builtin_cpu_supports("avx2") != 0;
+    // The first processors with AVX-512 ran slower for a while after each use of it; those with its byte permutations
+    // do not any more.
+    static const bool avx512 = __builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vbmi") != 0;
+    if (allowed == Instructions::best && avx512) return Instructions::best;
+    return allowed != Instructions::baseline && avx2 ? Instructions::avx2 : Instructions::baseline;
 }
 
 // What does not fill the wide registers is left to the others.
-template <class Float>
-struct Avx2 {
+template <class Float, class Set>
+struct Wide {
     using Rows = SideBySide<Float>;
-    static std::size_t wide(std::size_t size) noexcept { return size - size % avx2::together; }
+    using Questions = WideQuestions<Set>;
+    static std::size_t wide(std::size_t size) noexcept { return size - size % Set::together; }
     static bool any_doubtful(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
         const std::size_t size = wide(end - begin);
-        return avx2::any_doubtful(rows.values + begin, size) || Baseline<Float>::any_doubtful(rows, begin + size, end);
+        return Questions::any_doubtful(rows.values + begin, size) ||
+               Baseline<Float>::any_doubtful(rows, begin + size, end);
     }
     static bool any_null(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
         const std::size_t size = wide(end - begin);
-        return avx2::any_null(rows.values + begin, size) || Baseline<Float>::any_null(rows, begin + size, end);
+        return Questions::any_null(rows.values + begin, size) || Baseline<Float>::any_null(rows, begin + size, end);
     }
     static bool any_fraction_or_infinite(const Rows& rows, std::size_t begin, std::size_t end) noexcept {
         const std::size_t size = wide(end - begin);
-        return avx2::any_fraction_or_infinite(rows.values + begin, size) ||
+        return Questions::any_fraction_or_infinite(rows.values + begin, size) ||
                Baseline<Float>::any_fraction_or_infinite(rows, begin + size, end);
     }
 };
@@ -147,8 +154,15 @@ NumberFacts gather(const char* data, std::ptrdiff_t stride, std::size_t size,
         return gather_rows<Baseline<Float>>(Apart<Float>{data, stride}, size);
     }
     const SideBySide<Float> rows{reinterpret_cast<const Float*>(data)};
-#ifdef QUORIN_HAS_AVX2
-    if (instructions == Instructions::best && has_avx2()) return gather_rows<Avx2<Float>>(rows, size);
+#ifdef QUORIN_HAS_WIDE_REGISTERS
+    switch (available(instructions)) {
+        case Instructions::best:
+            return gather_rows<Wide<Float, Avx512>>(rows, size);
+        case Instructions::avx2:
+            return gather_rows<Wide<Float, Avx2>>(rows, size);
+        case Instructions::baseline:
+            break;
+    }
 #endif
     return gather_rows<Baseline<Float>>(rows, size);
 }

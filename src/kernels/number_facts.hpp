@@ -11,8 +11,9 @@ struct NumberFacts {
     bool fractions = false;  // with a fraction, or infinite
 };
 
-// The answer is the same with any. `baseline` are those that every processor of the kind has.
-enum class Instructions { baseline, best };
+// The answer is the same with any. `baseline` are those that every processor of the kind has; more is used only where
+// the processor has it.
+enum class Instructions { baseline, avx2, best };
 
 // `stride` in bytes. The walk ends once nulls and fractions were both seen.
 NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows,

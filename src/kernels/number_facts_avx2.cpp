@@ -1,15 +1,15 @@
 // The same questions as in number_facts.cpp with twice as many numbers at once and an instruction that cuts fractions
 // off. Comparisons are the quiet ones, so that no NaN leaves a flag of the processor behind.
-#include "kernels/number_facts_avx2.hpp"
+#include "kernels/number_facts_wide.hpp"
 
-#ifdef QUORIN_HAS_AVX2
+#ifdef QUORIN_HAS_WIDE_REGISTERS
 
 #include <immintrin.h>
 
 // An intrinsic is inlined only into a function for the same processors.
 #define QUORIN_AVX2 [[gnu::target("avx2")]]
 
-namespace quorin::kernels::avx2 {
+namespace quorin::kernels {
 
 namespace {
 
@@ -76,40 +76,47 @@ struct FractionOrInfinite {
 
 template <class Ops, class Question, class Float>
 [[gnu::flatten]] QUORIN_AVX2 bool any(const Float* at, std::size_t size) {
-    constexpr std::size_t together = sizeof(typename Ops::Numbers) / sizeof(Float);
+    constexpr std::size_t lanes = sizeof(typename Ops::Numbers) / sizeof(Float);
+    static_assert(Avx2::together % (2 * lanes) == 0);
     typename Ops::Numbers even = Ops::zeros();
     typename Ops::Numbers odd = Ops::zeros();
     // One line of the cache a time; the processor alone fetches from the second level too late for this loop.
-    constexpr std::size_t ahead = std::size_t{16} * together;
-    for (std::size_t i = 0; i < size; i += 2 * together) {
+    constexpr std::size_t ahead = std::size_t{16} * lanes;
+    for (std::size_t i = 0; i < size; i += 2 * lanes) {
         __builtin_prefetch(at + i + ahead);
         even = Ops::either(even, Question::of(Ops::load(at + i)));
-        odd = Ops::either(odd, Question::of(Ops::load(at + i + together)));
+        odd = Ops::either(odd, Question::of(Ops::load(at + i + lanes)));
     }
     return Ops::any(Ops::either(even, odd));
 }
 
 }  // namespace
 
-bool any_null(const double* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_null(const double* at, std::size_t size) noexcept {
     return any<Double, Null<Double>>(at, size);
 }
-bool any_null(const float* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_null(const float* at, std::size_t size) noexcept {
     return any<Single, Null<Single>>(at, size);
 }
-bool any_doubtful(const double* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_doubtful(const double* at, std::size_t size) noexcept {
     return any<Double, Doubtful<Double>>(at, size);
 }
-bool any_doubtful(const float* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_doubtful(const float* at, std::size_t size) noexcept {
     return any<Single, Doubtful<Single>>(at, size);
 }
-bool any_fraction_or_infinite(const double* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_fraction_or_infinite(const double* at, std::size_t size) noexcept {
     return any<Double, FractionOrInfinite<Double>>(at, size);
 }
-bool any_fraction_or_infinite(const float* at, std::size_t size) noexcept {
+template <>
+bool WideQuestions<Avx2>::any_fraction_or_infinite(const float* at, std::size_t size) noexcept {
     return any<Single, FractionOrInfinite<Single>>(at, size);
 }
 
-}  // namespace quorin::kernels::avx2
+}  // namespace quorin::kernels
 
 #endif

@@ -45,9 +45,9 @@ NumberFacts gather(const void* data, std::ptrdiff_t stride, std::size_t rows, In
 template <class Float>
 void expect(const NumberFacts& expected, const void* data, std::ptrdiff_t stride, std::size_t rows,
             const std::string& what) {
-    for (const Instructions instructions : {Instructions::baseline, Instructions::best}) {
+    for (const Instructions instructions : {Instructions::baseline, Instructions::avx2, Instructions::best}) {
         const NumberFacts found = gather<Float>(data, stride, rows, instructions);
-        const std::string which = instructions == Instructions::best ? what + ", best instructions: " : what + ": ";
+        const std::string which = what + ", instructions " + std::to_string(static_cast<int>(instructions)) + ": ";
         check(found.nulls == expected.nulls, which + "nulls");
         check(found.values == expected.values, which + "values");
         check(found.fractions == expected.fractions, which + "fractions");
