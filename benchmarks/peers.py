@@ -71,7 +71,19 @@ NP_UNIQUE = Peer(
     "np.unique", lambda c: np.unique(c, return_counts=True), as_array, "counts only; no kind"
 )
 COUNTS = VALUE_COUNTS._replace(note="unsorted; no markers left out")
-CLASSES = VALUE_COUNTS._replace(note="no markers left out")
+CLASSES = VALUE_COUNTS._replace(note="as an array, with no markers left out")
+LISTED_CLASSES = Peer(
+    "value_counts as list",
+    lambda s: list(s.value_counts(sort=False).items()),
+    as_series,
+    "no markers left out",
+)
+CATEGORICAL = Peer(
+    "pd.Categorical",
+    lambda c: pd.Categorical(c).categories.tolist(),
+    as_array,
+    "sorted; no markers left out, no kind",
+)
 NP_UNIQUE_SAME = NP_UNIQUE._replace(note="no markers left out")
 SERIES_UNIQUE = Peer(
     "Series.unique", lambda s: s.unique(), as_series, "unsorted, no kind, no counts"
@@ -130,8 +142,13 @@ _BY_JOB: list[tuple[str, tuple[str, ...], tuple[Peer, ...]]] = [
     ("indicator", _ANY, (ONE_MASK,)),
     ("unique", (*_OBJECT_TEXT, *_FIXED_TEXT, *_OBJECT_NUMBERS), (COUNTS,)),
     ("unique", (*_FIXED_TEXT, *_NUMBERS), (NP_UNIQUE_SAME,)),
-    ("unique", (*_LABELS, "sexes"), (SERIES_UNIQUE,)),
+    ("unique", ("sexes",), (SERIES_UNIQUE,)),
+    ("categories", (*_LABELS, "words", "int64"), (CATEGORICAL,)),
+    ("categories", _LABELS, (SERIES_UNIQUE,)),
+    ("categories", ("words",), (COUNTS,)),
+    ("categories", ("int64",), (NP_UNIQUE_SAME,)),
     ("classes", (*_OBJECT_TEXT, *_FIXED_TEXT, *_NUMBERS, *_OBJECT_NUMBERS), (CLASSES,)),
+    ("classes", _NUMBERS, (LISTED_CLASSES,)),
     ("to number", (*_OBJECT_TEXT, *_FIXED_TEXT, *_OBJECT_NUMBERS), (NUMBERS_SAME,)),
     ("bool to float", ("bool",), (FLOAT_CAST,)),
     ("to text", (*_OBJECT_NUMBERS, "float64"), (TO_TEXT,)),

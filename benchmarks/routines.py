@@ -196,7 +196,7 @@ ROUTINES = (
     ),
     Routine(
         "numpy_get_categories",
-        "unique",
+        "categories",
         lambda c: eu.numpy_get_categories(c, [0], MARKERS),
         (*LABELS, "int64"),
     ),
