@@ -56,6 +56,7 @@ def _replace(subject: Any) -> Any:
 
 
 INFER_DTYPE = Peer("pd.api.types.infer_dtype", _kind, as_array, "type only; texts are not read")
+FIRST_ODD = INFER_DTYPE._replace(note="type only; ends at the first odd cell")
 TO_NUMERIC = Peer("pd.to_numeric", _numbers, as_series, "numbers only; no kind, no markers")
 NUMBERS_SAME = TO_NUMERIC._replace(note="no list of markers")
 ISNA = Peer("pd.isna", pd.isna, as_array, "NaN only; no kind")
@@ -131,8 +132,10 @@ _LABELS = ("labels", "U_labels")
 
 # A job, the kinds of column, what does it there.
 _BY_JOB: list[tuple[str, tuple[str, ...], tuple[Peer, ...]]] = [
-    ("kind", (*_OBJECT_TEXT, "mixed", *_OBJECT_NUMBERS), (INFER_DTYPE,)),
+    ("kind", (*_OBJECT_TEXT, "object_floats"), (INFER_DTYPE,)),
+    ("kind", ("mixed", "object_ints"), (FIRST_ODD,)),
     ("kind", ("integer_text", "float_text", "marker_text"), (TO_NUMERIC,)),
+    ("kind", ("mixed", *_OBJECT_NUMBERS), (TO_NUMERIC,)),
     ("kind", _FLOATS, (ISNA,)),
     ("kind", (*_FIXED_TEXT, "words"), (VALUE_COUNTS,)),
     ("kind", ("int64", "bool"), (INFER_DTYPE,)),
