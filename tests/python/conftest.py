@@ -12,9 +12,9 @@ from typing import Any
 
 def pytest_terminal_summary(terminalreporter: Any) -> None:
     comparison = sys.modules.get("comparison")
-    if comparison is None:
+    properties = sys.modules.get("properties")
+    if comparison is None or properties is None:
         return
-    properties = sys.modules["properties"]
     terminalreporter.write_line(
         "property tests: {} comparisons of model and module, QUORIN_SEED={} QUORIN_CASES={}".format(
             comparison.Tally.cases, properties.SEED, properties.CASES
