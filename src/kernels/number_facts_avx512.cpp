@@ -15,6 +15,10 @@ namespace quorin::kernels {
 
 namespace {
 
+// Without optimisation the intrinsics are macros, whose masks change sign in our lines.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wsign-conversion"
+
 constexpr int truncated = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
 // Classes of numbers, as the instruction names them.
 constexpr int nan = 0x81;
@@ -48,6 +52,8 @@ struct Single {
         return _mm512_cmp_ps_mask(x, _mm512_maskz_roundscale_ps(all, x, truncated), _CMP_NEQ_OQ);
     }
 };
+
+#pragma GCC diagnostic pop
 
 enum class Fractions { count, do_not_count };
 

@@ -32,8 +32,8 @@ enum class Fate { kept, squeezed, digested, missing };
 
 class Rules {
   public:
-    Rules(Markers missing, Object compress_type)
-        : missing_(std::move(missing)),
+    Rules(const Markers& missing, Object compress_type)
+        : missing_(missing),
           squeezes_(equal(compress_type, "string"_py)),
           digests_all_(equal(compress_type, "hash"_py)) {}
     [[nodiscard]] bool digests() const noexcept { return !squeezes_; }
@@ -186,10 +186,10 @@ Ref native_compress_str_column(Object X, Object misslist, Object compress_type) 
     const bool objects = column->storage == columns::Storage::objects;
     if (!objects && column->storage != columns::Storage::fixed_text) return {};
     if (column->rows > 1 && static_cast<std::size_t>(std::abs(column->stride)) < column->width) return {};
-    std::optional<Markers> missing = columns::plain_markers(misslist);
+    const std::optional<Markers> missing = columns::plain_markers(misslist);
     if (!missing) return {};
     try {
-        const Rules rules(*std::move(missing), compress_type);
+        const Rules rules(*missing, compress_type);
         if (rules.digests() && !allows_digests()) return {};
         return objects ? compress_objects(*column, rules) : compress_fixed_texts(*column, rules);
     } catch (const PythonError&) {
