@@ -106,15 +106,20 @@ def test_references_are_given_back(case, quiet):
     def counts():
         return [sys.getrefcount(thing) for thing in objects]
 
+    def blocks_kept():
+        gc.collect()
+        blocks = sys.getallocatedblocks()
+        repeat(rounds)
+        gc.collect()
+        return sys.getallocatedblocks() - blocks
+
     shared = [None, True, False, np.nan, eu.isint, TypeError, eu.setValueOrDefault]
     repeat(20)
     gc.collect()
     before, shared_before = counts(), [sys.getrefcount(thing) for thing in shared]
-    blocks = sys.getallocatedblocks()
-    repeat(rounds)
-    gc.collect()
-    blocks = sys.getallocatedblocks() - blocks
+    # What a call leaks it leaks in each turn; a cache that somebody fills meanwhile is filled once.
+    blocks = [blocks_kept() for _ in range(3)]
     assert counts() == before
-    assert blocks < rounds // 2
+    assert min(blocks) < rounds // 2, blocks
     drift = [sys.getrefcount(s) - b for s, b in zip(shared, shared_before)]
     assert max(map(abs, drift)) < rounds // 2, drift
