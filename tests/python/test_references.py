@@ -118,8 +118,8 @@ def test_references_are_given_back(case, quiet):
     gc.collect()
     before, shared_before = counts(), [sys.getrefcount(thing) for thing in shared]
     # What a call leaks it leaks in each turn; a cache that somebody fills meanwhile is filled once.
-    blocks = [blocks_kept() for _ in range(3)]
+    turns = (blocks_kept() for _ in range(3))
+    assert any(kept < rounds // 2 for kept in turns)
     assert counts() == before
-    assert min(blocks) < rounds // 2, blocks
     drift = [sys.getrefcount(s) - b for s, b in zip(shared, shared_before)]
     assert max(map(abs, drift)) < rounds // 2, drift
