@@ -1,4 +1,5 @@
 # make run         profile the example table
+# make kernels     the kernel tests alone
 # make test        the kernel tests, the whole Python suite, the examples in docstrings
 # make lint        every formatter, linter and type checker; each must be silent
 # make matrix      the suite on every CPython from 3.7 on that this machine has (ROWS="3.7.16 3.13.0")

@@ -101,29 +101,38 @@ void import_module(Object names, const char* module, Name name) {
     set_item(names, name, Ref::take(PyImport_ImportModule(module)));
 }
 
+[[noreturn]] void fail_import(Object source, Name module, Name name) {
+    const Ref file = Ref::adopt(PyModule_GetFilenameObject(source.get()));
+    if (!file) PyErr_Clear();
+    const Ref message = Ref::take(PyUnicode_FromFormat("cannot import name '%U' from '%U' (%S)", name.text, module.text,
+                                                       file ? file.get() : "unknown location"_py.text));
+    PyErr_SetImportError(message.get(), module.text, file ? file.get() : nullptr);
+    throw PythonError(Where::current());
+}
+
 // from <module> import <name>
-void import_from(Object names, const char* module, Name name) {
-    const Ref fromlist = list({name});
-    const Ref source = Ref::take(PyImport_ImportModuleLevel(module, names.get(), names.get(), fromlist.get(), 0));
-    const Ref found = Ref::adopt(PyObject_GetAttr(source.get(), name.text));
+void import_from(Object names, Name module, Name name) {
+    const Ref source = global("__import__"_py)({module, names, names, list({name}), 0});
+    Ref found = Ref::adopt(PyObject_GetAttr(source.get(), name.text));
     if (!found) {
         if (!PythonError::matches(PyExc_AttributeError)) throw PythonError(Where::current());
         PyErr_Clear();
-        const Ref file = Ref::adopt(PyModule_GetFilenameObject(source.get()));
-        if (!file) PyErr_Clear();
-        fail(PyExc_ImportError, "cannot import name '%U' from '%s' (%S)", name.text, module,
-             file ? file.get() : "unknown location"_py.text);
+        // A module that is not bound in its package yet, where two of them import one another.
+        const Ref whole_name = concat({module, "."_py, name});
+        found = Ref::adopt(PyImport_GetModule(whole_name.get()));
+        if (!found && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
+        if (!found) fail_import(source, module, name);
     }
     set_item(names, name, found);
 }
 
 void import_everything(Object names) {
-    import_from(names, "quorin_libs.utils.fc_methods", "FC"_py);
+    import_from(names, "quorin_libs.utils.fc_methods"_py, "FC"_py);
     import_module(names, "numbers", "numbers"_py);
     import_module(names, "random", "random"_py);
     import_module(names, "time", "time"_py);
     import_module(names, "traceback", "traceback"_py);
-    import_from(names, "collections", "Counter"_py);
+    import_from(names, "collections"_py, "Counter"_py);
     import_module(names, "numpy", "np"_py);
     import_module(names, "pandas", "pd"_py);
     import_module(names, "six", "six"_py);

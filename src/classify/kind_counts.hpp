@@ -4,12 +4,9 @@
 #include <array>
 #include <cstddef>
 
-#include "columns/kinds.hpp"
+#include "classify/kinds.hpp"
 
 namespace quorin::classify {
-
-using columns::Kind;
-using columns::kinds;
 
 // One Python number for each kind.
 class KindCounts {

@@ -52,20 +52,22 @@ bool part_unmarked(Parted& parted, const Column& column) {
 bool part_marked(Parted& parted, Object X, const Column& column, const columns::Markers& markers, bool first_only) {
     const std::optional<columns::Members> missing = columns::members(column, markers, first_only);
     if (!missing) return false;
-    if (!find_distinct(parted, column, {missing->mask, missing->marked})) {
+    const bool found_distinct = find_distinct(parted, column, {missing->mask, missing->marked});
+    parted.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows - missing->marked));
+    parted.missing_reference_values_exist_list = columns::markers_of(markers, missing->bits);
+    parted.cum_missing_mask_arr = Ref::share(missing->mask);
+    // From here on the caller's list may lose its markers to whoever is told that texts stand beside numbers.
+    if (!found_distinct) {
         const Ref flat = PyArray_NDIM(column.array) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
         const Ref X_non_missing = missing->marked == 0 ? Ref::share(flat) : item(flat, inverted(missing->mask));
         take_distinct(parted, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
     }
-    parted.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows - missing->marked));
-    parted.missing_reference_values_exist_list = columns::markers_of(markers, missing->bits);
-    parted.cum_missing_mask_arr = Ref::share(missing->mask);
     return true;
 }
 
 // Straight from the column's memory. False, and nothing done, where that is not for memory to say.
 bool part_natively(Parted& parted, Object X, Object missing_values_reference_list, bool first_only) {
-    if (!originals_in_place_but_date_test()) return false;
+    if (!originals_in_place()) return false;
     const std::optional<Column> column = columns::plain_column(X);
     if (!column) return false;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);

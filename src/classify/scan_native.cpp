@@ -25,7 +25,7 @@ struct Tally {
 
 // What the walk saw; counted first, written down when nothing can go wrong any more.
 struct Seen {
-    std::array<Tally, columns::kinds> tallies{};
+    std::array<Tally, kinds> tallies{};
     Kind running = Kind::unknown;
     bool plain = false;
     bool integer = false;
@@ -169,7 +169,7 @@ bool Scan::run_native(Object XX, Object xx_xounts, Object missing_values_list) {
     Seen seen;
     if (!walk(*values, *counts, seen)) return false;
 
-    for (std::size_t i = 0; i < columns::kinds; ++i) {
+    for (std::size_t i = 0; i < kinds; ++i) {
         const Tally& tally = seen.tallies[i];
         if (tally.distinct == 0) continue;
         dtypes_cnt.add(static_cast<Kind>(i), tally.distinct);

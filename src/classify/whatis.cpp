@@ -1,9 +1,9 @@
+#include "classify/answer.hpp"
 #include "classify/classify.hpp"
+#include "classify/least_texts.hpp"
 #include "classify/parted.hpp"
 #include "classify/progress.hpp"
 #include "classify/verdict.hpp"
-#include "columns/answer.hpp"
-#include "columns/least_texts.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -13,38 +13,47 @@ namespace quorin::classify {
 
 namespace {
 
-Ref ask_date_test(Object sample) {
-    return global("FCplus"_py).attr("is_column_string_in_datetime_format"_py)({sample});
+Ref date_test() {
+    return global("FCplus"_py).attr("is_column_string_in_datetime_format"_py);
 }
 
 // Whether the least distinct values read as dates. A false answer is handed on as it came.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     const Ref check_limit = capped_row_count(XX);
     progress.datetime_starts(check_limit);
-    const Ref sample = first_rows(XX, check_limit);
-    Ref flag = ask_date_test(sample);
+    Ref flag = date_test()({first_rows(XX, check_limit)});
     if (truth(flag)) flag = Ref::truth(dtype_str == Kind::char_str);
     progress.datetime_ends(check_limit);
     return flag;
 }
 
+// Asks the date test about the least distinct texts. False, and nothing asked, where those are not for memory to say.
+// The column and the list are read anew: the answer's own list may have started the collector.
+bool ask_least_texts(Object X, Object missing_values_reference_list) {
+    constexpr std::size_t sample_size = 50;
+    const std::optional<columns::Column> column = columns::plain_column(X);
+    if (!column) return false;
+    const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);
+    if (!markers) return false;
+    const std::optional<Ref> sample = least_texts(*column, *markers, sample_size);
+    if (!sample) return false;
+    static_cast<void>(truth(date_test()({*sample})));
+    return true;
+}
+
 // The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
 // Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
-std::optional<columns::Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
-    constexpr std::size_t sample_size = 50;
-    if (!originals_in_place_but_date_test()) return std::nullopt;
+std::optional<Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
+    if (!originals_in_place()) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return std::nullopt;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);
     if (!markers) return std::nullopt;
-    std::optional<columns::Answer> answer = columns::answer_for(*column, *markers);
+    std::optional<Answer> answer = answer_for(*column, *markers);
     if (!answer) return std::nullopt;
     // Rows with the other markers of the list would not count as missing.
     if (first_only && PyList_GET_SIZE(answer->misslist.get()) > 1) return std::nullopt;
-    if (originals_in_place()) return answer;
-    const std::optional<Ref> sample = columns::least_texts(*column, *markers, sample_size);
-    if (!sample) return std::nullopt;
-    static_cast<void>(truth(ask_date_test(*sample)));
+    if (!date_test_in_place() && !ask_least_texts(X, missing_values_reference_list)) return std::nullopt;
     return answer;
 }
 
@@ -139,7 +148,7 @@ Examples
         }
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
-        if (parted.natively && return_stats_flag.is(Py_False) && originals_in_place()) {
+        if (parted.natively && return_stats_flag.is(Py_False) && date_test_in_place()) {
             return tuple({new_missing_values_list, dtype_str_final});
         }
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);

@@ -82,12 +82,12 @@ std::vector<Distinct> number_classes(const Column& column, const LeftOut& equal)
     return classes;
 }
 
-// Two values, so that counting needs no search. A byte of an array of booleans may be any number but 0 for true.
+// Two values, so that counting needs no search.
 std::vector<Distinct> boolean_classes(const Column& column, const LeftOut& equal) {
     std::array<Distinct, 2> found{};
     for (std::size_t row = 0; row < column.rows; ++row) {
         if (equal.has(row)) continue;
-        Distinct& entry = found[load<std::uint8_t>(column, row) != 0 ? 1 : 0];
+        Distinct& entry = found[load<bool>(column, row) ? 1 : 0];
         if (entry.count++ == 0) entry.row = row;
     }
     if (found[0].row > found[1].row) std::swap(found[0], found[1]);
@@ -111,23 +111,22 @@ Ref scalar_at(const Column& column, std::size_t row) {
         reinterpret_cast<PyLongScalarObject*>(scalar.get())->obval = load<long>(column, row);
         return scalar;
     }
-    if (type == NPY_UNICODE) {
-        // An element of fixed-width text is a str by its base, which makes it of the type asked for.
-        kernels::TextView text{};
-        FixedTextCells(column).read(row, text);
-        const Ref plain = new_text(text);
-        const Ref arguments = Ref::take(PyTuple_Pack(1, plain.get()));
-        return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
-    }
     auto* data = const_cast<char*>(column.at(row));
     return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
+}
+
+Ref element_of(const Column& column, std::size_t row) {
+    if (column.storage == Storage::objects) return Ref::share(column.object(row));
+    if (column.storage != Storage::fixed_text) return scalar_at(column, row);
+    kernels::TextView text{};
+    FixedTextCells(column).read(row, text);
+    return new_text(text);
 }
 
 }  // namespace
 
 std::optional<std::vector<Distinct>> classes_of(const Column& column, const Markers& left_out) {
-    constexpr std::size_t most_rows = 0x7fffffff;
-    if (column.rows > most_rows) return std::nullopt;
+    if (column.rows > kernels::TextTable::most_rows) return std::nullopt;
     Markers values = left_out;
     values.null_bits = 0;
     std::vector<PyObject*> nulls;
@@ -159,9 +158,10 @@ std::optional<std::vector<Distinct>> classes_of(const Column& column, const Mark
 std::vector<Ref> elements_of(const Column& column, const std::vector<Distinct>& classes) {
     std::vector<Ref> elements;
     elements.reserve(classes.size());
-    for (const Distinct& entry : classes) {
-        elements.push_back(column.storage == Storage::objects ? Ref::share(column.object(entry.row))
-                                                              : scalar_at(column, entry.row));
+    for (const Distinct& entry : classes) elements.push_back(element_of(column, entry.row));
+    // Scalars of text take a tuple each to make, so they come when the column has been read.
+    if (column.storage == Storage::fixed_text) {
+        for (Ref& element : elements) element = text_scalar(element);
     }
     return elements;
 }

@@ -1,5 +1,7 @@
 #include "columns/column.hpp"
 
+#include <cstdlib>
+
 namespace quorin::columns {
 
 namespace {
@@ -69,6 +71,10 @@ std::optional<Column> flat_column(Object X, Storage storage) noexcept {
     std::optional<Column> column = flat_column(X);
     if (column && column->storage != storage) column.reset();
     return column;
+}
+
+bool rows_lie_apart(const Column& column) noexcept {
+    return column.rows == 1 || static_cast<std::size_t>(std::abs(column.stride)) >= column.width;
 }
 
 std::optional<kernels::TextView> ObjectCells::uncommon_text(PyObject* value) noexcept {

@@ -14,7 +14,8 @@ namespace quorin::columns {
 
 enum class Storage { objects, fixed_text, float64, float32, integer, boolean };
 
-// The array must stay alive and unchanged as long as this is used: until foreign code can run.
+// The array must stay alive and unchanged as long as this is used: until foreign code can run, and that it can whenever
+// a list or a tuple is made, which may start the collector.
 struct Column {
     PyArrayObject* array;
     Storage storage;
@@ -31,7 +32,7 @@ struct Column {
     }
 };
 
-// The first column of an exact, non-empty array with at least one dimension, if its dtype is known.
+// The first column of X, which is an exact array of one dimension or more, if it is not empty and its dtype is known.
 std::optional<Column> first_column(Object X) noexcept;
 
 // The column that numpy_flatten_column() makes of an array of shape (n,) or (n, 1); nothing for anything but an exact,
@@ -41,6 +42,9 @@ std::optional<Column> plain_column(Object X) noexcept;
 // The same for an array of one dimension only, and of one storage where that matters.
 std::optional<Column> flat_column(Object X) noexcept;
 std::optional<Column> flat_column(Object X, Storage storage) noexcept;
+
+// Rows that share memory would see what is written into one another.
+bool rows_lie_apart(const Column& column) noexcept;
 
 // Null as pandas means it, among the types that native routes know.
 inline bool is_plain_null(PyObject* value) noexcept {

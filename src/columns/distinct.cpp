@@ -107,8 +107,7 @@ std::size_t possible_numbers(const Column& column) noexcept {
 
 template <class Skip>
 std::optional<std::vector<Distinct>> ascending_values(const Column& column, Skip skip) {
-    constexpr std::size_t most_rows = 0x7fffffff;
-    if (column.rows > most_rows) return std::nullopt;
+    if (column.rows > kernels::TextTable::most_rows) return std::nullopt;
     kernels::TextTable table(column.rows);
     if (column.storage == Storage::fixed_text) {
         if (kernels::add_all(table, FixedTextCells(column), skip)) return ascending_texts(table.entries());
@@ -123,8 +122,7 @@ std::optional<std::vector<Distinct>> ascending_values(const Column& column, Skip
 }
 
 Ref counts_of(const std::vector<Distinct>& distinct) {
-    const npy_intp size = static_cast<npy_intp>(distinct.size());
-    Ref array = Ref::take(PyArray_SimpleNew(1, &size, NPY_INTP));
+    Ref array = new_array(distinct.size(), NPY_INTP);
     auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
     for (const Distinct& entry : distinct) *out++ = entry.count;
     return array;
@@ -176,11 +174,7 @@ std::optional<std::size_t> count_distinct_texts(const Column& column, std::size_
 }
 
 Ref values_of(const Column& column, const std::vector<Distinct>& distinct) {
-    const npy_intp size = static_cast<npy_intp>(distinct.size());
-    PyArray_Descr* dtype = PyArray_DESCR(column.array);
-    // PyArray_Empty() takes a reference over.
-    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
-    Ref array = Ref::take(PyArray_Empty(1, &size, dtype, 0));
+    Ref array = new_array(distinct.size(), PyArray_DESCR(column.array));
     char* out = PyArray_BYTES(as_array(array));
     for (std::size_t i = 0; i < distinct.size(); ++i) {
         // The elements lie anywhere; of an object the count of its references is written.

@@ -12,18 +12,6 @@ namespace quorin::columns {
 
 namespace {
 
-Ref empty_array(std::size_t size, PyArray_Descr* dtype) {
-    const npy_intp shape = static_cast<npy_intp>(size);
-    // PyArray_Empty() takes a reference over.
-    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
-    return Ref::take(PyArray_Empty(1, &shape, dtype, 0));
-}
-
-Ref empty_array(std::size_t size, int type) {
-    const npy_intp shape = static_cast<npy_intp>(size);
-    return Ref::take(PyArray_SimpleNew(1, &shape, type));
-}
-
 template <class Number>
 Number* data_of(Object array) noexcept {
     return reinterpret_cast<Number*>(PyArray_BYTES(as_array(array)));
@@ -51,7 +39,7 @@ template <class Number>
 Ref collapse(Number* numbers, std::size_t size) {
     const std::size_t plain = without_nulls(numbers, size);
     const std::size_t runs = kernels::count_runs(numbers, plain);
-    Ref counted = empty_array(runs + static_cast<std::size_t>(plain != size), NPY_INTP);
+    Ref counted = new_array(runs + static_cast<std::size_t>(plain != size), NPY_INTP);
     auto* counts = data_of<npy_intp>(counted);
     kernels::write_runs(numbers, plain, runs, numbers, counts);
     if (plain != size) {
@@ -68,7 +56,7 @@ Ref first_elements(Ref array, std::size_t size, PyArray_Descr* dtype) {
     const auto before = static_cast<std::size_t>(PyArray_SIZE(as_array(array)));
     if (size == before) return array;
     if (size < before / 2) {
-        Ref copy = empty_array(size, dtype);
+        Ref copy = new_array(size, dtype);
         std::copy_n(data_of<Number>(array), size, data_of<Number>(copy));
         return copy;
     }
@@ -88,7 +76,7 @@ ValuesAndCounts runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
 template <class From, class To>
 ValuesAndCounts sorted_runs(const Column& column, const LeftOut& left_out, PyArray_Descr* dtype) {
     const std::size_t size = column.rows - left_out.marked();
-    Ref copy = empty_array(size, dtype);
+    Ref copy = new_array(size, dtype);
     kernels::copy_kept<From>(column.data, column.stride, left_out.marks(), data_of<To>(copy), size);
     sort(copy);
     return runs_of<To>(std::move(copy), size, dtype);
@@ -107,7 +95,7 @@ std::optional<ValuesAndCounts> counted(const char* data, std::ptrdiff_t stride, 
     kernels::count_each<Integer>(data, stride, size, least, table.data());
     const auto distinct = static_cast<std::size_t>(
         std::count_if(table.begin(), table.end(), [](npy_intp occurrences) { return occurrences != 0; }));
-    ValuesAndCounts found{empty_array(distinct, dtype), empty_array(distinct, NPY_INTP)};
+    ValuesAndCounts found{new_array(distinct, dtype), new_array(distinct, NPY_INTP)};
     auto* values = data_of<Integer>(found.values);
     auto* counts = data_of<npy_intp>(found.counts);
     for (std::size_t slot = 0; slot < table.size(); ++slot) {
@@ -126,7 +114,7 @@ ValuesAndCounts distinct_integers(const Column& column, const LeftOut& left_out)
         return found ? std::move(*found) : sorted_runs<Integer, Integer>(column, left_out, dtype);
     }
     const std::size_t size = column.rows - left_out.marked();
-    Ref copy = empty_array(size, dtype);
+    Ref copy = new_array(size, dtype);
     kernels::copy_kept<Integer>(column.data, column.stride, left_out.marks(), data_of<Integer>(copy), size);
     if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
         return std::move(*found);
@@ -148,6 +136,8 @@ std::optional<ValuesAndCounts> distinct_numbers(const Column& column, LeftOut le
         using Number = decltype(type);
         if constexpr (std::is_floating_point_v<Number>) {
             found = sorted_runs<Number, Number>(column, left_out, PyArray_DESCR(column.array));
+        } else if constexpr (std::is_same_v<Number, bool>) {
+            found = distinct_integers<std::uint8_t>(column, left_out);
         } else {
             found = distinct_integers<Number>(column, left_out);
         }
@@ -162,7 +152,7 @@ std::optional<ValuesAndCounts> distinct_as_float64(const Column& column, LeftOut
     const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
     auto* wide = reinterpret_cast<PyArray_Descr*>(float64.get());
     const std::size_t size = column.rows - left_out.marked();
-    const Ref copy = empty_array(size, NPY_FLOAT);
+    const Ref copy = new_array(size, NPY_FLOAT);
     auto* numbers = data_of<float>(copy);
     kernels::copy_kept<float>(column.data, column.stride, left_out.marks(), numbers, size);
     if (kernels::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
@@ -170,7 +160,7 @@ std::optional<ValuesAndCounts> distinct_as_float64(const Column& column, LeftOut
     sort(copy);
     Ref counts = collapse(numbers, size);
     const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
-    Ref values = empty_array(distinct, wide);
+    Ref values = new_array(distinct, wide);
     kernels::copy_kept<float>(PyArray_BYTES(as_array(copy)), sizeof(float), nullptr, data_of<double>(values), distinct);
     return ValuesAndCounts{std::move(values), std::move(counts)};
 }

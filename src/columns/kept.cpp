@@ -47,8 +47,7 @@ Ref numbers_without(const Column& column, const Markers& markers) {
     // Nothing has no dtype.
     if (kept.bits().empty()) return {};
     static_assert(sizeof(long) == sizeof(std::uint64_t), "numpy makes an array of C's long of Python integers");
-    const npy_intp size = static_cast<npy_intp>(kept.bits().size());
-    Ref array = Ref::take(PyArray_SimpleNew(1, &size, kept.type() == NumberType::real ? NPY_DOUBLE : NPY_LONG));
+    Ref array = new_array(kept.bits().size(), kept.type() == NumberType::real ? NPY_DOUBLE : NPY_LONG);
     std::memcpy(PyArray_BYTES(as_array(array)), kept.bits().data(), kept.bits().size() * sizeof(std::uint64_t));
     return array;
 }

@@ -6,7 +6,7 @@
 namespace quorin::columns {
 
 // The array that numpy.asarray() makes of the elements that the list of markers does not contain, where these all
-// integers that it can hold or all floats. Empty otherwise, and where an element is of no known kind.
+// integers that it can hold or all floats. Nothing otherwise, and where an element is of no known kind.
 Ref numbers_without(const Column& column, const Markers& markers);
 
 }  // namespace quorin::columns

@@ -1,5 +1,7 @@
 #include "columns/markers.hpp"
 
+#include <bit>
+
 #include "interp/operations.hpp"
 
 namespace quorin::columns {
@@ -87,12 +89,17 @@ bool survive_asarray(const Markers& markers) noexcept {
     return !texts || markers.numbers.empty();
 }
 
-Ref markers_of(const Markers& markers, std::uint32_t bits) {
-    Ref found = list({});
+std::vector<Ref> held(const Markers& markers, std::uint32_t bits) {
+    std::vector<Ref> found;
+    found.reserve(static_cast<std::size_t>(std::popcount(bits)));
     for (std::size_t i = 0; i < markers.objects.size(); ++i) {
-        if ((bits >> i & 1U) != 0) append(found, markers.objects[i]);
+        if ((bits >> i & 1U) != 0) found.push_back(Ref::share(markers.objects[i]));
     }
     return found;
+}
+
+Ref markers_of(const Markers& markers, std::uint32_t bits) {
+    return bits == 0 ? list({}) : list_holding(held(markers, bits));
 }
 
 }  // namespace quorin::columns

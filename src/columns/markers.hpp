@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "columns/column.hpp"
 #include "columns/object_number.hpp"
@@ -69,7 +70,10 @@ std::optional<Markers> plain_members(Object set);
 // numbers beside texts into texts, and texts lose zeros at their end.
 bool survive_asarray(const Markers& markers) noexcept;
 
-// The markers of these bits, as a list.
+// The markers of these bits, held: from here on foreign code may take them out of their list.
+std::vector<Ref> held(const Markers& markers, std::uint32_t bits);
+
+// The same as a new list.
 Ref markers_of(const Markers& markers, std::uint32_t bits);
 
 }  // namespace quorin::columns

@@ -23,8 +23,6 @@ Ref empty_mask(std::size_t rows) {
     return Ref::take(PyArray_Zeros(1, &shape, PyArray_DescrFromType(NPY_BOOL), 0));
 }
 
-// Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
-
 // An element that is neither text nor null nor Python's own number: a numpy scalar that equals and hashes as they do.
 std::optional<std::uint32_t> bits_of_other(PyObject* value, const Markers& values) noexcept {
     if (value == nullptr) return std::nullopt;
@@ -41,6 +39,8 @@ std::optional<std::uint32_t> bits_of_other(PyObject* value, const Markers& value
     if (number.scalar && number.beyond_exact()) return std::nullopt;
     return values.bits_of_object(number);
 }
+
+// Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
 
 template <class OnMatch>
 bool match_objects(const Column& column, const Markers& values, OnMatch on_match) {
@@ -113,7 +113,7 @@ bool match_integers(const Column& column, const Markers& values, OnMatch on_matc
     }
     if (whole_values.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
-        const Integer value = load<Integer>(column, row);
+        const auto value = +load<Integer>(column, row);  // a boolean is compared as the number that it is
         std::uint32_t bits = 0;
         for (const Whole& whole_value : whole_values) {
             if (std::cmp_equal(value, whole_value.value)) bits |= whole_value.bit;
@@ -147,8 +147,7 @@ bool can_only_be_null(const Column& column, const Markers& values) noexcept {
 
 // The rows that hold NaN.
 Members null_rows(const Column& column, std::uint32_t bits) {
-    const npy_intp shape = static_cast<npy_intp>(column.rows);
-    Members found{Ref::take(PyArray_SimpleNew(1, &shape, NPY_BOOL))};
+    Members found{new_array(column.rows, NPY_BOOL)};
     const auto mark = column.storage == Storage::float64 ? kernels::mark_nulls<double> : kernels::mark_nulls<float>;
     found.marked = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(found.mask)));
     if (found.marked != 0) found.bits = bits;

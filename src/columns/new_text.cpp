@@ -59,6 +59,11 @@ Ref new_text(kernels::TextView text) {
     return searched_text(text);
 }
 
+Ref text_scalar(Object text) {
+    const Ref arguments = Ref::take(PyTuple_Pack(1, text.get()));
+    return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
+}
+
 Ref text_without_white_space(kernels::TextView text, std::vector<char>& room) {
     room.resize(std::max(room.size(), text.length * static_cast<std::size_t>(text.width)));
     const std::size_t left = kernels::remove_white_space(text, script, room.data());

@@ -8,13 +8,18 @@
 
 namespace quorin::columns {
 
+// A boolean may be a byte of any value, in an array that was one of bytes before; all of them but zero are true.
 template <class Number>
 Number load(const Column& column, std::size_t row) noexcept {
-    return *reinterpret_cast<const Number*>(column.at(row));
+    if constexpr (std::is_same_v<Number, bool>) {
+        return *column.at(row) != 0;
+    } else {
+        return *reinterpret_cast<const Number*>(column.at(row));
+    }
 }
 
 // Calls `use` with a value of the type that the column's elements have, which tells the type and nothing else; false
-// for a column that holds no plain numbers. A boolean is an unsigned byte.
+// for a column that holds no plain numbers.
 template <class Use>
 bool with_number_type(const Column& column, Use use) {
     switch (column.storage) {
@@ -23,7 +28,7 @@ bool with_number_type(const Column& column, Use use) {
         case Storage::float32:
             return use(float{});
         case Storage::boolean:
-            return use(std::uint8_t{});
+            return use(bool{});
         case Storage::integer:
             break;
         case Storage::objects:

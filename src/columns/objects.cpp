@@ -15,6 +15,9 @@ void write(const Column& column, const Replaced& replaced, char* out, std::ptrdi
     }
 }
 
+Ref object_of(bool value) {
+    return Ref::truth(value);
+}
 Ref object_of(double value) {
     return Ref::take(PyFloat_FromDouble(value));
 }
@@ -57,8 +60,6 @@ void write_objects(const Column& column, const Replaced& replaced, char* out, st
         write_shared(column, replaced, out, stride);
     } else if (column.storage == Storage::fixed_text) {
         write_texts(column, replaced, out, stride);
-    } else if (column.storage == Storage::boolean) {
-        write(column, replaced, out, stride, [&](std::size_t row) { return Ref::truth(*column.at(row) != 0); });
     } else {
         with_number_type(column, [&](auto type) {
             write(column, replaced, out, stride,

@@ -4,7 +4,7 @@
 #include "columns/distinct.hpp"
 #include "columns/kept.hpp"
 #include "columns/membership.hpp"
-#include "features/column.hpp"
+#include "features/asking.hpp"
 #include "features/features.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
@@ -89,18 +89,19 @@ Ref has_few_values(Object y) {
 
 // The columns that a test of FCplus accepts.
 Ref find_columns(Name test, Object X, Object missing_values_reference_list) {
-    const auto accepted = [&](const Ref& column) {
-        return truth(global("FCplus"_py)
-                         .attr(test)({column}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
+    // The test is looked up before its column is made, as in any call.
+    const auto accepted = [&](const auto& make_column) {
+        const Ref method = global("FCplus"_py).attr(test);
+        return truth(method({make_column()}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
     };
     Ref output_index_list = list({});
     if (equal(X.attr("ndim"_py), 1)) {
-        if (accepted(X.attr("reshape"_py)({-1, 1}))) append(output_index_list, whole(0));
+        if (accepted([&] { return X.attr("reshape"_py)({-1, 1}); })) append(output_index_list, whole(0));
         return output_index_list;
     }
     const Py_ssize_t columns = count(column_count(X));
     for (Py_ssize_t j = 0; j < columns; ++j) {
-        if (accepted(matrix_column(X, j))) append(output_index_list, whole(j));
+        if (accepted([&] { return matrix_column(X, j); })) append(output_index_list, whole(j));
     }
     return output_index_list;
 }
@@ -186,7 +187,7 @@ False
 )",
     .body = [](Object y, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        const auto [misslist, dtype_str] = whatis(y, l_missing_values_reference_list);
+        const auto [misslist, dtype_str] = Classifier()(y, l_missing_values_reference_list);
         if (equal(dtype_str, "int_str"_py) || equal(dtype_str, "char_str"_py)) return Ref::truth(true);
         if (equal(dtype_str, "int_num"_py) || equal(dtype_str, "float_int_num"_py)) {
             return truth(misslist) ? has_few_values(without(y, misslist)) : has_few_values(y);

@@ -1,7 +1,7 @@
 #include <optional>
 
 #include "columns/classes.hpp"
-#include "features/column.hpp"
+#include "features/asking.hpp"
 #include "features/features.hpp"
 #include "interp/errors.hpp"
 #include "interp/operations.hpp"
@@ -79,7 +79,7 @@ Examples
 )",
     .body = [](Object y, Object exclude_missing_class_flag, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        const auto [misslist, dtype_str] = whatis(y, l_missing_values_reference_list);
+        const auto [misslist, dtype_str] = Classifier()(y, l_missing_values_reference_list);
         const bool exclude = truth(misslist) && truth(exclude_missing_class_flag);
         if (Ref classes_list = native_classes(y, exclude ? Object(misslist) : Object(Py_None))) return classes_list;
         const Ref seq = list({});

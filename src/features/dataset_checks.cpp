@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "columns/markers.hpp"
-#include "features/column.hpp"
+#include "features/asking.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -31,7 +31,7 @@ bool hit(Question question, const Classified& column) {
 // The columns of a table of numbers that the question hits, straight from its memory: numbers are never text, and
 // without a number among the markers only nulls are missing.
 std::optional<std::vector<bool>> native_hits(Question question, Object X, Object markers_list, bool one_is_enough) {
-    if (!originals_in_place() || !is_exact_array(X)) return std::nullopt;
+    if (!date_test_in_place() || !is_exact_array(X)) return std::nullopt;
     PyArrayObject* array = as_array(X);
     if (PyArray_NDIM(array) != 2 || PyArray_DIM(array, 1) == 0) return std::nullopt;
     const std::optional<columns::Markers> markers = columns::plain_markers(markers_list);
@@ -66,7 +66,7 @@ template <class OnHit>
 void walk(Question question, Wanted wanted, Object X, Object missing_values_reference_list, OnHit on_hit) {
     const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
     if (equal(X.attr("ndim"_py), 1)) {
-        if (hit(question, whatis(X, l_missing_values_reference_list))) on_hit(0);
+        if (hit(question, Classifier()(X, l_missing_values_reference_list))) on_hit(0);
         return;
     }
     if (const auto hits = native_hits(question, X, l_missing_values_reference_list, wanted == Wanted::first)) {
@@ -77,7 +77,7 @@ void walk(Question question, Wanted wanted, Object X, Object missing_values_refe
     }
     const Py_ssize_t columns = count(column_count(X));
     for (Py_ssize_t j = 0; j < columns; ++j) {
-        if (hit(question, whatis(matrix_column(X, j), l_missing_values_reference_list)) && !on_hit(j)) return;
+        if (hit(question, Classifier()(matrix_column(X, j), l_missing_values_reference_list)) && !on_hit(j)) return;
     }
 }
 

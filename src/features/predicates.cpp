@@ -1,7 +1,7 @@
 #include <optional>
 
 #include "columns/distinct.hpp"
-#include "features/column.hpp"
+#include "features/asking.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -123,7 +123,7 @@ True
 )",
     .body = [](Object column, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        return Ref::truth(truth(whatis(column, l_missing_values_reference_list).misslist));
+        return Ref::truth(truth(Classifier()(column, l_missing_values_reference_list).misslist));
     },
 };
 
@@ -152,7 +152,7 @@ False
 )",
     .body = [](Object column, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        return Ref::truth(equal(whatis(column, l_missing_values_reference_list).dtype_str, "char_str"_py));
+        return Ref::truth(equal(Classifier()(column, l_missing_values_reference_list).dtype_str, "char_str"_py));
     },
 };
 

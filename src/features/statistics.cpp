@@ -1,14 +1,12 @@
-// Whether a column looks like a person's sex, height, weight or age.
+// Whether a column looks like a person's height, weight or age.
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <optional>
-#include <string_view>
 #include <vector>
 
 #include "columns/column.hpp"
-#include "features/column.hpp"
+#include "features/asking.hpp"
 #include "features/features.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
@@ -59,10 +57,11 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
     return flag;
 }
 
-constexpr double exact_limit = 1e15;
+constexpr double modest_limit = 1e15;
 
-// A number that a 64-bit float holds exactly and that stays exact under the arithmetic of the test.
-std::optional<double> plain_number(Object value) noexcept {
+// A number whose arithmetic a 64-bit float does as the interpreter does it, rounding included: none is so large that an
+// integer would stay exact where a float is rounded.
+std::optional<double> modest_number(Object value) noexcept {
     double number = 0.0;
     if (PyFloat_CheckExact(value.get())) {
         number = PyFloat_AS_DOUBLE(value.get());
@@ -73,7 +72,7 @@ std::optional<double> plain_number(Object value) noexcept {
     } else {
         return std::nullopt;
     }
-    if (!(std::fabs(number) <= exact_limit)) return std::nullopt;
+    if (!(std::fabs(number) <= modest_limit)) return std::nullopt;
     return number;
 }
 
@@ -91,9 +90,9 @@ std::optional<Measured> measured(const columns::Column& values) noexcept {
     constexpr double most_whole_factor = 1e6;
     switch (values.storage) {
         case columns::Storage::float64:
-            return Measured{Measured::As::float64, exact_limit, exact_limit};
+            return Measured{Measured::As::float64, modest_limit, modest_limit};
         case columns::Storage::float32:
-            return Measured{Measured::As::float32, exact_limit, exact_limit};
+            return Measured{Measured::As::float32, modest_limit, modest_limit};
         case columns::Storage::boolean:
             return Measured{Measured::As::boolean, 1.0, most_whole_factor};
         case columns::Storage::integer:
@@ -131,17 +130,17 @@ std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_fac
     const std::optional<columns::Column> values = columns::plain_column(X);
     if (!values) return std::nullopt;
     const std::optional<Measured> kind = measured(*values);
-    const auto mean = plain_number(bounds.mean_value);
-    const auto deviation = plain_number(bounds.std_value);
-    const auto min = plain_number(bounds.min_value);
-    const auto max = plain_number(bounds.max_value);
-    const auto stds = plain_number(bounds.num_stds);
+    const auto mean = modest_number(bounds.mean_value);
+    const auto deviation = modest_number(bounds.std_value);
+    const auto min = modest_number(bounds.min_value);
+    const auto max = modest_number(bounds.max_value);
+    const auto stds = modest_number(bounds.num_stds);
     if (!kind || !mean || !deviation || !min || !max || !stds) return std::nullopt;
     const kernels::Limits limits{*mean, *stds * *deviation, *min, *max};
-    if (std::fabs(limits.allowed) > exact_limit) return std::nullopt;
+    if (std::fabs(limits.allowed) > modest_limit) return std::nullopt;
     std::vector<double> factors;
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
-        const auto factor = plain_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
         if (!factor || std::fabs(*factor) > kind->most_factor) return std::nullopt;
         factors.push_back(*factor);
     }
@@ -157,81 +156,6 @@ std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_fac
             return passes<std::uint8_t>(*values, *kind, factors, limits);
     }
     return std::nullopt;
-}
-
-kernels::TextView view(std::string_view text) noexcept {
-    return {text.data(), text.size(), 1};
-}
-
-// What the library's search for distinct texts, which reads them up to the first zero, would take for another text.
-bool holds_zero(kernels::TextView text) noexcept {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (kernels::character(text, i) == 0) return true;
-    }
-    return false;
-}
-
-struct SexWord {
-    std::string_view text;
-    std::uint64_t characters;  // the first one lowest
-};
-
-consteval SexWord sex_word(std::string_view text) {
-    constexpr unsigned bits = 8;
-    std::uint64_t characters = 0;
-    for (std::size_t i = text.size(); i-- > 0;) characters = characters << bits | static_cast<unsigned char>(text[i]);
-    return {text, characters};
-}
-
-constexpr SexWord male = sex_word("male");
-constexpr SexWord female = sex_word("female");
-constexpr SexWord m = sex_word("m");
-constexpr SexWord f = sex_word("f");
-constexpr std::uint32_t long_pair = 0b0011;
-constexpr std::uint32_t short_pair = 0b1100;
-
-// The bit of the word that a text is, or 0. Which one it is cannot be predicted, and so nothing jumps on it.
-class SexWords {
-  public:
-    SexWords() noexcept {
-        for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
-    }
-    [[nodiscard]] std::uint32_t find(kernels::TextView text) const noexcept {
-        if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
-        const std::uint64_t characters = kernels::short_text(text);
-        const auto is = [&](const SexWord& word) {
-            return static_cast<std::uint32_t>((characters == word.characters) & (text.length == word.text.size()));
-        };
-        return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
-    }
-
-  private:
-    kernels::MarkerSet words_;
-};
-
-// Whether the distinct values of a column of texts and nulls are one of the two pairs, in any order.
-std::optional<bool> native_sex(Object series) {
-    if (!originals_in_place_but_date_test()) return std::nullopt;
-    if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return std::nullopt;
-    const Ref values = series.attr("values"_py);
-    const std::optional<columns::Column> column = columns::flat_column(values, columns::Storage::objects);
-    if (!column) return std::nullopt;
-    const SexWords words;
-    const columns::ObjectCells cells(*column);
-    std::uint32_t found = 0;
-    bool others = false;
-    for (std::size_t row = 0; row < column->rows; ++row) {
-        cells.prefetch(row + kernels::prefetch_distance);
-        kernels::TextView text{};
-        const kernels::Cell cell = cells.read(row, text);
-        if (cell == kernels::Cell::other) return std::nullopt;
-        const std::uint32_t sex = cell == kernels::Cell::text ? words.find(text) : 0;
-        found |= sex;
-        if (sex != 0) continue;
-        if (cell == kernels::Cell::text && holds_zero(text)) return std::nullopt;
-        others = true;
-    }
-    return !others && (found == long_pair || found == short_pair);
 }
 
 Ref check(Positional arguments) {
@@ -287,53 +211,6 @@ True
             if (flag) break;
         }
         return Ref::truth(flag);
-    },
-};
-
-constinit const Definition is_column_sex{
-    .name = "is_column_sex",
-    .parameters = {{"dfc"}},
-    .doc = R"(Infers whether column represents sex.
-
-It does when its distinct values are exactly "male" and "female", or "m" and "f", written so.
-
-Parameters
-----------
-dfc : pandas.DataFrame
-    With a column labelled 0. Positional only.
-
-Returns
--------
-bool
-
-Raises
-------
-IndexError
-    For an empty frame.
-KeyError
-    For text in a frame without a column labelled 0.
-
-Examples
---------
->>> import pandas as pd
->>> from quorin_libs.utils.exportable_utils import FCplus
->>> FCplus.is_column_sex(pd.DataFrame({0: ["f", "m", "f"]}))
-True
-)",
-    .body = [](Object dfc) -> Ref {
-        if (!first_cell_is_text(dfc)) return Ref::truth(false);
-        const Ref series = item(dfc, 0);
-        if (const auto answer = native_sex(series)) return Ref::truth(*answer);
-        const Ref values = series.attr("unique"_py)();
-        if (length(values) != 2) return Ref::truth(false);
-        const auto are = [&](Name first, Name second) {
-            return equal(item(values, 0), first) && equal(item(values, 1), second);
-        };
-        const auto are_reversed = [&](Name first, Name second) {
-            return equal(item(values, 1), first) && equal(item(values, 0), second);
-        };
-        return Ref::truth(are("male"_py, "female"_py) || are_reversed("male"_py, "female"_py) || are("m"_py, "f"_py) ||
-                          are_reversed("m"_py, "f"_py));
     },
 };
 
@@ -440,7 +317,8 @@ True
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
         // The first row stands for the column.
-        const auto [miss_values, dtype_str] = whatis(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
+        const auto [miss_values, dtype_str] =
+            Classifier()(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
         if (first_cell_is_text(dfc) || truth(compare(dtype_str, Py_NE, "int_num"_py))) return Ref::truth(false);
         return check({dfc, 40, 20, 0, 100, 2, list({1})});
     },

@@ -9,14 +9,13 @@ namespace {
 
 // traceback.format_exception() lost the keyword `etype` in CPython 3.10; since then its first parameter is positional.
 Ref formatted_traceback(Object exception) {
-    const Ref traceback = global("traceback"_py);
+    const Ref format_exception = global("traceback"_py).attr("format_exception"_py);
     const Ref type = Ref::share(Py_TYPE(exception.get()));
     const Ref entries = exception.attr("__traceback__"_py);
 #if PY_VERSION_HEX >= 0x030A0000
-    const Ref lines = traceback.attr("format_exception"_py)({type}, {{"value"_py, exception}, {"tb"_py, entries}});
+    const Ref lines = format_exception({type}, {{"value"_py, exception}, {"tb"_py, entries}});
 #else
-    const Ref lines =
-        traceback.attr("format_exception"_py)({}, {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
+    const Ref lines = format_exception({}, {{"etype"_py, type}, {"value"_py, exception}, {"tb"_py, entries}});
 #endif
     return Object(""_py.text).attr("join"_py)({lines});
 }

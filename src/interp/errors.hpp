@@ -4,7 +4,9 @@
 
 #include "interp/ref.hpp"
 
+#include <exception>
 #include <new>
+#include <stdexcept>
 
 namespace quorin {
 
@@ -101,8 +103,25 @@ PyObject* behind_wall(const char* routine, Body&& body) noexcept {
     } catch (const std::bad_alloc&) {
         PyErr_NoMemory();
         add_traceback(routine, Where::current());
+    } catch (const std::exception& error) {
+        PyErr_SetString(PyExc_SystemError, error.what());
+        add_traceback(routine, Where::current());
     }
     return nullptr;
+}
+
+// What `make` gives, or nothing where that fails or takes more memory than there is: the interpreter route is asked
+// then, and its complaint is the one to be heard.
+template <class Make>
+Ref unless_it_fails(Make make) {
+    try {
+        return make();
+    } catch (const PythonError&) {
+        PyErr_Clear();
+    } catch (const std::bad_alloc&) {     // NOLINT(bugprone-empty-catch)
+    } catch (const std::length_error&) {  // NOLINT(bugprone-empty-catch)
+    }
+    return {};
 }
 
 }  // namespace quorin

@@ -10,6 +10,18 @@ void connect_numpy() {
     if (_import_array() < 0) throw PythonError(Where::current());
 }
 
+Ref new_array(std::size_t size, PyArray_Descr* dtype) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    // PyArray_Empty() takes a reference over.
+    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
+    return Ref::take(PyArray_Empty(1, &shape, dtype, 0));
+}
+
+Ref new_array(std::size_t size, int type) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    return Ref::take(PyArray_SimpleNew(1, &shape, type));
+}
+
 Ref numpy_alias(At name, Object builtin) {
     const Ref np = global(At("np"_py, name.where));
     if (PyModule_Check(np.get())) {

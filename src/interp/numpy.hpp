@@ -33,6 +33,10 @@ inline bool is_plain_text(Object value) noexcept {
     return type == &PyUnicode_Type || type == &PyUnicodeArrType_Type;
 }
 
+// A new array of one dimension. Its elements are not settled yet, but objects are None or nothing.
+Ref new_array(std::size_t size, PyArray_Descr* dtype);
+Ref new_array(std::size_t size, int type);
+
 // np.<name>, an alias of a built-in type that numpy has given up: where the numpy in use does not hold it, the
 // built-in type itself, without numpy's warning or refusal.
 Ref numpy_alias(At name, Object builtin);

@@ -165,6 +165,13 @@ Ref list(Positional items, Where where) {
     return made;
 }
 
+Ref list_holding(std::vector<Ref> items, Where where) {
+    Ref made = Ref::take(PyList_New(static_cast<Py_ssize_t>(items.size())), where);
+    Py_ssize_t position = 0;
+    for (Ref& value : items) PyList_SET_ITEM(made.get(), position++, value.give());
+    return made;
+}
+
 Ref or_new_list(Object value) {
     return value.is_none() ? list({}) : Ref::share(value);
 }

@@ -4,6 +4,7 @@
 #include "interp/ref.hpp"
 
 #include <array>
+#include <vector>
 
 namespace quorin {
 
@@ -38,6 +39,7 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
+Ref list_holding(std::vector<Ref> items, Where where = Where::current());
 Ref or_new_list(Object value);                                 // a new list in place of None
 Ref list_of(Object iterable, Where where = Where::current());  // list(iterable)
 Ref set_of(Object iterable, Where where = Where::current());   // set(iterable)

@@ -38,6 +38,7 @@ struct InPlace {
 };
 InPlace in_place;
 bool own_date_test_is_pure = false;
+bool watched = true;  // every dictionary; without that nobody knows what still stands
 
 // Interpreters before 3.12 count the changes of every dictionary; later ones tell whoever watches it.
 #if PY_VERSION_HEX < 0x030C0000
@@ -57,7 +58,9 @@ void settle() noexcept {
     for (Scope& scope : scopes()) scope.version = version_of(scope.dictionary);
 }
 
-void watch(PyObject* /*dictionary*/) {}
+bool watch(PyObject* /*dictionary*/) noexcept {
+    return true;
+}
 
 #else
 
@@ -76,9 +79,13 @@ void settle() noexcept {
     something_changed = false;
 }
 
-void watch(PyObject* dictionary) {
-    static const int watcher = PyDict_AddWatcher(on_change);
-    if (watcher < 0 || PyDict_Watch(watcher, dictionary) < 0) throw PythonError(Where::current());
+// There are few watchers for all modules together.
+bool watch(PyObject* dictionary) noexcept {
+    static int watcher = -1;
+    if (watcher < 0) watcher = PyDict_AddWatcher(on_change);
+    if (watcher >= 0 && PyDict_Watch(watcher, dictionary) == 0) return true;
+    PyErr_Clear();
+    return false;
 }
 
 #endif
@@ -108,7 +115,7 @@ void remember(Object dictionary, std::initializer_list<Name> names) {
         if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
         scope.entries.push_back({name.text, Ref::share(held).give(), false});
     }
-    watch(scope.dictionary);
+    watched = watch(scope.dictionary) && watched;
     scopes().push_back(std::move(scope));
 }
 
@@ -138,8 +145,21 @@ void remember_all(Object dictionary, DateTest date_test = DateTest::among_others
         const bool on_the_way = date_test == DateTest::all_of_it || leads_to_date_test(name);
         scope.entries.push_back({Ref::share(name).give(), Ref::share(value).give(), on_the_way});
     }
-    watch(scope.dictionary);
+    watched = watch(scope.dictionary) && watched;
     scopes().push_back(std::move(scope));
+}
+
+// pandas before 3 has an option by which infinite numbers are null, too, and notes it where pd.isnull() looks.
+void remember_null_option() {
+    const Ref module = Ref::adopt(PyImport_GetModule("pandas.core.dtypes.missing"_py.text));
+    if (!module || !PyModule_Check(module.get())) {
+        PyErr_Clear();
+        return;
+    }
+    const Object dictionary = PyModule_GetDict(module.get());
+    remember(dictionary, {"INF_AS_NA"_py});
+    Scope::Entry& option = scopes().back().entries.back();
+    if (option.value != nullptr) option.value = Py_False;
 }
 
 // The dictionary behind a class; vars() would give a view of it.
@@ -160,6 +180,7 @@ bool date_test_is_pure(Object FC) {
 void remember_originals() {
     scopes().clear();
     in_place = {};
+    watched = true;
     const Object names = module_names();
     const Ref FC = item(names, "FC"_py);
     const std::array libraries = {item(names, "np"_py), item(names, "pd"_py), item(names, "six"_py),
@@ -186,18 +207,23 @@ void remember_originals() {
     remember(in_library(2), {"string_types"_py});
     remember(in_library(3), {"Integral"_py});
     remember(in_library(4), {"md5"_py});
+    remember_null_option();
+    if (!watched) {
+        scopes().clear();
+        return;
+    }
+    in_place = look_everything_up();
     settle();
-    in_place = {own_date_test_is_pure, true};
 }
 
 bool originals_in_place() noexcept {
     look_again();
-    return in_place.date_test && in_place.others;
+    return in_place.others;
 }
 
-bool originals_in_place_but_date_test() noexcept {
+bool date_test_in_place() noexcept {
     look_again();
-    return in_place.others;
+    return in_place.date_test && in_place.others;
 }
 
 }  // namespace quorin

@@ -8,12 +8,13 @@ namespace quorin {
 // To be called once, when everything is bound.
 void remember_originals();
 
-// Whether all of these names still are what they were. Costs a few loads, unless one of the dictionaries that hold them
-// has changed since the last time: then every name is looked up again.
+// Whether all of these names but those of the date test still are what they were. Costs a few loads, unless one of the
+// dictionaries that hold them has changed since the last time: then every name is looked up again.
 bool originals_in_place() noexcept;
 
-// The same but for the date test, which an application may replace by its own, or leave without the word that it has no
-// side effects: the classifier then asks it, and the rest of its work is still its own.
-bool originals_in_place_but_date_test() noexcept;
+// Whether the date test is its own as well, so that whoever does not tell its answer need not ask it. An application
+// may replace it, or leave it without the word that it has no side effects: the classifier then asks it, and the rest
+// of its work is still its own.
+bool date_test_in_place() noexcept;
 
 }  // namespace quorin

@@ -23,6 +23,16 @@ PyObject* look_up_builtin(At name) {
     return look_up(PyModule_Check(builtins) ? PyModule_GetDict(builtins) : builtins, name);
 }
 
+// Since CPython 3.10 the exception holds the name.
+[[noreturn]] void fail_unknown(At name) {
+    const Ref message = Ref::take(PyUnicode_FromFormat("name '%U' is not defined", name.name.text));
+    const Ref exception = Object(PyExc_NameError)({message});
+#if PY_VERSION_HEX >= 0x030A0000
+    if (PyObject_SetAttrString(exception.get(), "name", name.name.text) < 0) throw PythonError(name.where);
+#endif
+    raise(exception, name.where);
+}
+
 }  // namespace
 
 Object module_names() noexcept {
@@ -30,16 +40,13 @@ Object module_names() noexcept {
 }
 
 void use_module_names(Object dictionary) noexcept {
-    PyObject* old = std::exchange(names, Ref::share(dictionary).give());
-    Py_XDECREF(old);
+    const Ref old = Ref::adopt(std::exchange(names, Ref::share(dictionary).give()));
 }
 
 Ref global(At name) {
     PyObject* found = look_up(names, name);
     if (found == nullptr) found = look_up_builtin(name);
-    if (found == nullptr) {
-        fail(PyExc_NameError, Format("name '%U' is not defined", name.where), name.name.text);
-    }
+    if (found == nullptr) fail_unknown(name);
     return Ref::share(found);
 }
 

@@ -5,8 +5,6 @@
 #include <cstring>
 #include <utility>
 
-#include "kernels/cells.hpp"
-
 namespace quorin::kernels {
 
 namespace {

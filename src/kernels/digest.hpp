@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "kernels/number_text.hpp"
+#include "kernels/text_view.hpp"
 
 namespace quorin::kernels {
 

@@ -52,13 +52,6 @@ struct Scanner {
     }
 };
 
-// What the C locale's isspace() accepts. The separators \x1c to \x1f, white space elsewhere in the interpreter, are
-// none for the number parsers.
-template <class Character>
-bool is_space(Character c) noexcept {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
 template <class Character>
 bool is_ascii(const Character* at, const Character* end) noexcept {
     for (; at != end; ++at) {

@@ -26,6 +26,13 @@ struct Script {
     int (*translated)(std::uint32_t character);
 };
 
+// What the C locale's isspace() accepts. The separators \x1c to \x1f, white space elsewhere in the interpreter, are
+// none for the number parsers.
+template <class Character>
+bool is_space(Character c) noexcept {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
 enum class TextClass { plain, integer, real, unsettled };
 
 // A number text starts with white space, a sign, a dot or a digit; words for infinity and NaN hold no dot and are

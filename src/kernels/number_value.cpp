@@ -23,11 +23,6 @@ constexpr std::size_t most_exponent_digits = 4;
 constexpr bool rounds_once = FLT_EVAL_METHOD == 0;
 
 template <class Character>
-bool is_space(Character c) noexcept {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-template <class Character>
 bool is_digit(Character c) noexcept {
     return c >= '0' && c <= '9';
 }

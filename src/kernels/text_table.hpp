@@ -23,7 +23,9 @@ struct DistinctText {
 class TextTable {
   public:
     static constexpr std::size_t block = 32;
-    // For texts of so many rows; no more than 2 ** 31.
+    static constexpr std::size_t most_rows = 0x7fffffff;
+    // For texts of so many rows. Entries have numbers of 32 bits: whoever looks up more rows than `most_rows` stops at
+    // some number of entries.
     explicit TextTable(std::size_t rows) : rows_(rows), slots_(initial_slots, empty) {}
     struct Block {
         std::array<TextView, block> texts;

@@ -72,7 +72,7 @@ Ref cumulated(Object masks) {
 
 // One pass over the column for all markers; the first one that occurs stands for all where one is enough.
 Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
-    if (!originals_in_place_but_date_test() || !PyList_CheckExact(missing_values_list.get())) return {};
+    if (!originals_in_place() || !PyList_CheckExact(missing_values_list.get())) return {};
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return {};
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_list, *column);
@@ -80,13 +80,15 @@ Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
     const std::optional<columns::MarkedRows> found = columns::marked_rows(*column, *markers);
     if (!found) return {};
     if (found->bits == 0) return tuple({found->mask, all_false(column->rows), list({})});
+    const std::uint32_t counted = one_is_enough ? columns::lowest(found->bits) : found->bits;
+    const Ref exist = columns::markers_of(*markers, counted);
     if (one_is_enough) {
         const Ref& first = found->masks.front();
-        return tuple({first, list({first}), columns::markers_of(*markers, columns::lowest(found->bits))});
+        return tuple({first, list({first}), exist});
     }
     const Ref masks = list({});
     for (const Ref& mask : found->masks) append(masks, mask);
-    return tuple({found->mask, masks, columns::markers_of(*markers, found->bits)});
+    return tuple({found->mask, masks, exist});
 }
 
 }  // namespace
@@ -135,8 +137,7 @@ Examples
         }
         const Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
         if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
-        const Ref shape = tuple({row_count(X)});
-        return nothing_found(global("np"_py).attr("zeros"_py)({shape}, {{"dtype"_py, &PyBool_Type}}));
+        return nothing_found(global("np"_py).attr("zeros"_py)({tuple({row_count(X)})}, {{"dtype"_py, &PyBool_Type}}));
     },
 };
 

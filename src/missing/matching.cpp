@@ -1,6 +1,7 @@
 #include <optional>
 
 #include "columns/membership.hpp"
+#include "interp/errors.hpp"
 #include "interp/operations.hpp"
 #include "interp/originals.hpp"
 #include "interp/space.hpp"
@@ -13,7 +14,9 @@ namespace {
 
 PyObject* is_member(PyObject* reference_set, PyObject* x) {
     const int member = PySequence_Contains(reference_set, x);
-    return member < 0 ? nullptr : Ref::truth(member != 0).give();
+    if (member >= 0) return Ref::truth(member != 0).give();
+    add_traceback("<lambda>", Where::current());
+    return nullptr;
 }
 
 PyMethodDef membership = {"<lambda>", is_member, METH_O, nullptr};
@@ -26,10 +29,10 @@ Ref membership_test(Object reference_set) {
 // The mask of one flat column, straight from its memory.
 std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
     if (!originals_in_place()) return std::nullopt;
-    const std::optional<columns::Column> column = columns::flat_column(l);
-    if (!column) return std::nullopt;
     const std::optional<columns::Markers> members = columns::plain_members(reference_set);
     if (!members) return std::nullopt;
+    const std::optional<columns::Column> column = columns::flat_column(l);
+    if (!column) return std::nullopt;
     return columns::membership_mask(*column, *members);
 }
 

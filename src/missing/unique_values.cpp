@@ -20,7 +20,7 @@ bool is_mixed_text_failure(Object message) {
 // The distinct values that are not on the list, with their counts if they are wanted. Without counts newer releases of
 // numpy find those of floats by another way, where another one of several equal floats may stand for them.
 Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
-    if (!originals_in_place_but_date_test()) return {};
+    if (!originals_in_place()) return {};
     const std::optional<columns::Column> column = columns::flat_column(y);
     if (!column) return {};
     const bool floats = column->storage == columns::Storage::float64 || column->storage == columns::Storage::float32;
@@ -112,9 +112,9 @@ array(['a', 'b'], dtype=object)
                 return unique();
             }
             global("QSR_raise_exception"_py)({}, {{"exception_obj"_py, e}, {"exception_trace_flag"_py, true}});
-            // Whoever put a routine that returns in its place is told that there is no result.
-            fail_unbound("result"_py);
         }
+        // Whoever put a routine that returns in its place is told that there is no result.
+        fail_unbound("result"_py);
     },
 };
 

@@ -182,20 +182,16 @@ Ref native_compress_str_column(Object X, Object misslist, Object compress_type) 
     if (!originals_in_place() || !PyUnicode_CheckExact(compress_type.get())) return {};
     if (!PyList_CheckExact(misslist.get())) return {};
     const std::optional<Column> column = columns::flat_column(X);
-    if (!column || PyArray_ISWRITEABLE(column->array) == 0) return {};
+    if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !columns::rows_lie_apart(*column)) return {};
     const bool objects = column->storage == columns::Storage::objects;
     if (!objects && column->storage != columns::Storage::fixed_text) return {};
-    if (column->rows > 1 && static_cast<std::size_t>(std::abs(column->stride)) < column->width) return {};
     const std::optional<Markers> missing = columns::plain_markers(misslist);
     if (!missing) return {};
-    try {
+    return unless_it_fails([&]() -> Ref {
         const Rules rules(*missing, compress_type);
         if (rules.digests() && !allows_digests()) return {};
         return objects ? compress_objects(*column, rules) : compress_fixed_texts(*column, rules);
-    } catch (const PythonError&) {
-        PyErr_Clear();
-        return {};
-    }
+    });
 }
 
 }  // namespace quorin::transform

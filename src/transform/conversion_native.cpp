@@ -21,8 +21,7 @@ using columns::Storage;
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 Ref new_floats(const Column& column) {
-    const npy_intp rows = static_cast<npy_intp>(column.rows);
-    return Ref::take(PyArray_SimpleNew(1, &rows, NPY_DOUBLE));
+    return new_array(column.rows, NPY_DOUBLE);
 }
 
 double* floats_of(Object array) noexcept {
@@ -80,7 +79,6 @@ bool numbers_to_floats(const Column& column, const Markers& missing, double* out
         for (std::size_t row = 0; row < column.rows; ++row) {
             const Number number = columns::load<Number>(column, row);
             double value = static_cast<double>(number);
-            if (column.storage == Storage::boolean) value = number != 0 ? 1.0 : 0.0;
             if (compared && columns::is_listed(value, missing)) {
                 if (column.storage == Storage::integer) return false;
                 value = column.storage == Storage::boolean ? 1.0 : nan;

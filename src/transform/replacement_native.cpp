@@ -74,17 +74,6 @@ void write_table(const std::vector<Column>& table, const std::vector<Replaced>& 
     }
 }
 
-// An object that cannot be made is the interpreter route's to complain about.
-template <class Make>
-Ref unless_it_fails(Make make) {
-    try {
-        return make();
-    } catch (const PythonError&) {
-        PyErr_Clear();
-        return {};
-    }
-}
-
 bool is_mask_for(Object mask, Object X) noexcept {
     if (!is_exact_array(mask) || PyArray_TYPE(as_array(mask)) != NPY_BOOL) return false;
     PyArrayObject* array = as_array(X);
@@ -127,10 +116,10 @@ std::optional<std::vector<Ref>> masks_of(const std::vector<Column>& table, Objec
 
 Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
     if (!originals_in_place() || !is_plain_filling(filling_value)) return {};
-    const std::vector<Column> table = columns_of(X);
-    if (table.empty() || !keeps_row_order(X) || !is_mask_for(replace_values_mask, X)) return {};
-    PyArrayObject* mask = as_array(replace_values_mask);
-    return unless_it_fails([&] {
+    return unless_it_fails([&]() -> Ref {
+        const std::vector<Column> table = columns_of(X);
+        if (table.empty() || !keeps_row_order(X) || !is_mask_for(replace_values_mask, X)) return {};
+        PyArrayObject* mask = as_array(replace_values_mask);
         std::vector<Replaced> replaced;
         for (std::size_t j = 0; j < table.size(); ++j) {
             const npy_intp start = j == 0 ? 0 : static_cast<npy_intp>(j) * PyArray_STRIDE(mask, 1);
@@ -145,10 +134,10 @@ Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
 Ref native_replace_values(Object X, Object filling_value, Object reference_values_list, Object invert_flag) {
     if (!originals_in_place() || !is_plain_filling(filling_value) || !PyBool_Check(invert_flag.get())) return {};
     if (!PyList_CheckExact(reference_values_list.get()) || PyList_GET_SIZE(reference_values_list.get()) == 0) return {};
-    const std::vector<Column> table = columns_of(X);
-    if (table.empty()) return {};
     const bool inverted = invert_flag.is(Py_True);
     return unless_it_fails([&]() -> Ref {
+        const std::vector<Column> table = columns_of(X);
+        if (table.empty()) return {};
         const std::optional<std::vector<Ref>> masks = masks_of(table, reference_values_list);
         if (!masks) return {};
         const bool flat = PyArray_NDIM(as_array(X)) == 1;

@@ -208,18 +208,13 @@ Ref slow_floats(const Column& column) {
     return Ref::share(reinterpret_cast<PyObject*>(column.array));
 }
 
-// Rows that share memory would see each other's new text.
-bool rows_lie_apart(const Column& column) noexcept {
-    return column.rows == 1 || static_cast<std::size_t>(std::abs(column.stride)) >= column.width;
-}
-
 }  // namespace
 
 Ref native_float2str(Object X) {
     if (!originals_in_place()) return {};
     const std::optional<Column> column = columns::flat_column(X);
     if (!column) return {};
-    if (column->storage == Storage::objects) return objects_to_texts(*column);
+    if (column->storage == Storage::objects) return unless_it_fails([&] { return objects_to_texts(*column); });
     if (column->storage == Storage::float64) return floats_to_texts(*column);
     return {};
 }
@@ -227,13 +222,8 @@ Ref native_float2str(Object X) {
 Ref native_slow_float2str(Object X) {
     if (!originals_in_place()) return {};
     const std::optional<Column> column = columns::flat_column(X);
-    if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !rows_lie_apart(*column)) return {};
-    try {
-        if (column->storage == Storage::objects) return slow_objects(*column);
-    } catch (const PythonError&) {
-        PyErr_Clear();
-        return {};
-    }
+    if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !columns::rows_lie_apart(*column)) return {};
+    if (column->storage == Storage::objects) return unless_it_fails([&] { return slow_objects(*column); });
     if (column->storage == Storage::float64) return slow_floats(*column);
     // The text of a whole number is read back into the same number.
     if (column->storage == Storage::integer) return Ref::share(X);

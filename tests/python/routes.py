@@ -210,6 +210,14 @@ def _in_table(flat: np.ndarray, order: str) -> np.ndarray:
     return table
 
 
+def _true_by_many_bytes(array: np.ndarray) -> np.ndarray:
+    # As a mask read from a file of bytes may be.
+    if array.dtype != bool:
+        return array
+    bytes_of_true = 1 + np.arange(array.size).reshape(array.shape) % 255
+    return (array * bytes_of_true).astype("u1").view(bool)
+
+
 SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
     "plain": lambda flat: flat,
     "strided": _every_other,
@@ -222,6 +230,7 @@ SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
     "column of a table": lambda flat: _in_table(flat, "C")[:, 1],
     "column of a Fortran table": lambda flat: _in_table(flat, "F")[:, 1],
     "column of a table, two-dimensional": lambda flat: _in_table(flat, "C")[:, 1:2],
+    "true by bytes of any value": _true_by_many_bytes,
     "byte-swapped": lambda flat: flat.astype(flat.dtype.newbyteorder()),
 }
 # Edges of blocks, of look-ahead and of the capped samples.
@@ -346,6 +355,7 @@ TABLES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
     "upside down": lambda table: table[::-1],
     "every other column": lambda table: np.repeat(table, 2, axis=1)[:, ::2],
     "read only": lambda table: _frozen(table.copy()),
+    "true by bytes of any value": _true_by_many_bytes,
     "byte-swapped": lambda table: table.astype(table.dtype.newbyteorder()),
 }
 
@@ -402,6 +412,7 @@ TABLE_SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
     "rows reversed": lambda table: table[::-1].copy()[::-1],
     "columns reversed": lambda table: table[:, ::-1].copy()[:, ::-1],
     "read only": _frozen,
+    "true by bytes of any value": _true_by_many_bytes,
     "byte-swapped": lambda table: table.astype(table.dtype.newbyteorder()),
 }
 TABLE_DTYPES = ["f8", "f8", "f4", "i8", "u1", "?", "O", "U3", "f2"]

@@ -374,12 +374,44 @@ def test_fc_missing_from_its_module(tmp_path):
     try:
         import {module}
     except ImportError as error:
-        answer([type(error).__name__, str(error), "{module}" in sys.modules])
+        told = [error.name, error.path]
+        answer([type(error).__name__, str(error), told, "{module}" in sys.modules])
     """
-    kind, text, left = run_fresh(code.format(module=MODULE), tmp_path)
+    kind, text, told, left = run_fresh(code.format(module=MODULE), tmp_path)
     assert kind == "ImportError"
     assert text.startswith("cannot import name 'FC'")
+    assert told == ["quorin_libs.utils.fc_methods", None]
     assert not left
+
+
+def test_fc_not_bound_in_its_module_yet(tmp_path):
+    code = """
+    import types
+    name = "quorin_libs.utils.fc_methods"
+    sys.modules[name] = types.ModuleType(name)
+    sys.modules[name + ".FC"] = types.ModuleType("half made")
+    import {module} as m
+    answer(m.FC.__name__)
+    """
+    assert run_fresh(code.format(module=MODULE), tmp_path) == "half made"
+
+
+def test_imports_are_asked_of_whoever_imports(tmp_path):
+    code = """
+    import builtins
+    asked = []
+    original = builtins.__import__
+    def noting(name, globals=None, locals=None, fromlist=(), level=0):
+        if globals is not None and globals.get("__name__") == "{module}":
+            asked.append([name, list(fromlist or ())])
+        return original(name, globals, locals, fromlist, level)
+    builtins.__import__ = noting
+    import {module}
+    answer(asked)
+    """
+    asked = run_fresh(code.format(module=MODULE), tmp_path)
+    assert ["quorin_libs.utils.fc_methods", ["FC"]] in asked
+    assert ["collections", ["Counter"]] in asked
 
 
 VERSION_WARNING = """

@@ -5,10 +5,10 @@
 
 #include "columns/markers.hpp"
 
-namespace quorin::columns {
+namespace quorin::classify {
 
 // The first `most` elements of the distinct texts that are no markers, in an array of the column's dtype; nothing for a
 // column of anything but texts and missing nulls.
-std::optional<Ref> least_texts(const Column& column, const Markers& markers, std::size_t most);
+std::optional<Ref> least_texts(const columns::Column& column, const columns::Markers& markers, std::size_t most);
 
-}  // namespace quorin::columns
+}  // namespace quorin::classify

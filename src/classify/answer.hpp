@@ -4,10 +4,10 @@
 
 #include <optional>
 
-#include "columns/kinds.hpp"
+#include "classify/kinds.hpp"
 #include "columns/markers.hpp"
 
-namespace quorin::columns {
+namespace quorin::classify {
 
 struct Answer {
     Ref misslist;  // the markers that occur, discovered ones last
@@ -15,6 +15,6 @@ struct Answer {
 };
 
 // Nothing where the facts that are known here do not settle the answer.
-std::optional<Answer> answer_for(const Column& column, const Markers& markers);
+std::optional<Answer> answer_for(const columns::Column& column, const columns::Markers& markers);
 
-}  // namespace quorin::columns
+}  // namespace quorin::classify

@@ -14,7 +14,15 @@ struct Classified {
     Ref dtype_str;  // its kind
 };
 
-Classified whatis(Object column, Object l_missing_values_reference_list, Where where = Where::current());
+// numpy_whatis, looked up for one call: Classifier()(column, markers) makes the column after that, as any call does.
+class Classifier {
+  public:
+    explicit Classifier(Where where = Where::current());
+    Classified operator()(Object column, Object l_missing_values_reference_list, Where where = Where::current()) const;
+
+  private:
+    Ref numpy_whatis_;
+};
 
 // FCplus.is_column_categorical(column, missing_values_reference_list=...)
 Ref is_categorical(Object column, Object missing_values_reference_list, Where where = Where::current());

@@ -5,7 +5,7 @@
 
 #include "interp/ref.hpp"
 
-namespace quorin::columns {
+namespace quorin::classify {
 
 // In the order in which counts are reported. `date_str` is kept free and never assigned.
 enum class Kind {
@@ -25,4 +25,4 @@ constexpr std::size_t kinds = 10;
 
 Name text(Kind kind);
 
-}  // namespace quorin::columns
+}  // namespace quorin::classify

@@ -1,6 +1,6 @@
-#include "columns/kinds.hpp"
+#include "classify/kinds.hpp"
 
-namespace quorin::columns {
+namespace quorin::classify {
 
 Name text(Kind kind) {
     switch (kind) {
@@ -28,4 +28,4 @@ Name text(Kind kind) {
     return "Unknown"_py;
 }
 
-}  // namespace quorin::columns
+}  // namespace quorin::classify

@@ -1,4 +1,4 @@
-#include "features/column.hpp"
+#include "features/asking.hpp"
 
 #include "interp/operations.hpp"
 #include "interp/space.hpp"
@@ -10,8 +10,10 @@ Ref markers_in_force(Object missing_values_reference_list, Where where) {
         {missing_values_reference_list, global(At("global_missing_values_reference_list"_py, where))}, {}, where);
 }
 
-Classified whatis(Object column, Object l_missing_values_reference_list, Where where) {
-    const Ref result = global(At("numpy_whatis"_py, where))({column, l_missing_values_reference_list}, {}, where);
+Classifier::Classifier(Where where) : numpy_whatis_(global(At("numpy_whatis"_py, where))) {}
+
+Classified Classifier::operator()(Object column, Object l_missing_values_reference_list, Where where) const {
+    const Ref result = numpy_whatis_({column, l_missing_values_reference_list}, {}, where);
     auto [misslist, dtype_str] = unpack<2>(result, where);
     return {std::move(misslist), std::move(dtype_str)};
 }

@@ -1,0 +1,121 @@
+"""Foreign code that runs while a native route is at work takes away what the route was given."""
+
+from __future__ import annotations
+
+import gc
+import sys
+import types
+
+import numpy as np
+import pandas as pd
+import pytest
+from comparison import find_routine, module
+from routes import objects
+
+
+def fresh(*words):
+    """Texts that nobody else holds."""
+    return ["".join([word[:1], word[1:]]) for word in words]
+
+
+def test_markers_go_with_the_warning(monkeypatch):
+    """A text beside a number is told to the log, and that may be anything."""
+    markers = fresh("missing", "unknown")
+    logger = types.SimpleNamespace(warning=lambda text: markers.clear(), error=len)
+    monkeypatch.setattr(module, "logger", logger)
+    misslist, _ = module.numpy_whatis(objects("word", 1, "missing", "unknown"), markers)
+    assert misslist[:2] == ["missing", "unknown"]
+    assert markers == []
+
+
+def call_and_collect(routine, arguments, act):
+    """The routine's result, and whether `act` ran in the call, when a list was made.
+
+    Lists and tuples that were used before are used again, so all of those are taken first.
+    """
+    ran = []
+
+    def once(phase, info):
+        if not ran:
+            ran.append(phase)
+            act()
+
+    first, second, third = arguments
+    gc.disable()
+    spare = [[] for _ in range(200)], [(i,) for i in range(3000)]
+    gc.callbacks.append(once)
+    try:
+        gc.enable()
+        result = routine(first, second, third)
+        gc.disable()
+    finally:
+        gc.callbacks.remove(once)
+        gc.enable()
+    del spare
+    return result, bool(ran)
+
+
+COLUMNS = {
+    "words": ["one", "two", "missing", "one"],
+    "numbers and a lone text": ["10", "22", "~~lone", "missing"],
+    "numbers and texts below": ["10", "22", "..lone", "missing", "..lone"],
+    "numbers and markers": ["unknown", 1.5, "missing", 2.5],
+}
+# The classifier has no native answer with several markers where the first one is enough.
+CALLS = [
+    (name, kind, first_only)
+    for name in ("numpy_whatis", "numpy_compute_missing_indicator")
+    for kind in sorted(COLUMNS)
+    for first_only in (False, True)
+    if not (first_only and name == "numpy_whatis" and kind != "words")
+]
+
+
+# From 3.12 on the interpreter collects between its own instructions, and never within a call.
+@pytest.mark.skipif(sys.version_info >= (3, 12), reason="a call is not interrupted")
+@pytest.mark.parametrize("dtype", ["O", "U"])
+@pytest.mark.parametrize("name, kind, first_only", CALLS)
+def test_everything_goes_with_the_collector(name, kind, first_only, dtype):
+    routine = find_routine(module, name)
+
+    def column_and_markers():
+        cells = [fresh(cell)[0] if type(cell) is str else cell for cell in COLUMNS[kind]]
+        column = objects(*cells)
+        return column if dtype == "O" else column.astype("U"), fresh("missing", "unknown")
+
+    expected = repr(routine(*column_and_markers(), first_only))
+    column, markers = column_and_markers()
+
+    def take_away():
+        markers.clear()
+        column[...] = "gone"
+
+    result, ran = call_and_collect(routine, (column, markers, first_only), take_away)
+    assert repr(result) == expected
+    assert ran and markers == []
+
+
+def test_more_memory_than_there_is():
+    """The interpreter route complains, in numpy's words."""
+    endless = np.broadcast_to(np.int8(1), (1, 2**58))
+    with pytest.raises(MemoryError, match="Unable to allocate"):
+        module.numpy_replace_values(endless, 0, [1])
+
+
+@pytest.mark.skipif(
+    not hasattr(pd.options.mode, "use_inf_as_na"), reason="pandas has no such option"
+)
+@pytest.mark.filterwarnings("ignore:use_inf_as_na")
+def test_infinite_numbers_are_null_where_pandas_says_so():
+    column = np.array([1.5, np.inf, np.nan])
+    before = (
+        module.numpy_whatis(column, ["?", np.nan]),
+        module.numpy_isin(column, [np.nan]).tolist(),
+    )
+    with pd.option_context("mode.use_inf_as_na", True):
+        assert module.numpy_isin(column, [np.nan]).tolist() == [False, True, True]
+        assert module.numpy_isin(column, [np.inf]).tolist() == [False, True, True]
+        assert module.get_unique_values(column, [np.nan]).tolist() == [1.5]
+    after = module.numpy_whatis(column, ["?", np.nan]), module.numpy_isin(column, [np.nan]).tolist()
+    assert repr(after) == repr(before)
+    assert after[1] == [False, False, True]
