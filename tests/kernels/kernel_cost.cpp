@@ -1,6 +1,7 @@
 // Runs one kernel so many times over a generated column, the same on every machine: kernel_cost KERNEL ROUNDS. Who
 // counts the instructions of one round and of two knows what one round takes, without the making of the column. Without
 // arguments it prints the rows of a column and the names of the kernels, one a line.
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,12 +12,23 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
+#include "kernels/digest.hpp"
 #include "kernels/fixed_text.hpp"
+#include "kernels/float_tables.hpp"
+#include "kernels/float_text.hpp"
+#include "kernels/key_order.hpp"
+#include "kernels/label_text.hpp"
+#include "kernels/least_distinct.hpp"
 #include "kernels/number_facts.hpp"
+#include "kernels/number_runs.hpp"
+#include "kernels/number_table.hpp"
+#include "kernels/number_value.hpp"
 #include "kernels/text_facts.hpp"
 #include "kernels/text_order.hpp"
+#include "kernels/within_limits.hpp"
 
 namespace {
 
@@ -178,14 +190,25 @@ void classify_fixed_texts(Make make, std::size_t longest, std::size_t rounds) {
     for (std::size_t round = 0; round < rounds; ++round) classify_column(column);
 }
 
+template <class Number, class Make>
+std::vector<Number> numbers_of(Make make) {
+    std::vector<Number> numbers(rows);
+    for (Number& number : numbers) number = static_cast<Number>(make());
+    return numbers;
+}
+
+template <class Number>
+const char* data_of(const std::vector<Number>& numbers) {
+    return reinterpret_cast<const char*>(numbers.data());
+}
+
 // With the instructions that every processor has: the others would count differently from machine to machine.
-template <class Make>
+template <class Float, class Make>
 void gather_floats(Make make, std::size_t rounds) {
-    std::vector<double> numbers(rows);
-    for (double& number : numbers) number = make();
+    constexpr auto gather = std::is_same_v<Float, float> ? gather_float32 : gather_float64;
+    const std::vector<Float> numbers = numbers_of<Float>(make);
     for (std::size_t round = 0; round < rounds; ++round) {
-        const NumberFacts facts =
-            gather_float64(reinterpret_cast<const char*>(numbers.data()), sizeof(double), rows, Instructions::baseline);
+        const NumberFacts facts = gather(data_of(numbers), sizeof(Float), rows, Instructions::baseline);
         total += facts.fractions ? 1U : 0U;
     }
 }
@@ -196,6 +219,10 @@ double whole() {
 
 double whole_or_missing() {
     return random_below(10) == 0 ? std::numeric_limits<double>::quiet_NaN() : whole();
+}
+
+double eighths() {
+    return whole() / 8;
 }
 
 void find_members(std::size_t rounds) {
@@ -223,6 +250,134 @@ void find_distinct(std::size_t distinct, std::size_t rounds) {
     }
 }
 
+void find_least_distinct(std::size_t rounds) {
+    const ObjectColumn column(column_of(word));
+    const MarkerSet set = markers();
+    for (std::size_t round = 0; round < rounds; ++round) {
+        std::vector<KeyedText> least;
+        bool nulls = false;
+        if (least_distinct(column, set, 50, least, nulls)) total += least.size();
+    }
+}
+
+// Calls `use` with each text of a column, one after the other.
+template <class Make, class Use>
+void with_texts(Make make, std::size_t rounds, Use use) {
+    const ObjectColumn column(column_of(make));
+    for (std::size_t round = 0; round < rounds; ++round) {
+        for (std::size_t row = 0; row < rows; ++row) {
+            TextView text{};
+            if (column.read(row, text) == Cell::text) use(text);
+        }
+    }
+}
+
+void compress_texts(std::size_t rounds) {
+    with_texts(word, rounds, [](TextView text) {
+        Digest digest{};
+        std::array<char, most_decimal_digits> digits{};
+        if (digest_text(text, digest)) total += write_decimal(digest, digits);
+    });
+}
+
+void look_at_labels(std::size_t rounds) {
+    with_texts([] { return word() + ' ' + word(); }, rounds,
+               [](TextView text) {
+                   std::array<char, 32> label{};
+                   const std::size_t left = remove_white_space(text, script, label.data());
+                   const TextView squeezed{label.data(), left, 1};
+                   total += left + (is_encodable(squeezed) && is_alphanumeric(squeezed, script) ? 1U : 0U);
+               });
+}
+
+void read_floats(std::size_t rounds) {
+    with_texts(float_text, rounds, [](TextView text) {
+        double value = 0;
+        if (value_of_number(text, value)) total += value < 0.5 ? 1U : 0U;
+    });
+}
+
+void write_floats(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>(eighths);
+    FloatText text{};
+    for (std::size_t round = 0; round < rounds; ++round) {
+        for (const double number : numbers) total += write_float(number, text);
+    }
+}
+
+void convert_flags(std::size_t rounds) {
+    const std::vector<char> flags = numbers_of<char>([] { return random_below(2); });
+    std::vector<double> floats(rows);
+    for (std::size_t round = 0; round < rounds; ++round) {
+        write_flags(flags.data(), 1, rows, floats.data());
+        total += floats.back() != 0 ? 1U : 0U;
+    }
+}
+
+void leave_out_nulls(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
+    std::vector<char> mask(rows);
+    std::vector<double> kept(rows);
+    for (std::size_t round = 0; round < rounds; ++round) {
+        const std::size_t left = rows - mark_nulls<double>(data_of(numbers), sizeof(double), rows, mask.data());
+        copy_kept<double>(data_of(numbers), sizeof(double), mask.data(), kept.data(), left);
+        total += left + (kept.front() < 0.5 ? 1U : 0U);
+    }
+}
+
+void find_runs(std::size_t rounds) {
+    std::vector<double> numbers = numbers_of<double>([] { return random_below(2000); });
+    std::sort(numbers.begin(), numbers.end());
+    std::vector<double> values(rows);
+    std::vector<std::ptrdiff_t> counts(rows);
+    for (std::size_t round = 0; round < rounds; ++round) {
+        const std::size_t runs = count_runs(numbers.data(), rows);
+        write_runs(numbers.data(), rows, runs, values.data(), counts.data());
+        total += runs + static_cast<std::size_t>(counts.front());
+    }
+}
+
+void sort_numbers(std::size_t rounds) {
+    std::vector<Keyed> entries;
+    for (const double number : numbers_of<double>(eighths)) {
+        entries.push_back({key_of_real(number), static_cast<std::uint32_t>(entries.size())});
+    }
+    for (std::size_t round = 0; round < rounds; ++round) {
+        std::vector<Keyed> sorted = entries;
+        sort_by_key(sorted);
+        total += sorted.front().number;
+    }
+}
+
+void find_distinct_numbers(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>([] { return random_below(2000); });
+    for (std::size_t round = 0; round < rounds; ++round) {
+        NumberTable table;
+        std::uint32_t distinct = 0;
+        for (const double number : numbers) {
+            if (table.find_or_add(key_of(number), distinct) == distinct) ++distinct;
+        }
+        total += distinct;
+    }
+}
+
+// Nulls in one column alone: every block is walked through as a whole and then for each of the others.
+void find_null_columns(std::size_t rounds) {
+    constexpr std::size_t columns = 10;
+    std::vector<double> numbers = numbers_of<double>(whole);
+    for (std::size_t cell = 0; cell < rows; cell += columns) numbers[cell] = std::numeric_limits<double>::quiet_NaN();
+    const FloatTable table{data_of(numbers), rows / columns, columns, columns * sizeof(double), sizeof(double)};
+    for (std::size_t round = 0; round < rounds; ++round) total += null_columns<double>(table, false).front() ? 1U : 0U;
+}
+
+void compare_with_limits(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
+    const Limits limits{500000, 600000, -1, 1000000};
+    for (std::size_t round = 0; round < rounds; ++round) {
+        total += all_within<double>(data_of(numbers), sizeof(double), rows, 1.0, limits) ? 1U : 0U;
+    }
+}
+
 struct Kernel {
     std::string_view name;
     void (*run)(std::size_t rounds);
@@ -240,9 +395,22 @@ const std::array kernels{
     Kernel{"few distinct", [](std::size_t rounds) { find_distinct(10, rounds); }},
     Kernel{"some distinct", [](std::size_t rounds) { find_distinct(2000, rounds); }},
     Kernel{"all distinct", [](std::size_t rounds) { find_distinct(rows, rounds); }},
-    Kernel{"float64 with fractions", [](std::size_t rounds) { gather_floats([] { return whole() / 8; }, rounds); }},
-    Kernel{"float64 whole", [](std::size_t rounds) { gather_floats(whole, rounds); }},
-    Kernel{"float64 whole or missing", [](std::size_t rounds) { gather_floats(whole_or_missing, rounds); }},
+    Kernel{"float64 with fractions", [](std::size_t rounds) { gather_floats<double>(eighths, rounds); }},
+    Kernel{"float64 whole", [](std::size_t rounds) { gather_floats<double>(whole, rounds); }},
+    Kernel{"float64 whole or missing", [](std::size_t rounds) { gather_floats<double>(whole_or_missing, rounds); }},
+    Kernel{"float32 whole or missing", [](std::size_t rounds) { gather_floats<float>(whole_or_missing, rounds); }},
+    Kernel{"flags to floats", convert_flags},
+    Kernel{"digests of words", compress_texts},
+    Kernel{"labels", look_at_labels},
+    Kernel{"floats to text", write_floats},
+    Kernel{"text to floats", read_floats},
+    Kernel{"numbers without nulls", leave_out_nulls},
+    Kernel{"runs of numbers", find_runs},
+    Kernel{"numbers in order", sort_numbers},
+    Kernel{"distinct numbers", find_distinct_numbers},
+    Kernel{"columns with nulls", find_null_columns},
+    Kernel{"numbers within limits", compare_with_limits},
+    Kernel{"least distinct", find_least_distinct},
 };
 
 int run(std::string_view name, std::size_t rounds) {
