@@ -13,6 +13,7 @@ Needed: ``sphinx``, ``numpydoc`` and the installed package. Warnings are errors:
 
 from __future__ import annotations
 
+import os
 import pathlib
 import re
 import sys
@@ -21,9 +22,10 @@ from typing import Any
 from docutils import nodes
 from sphinx.application import Sphinx
 from sphinx.roles import XRefRole
-from sphinx.util.docutils import SphinxRole
+from sphinx.util.docutils import SphinxDirective, SphinxRole
 
 import quorin_libs
+from quorin_libs import cli
 from quorin_libs.utils import exportable_utils, fc_methods
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))  # the directives of measured.py
@@ -69,6 +71,8 @@ def _targets() -> dict[str, str]:
     for name, held in vars(exportable_utils).items():
         if isinstance(held, routine):
             targets[name] = "{}.{}".format(MODULE, name)
+    for name in quorin_libs.__all__:
+        targets[name] = "quorin_libs.{}".format(name)
     owners = [exportable_utils.FCplus, exportable_utils.DatasetS, fc_methods.FC]
     for owner in owners:
         full = "{}.{}".format(owner.__module__, owner.__name__)
@@ -93,6 +97,15 @@ class Name(SphinxRole):
             return [nodes.literal(self.rawtext, self.text)], []
         text = "{} <{}>".format(self.text, target)
         return XRefRole()("py:obj", self.rawtext, text, self.lineno, self.inliner)
+
+
+class CommandHelp(SphinxDirective):
+    """What ``quorin-profile --help`` prints."""
+
+    def run(self) -> list[nodes.Node]:
+        """Return the text as it stands, in lines that fit the page."""
+        os.environ["COLUMNS"] = "90"
+        return [nodes.literal_block(text=cli.build_parser().format_help())]
 
 
 def merge_fields(*event: Any) -> None:
@@ -138,6 +151,7 @@ def keep_signature(*event: Any) -> tuple[str, str] | None:
 def setup(app: Sphinx) -> None:
     """Register what is above."""
     app.add_role("name", Name())
+    app.add_directive("command-help", CommandHelp)
     # Before numpydoc, whose priority is the usual 500.
     app.connect("autodoc-process-docstring", merge_fields, priority=400)
     app.connect("autodoc-process-signature", keep_signature, priority=400)

@@ -20,8 +20,9 @@ from typing import TYPE_CHECKING, Any
 
 if TYPE_CHECKING:
     from quorin_libs.profiling import ColumnProfile, TableProfile, profile_table
-    from quorin_libs.reading import InputError, Table, read_table
+    from quorin_libs.reading import InputError, read_table
     from quorin_libs.rendering import render_json, render_table
+    from quorin_libs.table import Table
 
     __version__: str
 
@@ -40,7 +41,7 @@ __all__ = [
 _HOMES = {
     "ColumnProfile": "profiling",
     "InputError": "reading",
-    "Table": "reading",
+    "Table": "table",
     "TableProfile": "profiling",
     "profile_table": "profiling",
     "read_table": "reading",
@@ -63,7 +64,7 @@ def __getattr__(name: str) -> Any:
 
 
 def __dir__() -> list[str]:
-    return sorted(set(globals()) | set(__all__))
+    return sorted({name for name in globals() if name.startswith("__")} | set(__all__))
 
 
 def _installed_version() -> str:

@@ -11,12 +11,13 @@ from typing import IO, Any, NoReturn, Sequence
 
 from quorin_libs.terminal import printable
 
-__all__ = ["main"]
+__all__ = ["build_parser", "main"]
 
 PROGRAM = "quorin-profile"
 
 # Exit statuses beside 0. A shell reports an interrupted program as 128 + SIGINT.
 CANNOT_WRITE = 1
+OUT_OF_MEMORY = 1
 BAD_INPUT = 2
 INTERRUPTED = 130
 
@@ -26,6 +27,11 @@ values stand for missing. Every cell is taken as the text it is.
 """
 
 _EPILOG = """\
+The first line of FILE holds the column names. A text counts as missing when it
+is on the list of markers (by default ?, - and the empty text; NA and the like
+have to be named), or when the column gives it away: a lone text among numbers,
+or a sign sorted before them. So a mistyped number may be found as a marker.
+
 columns of the table:
   kind      char_str: text; int_str, float_str: numbers written as text;
             missing: nothing but missing values
@@ -35,7 +41,8 @@ columns of the table:
   distinct  different values among the other cells
   flags     constant, unique, date-like
 
-exit status: 0 profiled, 1 the output cannot be written, 2 bad input or usage
+exit status: 0 profiled, 1 the output cannot be written or memory does not
+suffice (a table takes about 16 times its file), 2 bad input or usage
 """
 
 
@@ -53,12 +60,15 @@ def main(argv: Sequence[str] | None = None) -> int:
     2
     """
     try:
-        options = _parser().parse_args(argv)
+        options = build_parser().parse_args(argv)
         return _profile(options)
     except SystemExit as stop:
         return stop.code if isinstance(stop.code, int) else 0
     except KeyboardInterrupt:
         return INTERRUPTED
+    except MemoryError:
+        _say("the table does not fit in memory")
+        return OUT_OF_MEMORY
 
 
 class _Parser(argparse.ArgumentParser):
@@ -87,7 +97,8 @@ class _Version(argparse.Action):
         raise SystemExit(_write(f"{PROGRAM} {__version__}\n"))
 
 
-def _parser() -> argparse.ArgumentParser:
+def build_parser() -> argparse.ArgumentParser:
+    """Return the parser of the command's arguments."""
     parser = _Parser(
         prog=PROGRAM,
         description=_DESCRIPTION,
@@ -116,6 +127,9 @@ def _parser() -> argparse.ArgumentParser:
         help="the missing-value markers, instead of the default '?,,-'. Separated by commas and "
         "quoted as in a CSV file; nothing between two commas is the empty text, and so is an "
         "empty LIST. A LIST that begins with - is given as --markers=LIST",
+    )
+    parser.add_argument(
+        "--no-header", action="store_true", help="the first line is a row; columns get numbers"
     )
     parser.add_argument("--json", action="store_true", help="print JSON instead of a table")
     parser.add_argument("--version", action=_Version, nargs=0, help="print the version and leave")
@@ -148,17 +162,21 @@ def _profile(options: argparse.Namespace) -> int:
     from quorin_libs.reading import InputError, read_table
     from quorin_libs.rendering import render_json, render_table
 
-    try:
-        source = _standard_input() if options.file == "-" else options.file
-        table = read_table(source, options.delimiter, options.encoding)
-    except InputError as error:
-        _say(str(error))
-        return BAD_INPUT
-    for note in table.notes:
-        _say(f"{table.source}: note: {note}")
     progress = _Progress()
     try:
-        profile = profile_table(table, options.markers, progress)
+        source = _standard_input() if options.file == "-" else options.file
+        header = not options.no_header
+        table = read_table(
+            source, options.delimiter, options.encoding, header=header, progress=progress.of_reading
+        )
+        progress.clear()
+        for note in table.notes:
+            _say(f"{table.source}: note: {note}")
+        profile = profile_table(table, options.markers, progress.of_columns)
+    except InputError as error:
+        progress.clear()
+        _say(str(error))
+        return BAD_INPUT
     finally:
         progress.clear()
     if options.json:
@@ -219,10 +237,19 @@ class _Progress:
         self._next = time.monotonic() + self.PATIENCE
         self._terminal = sys.stderr is not None and sys.stderr.isatty()
 
-    def __call__(self, done: int, total: int) -> None:
-        if self._terminal and time.monotonic() >= self._next:
-            self._next = time.monotonic() + self.PATIENCE
+    def of_reading(self, done: int, total: int) -> None:
+        if self._is_due():
+            self._show(f"{PROGRAM}: reading, {done / total:.0%}")
+
+    def of_columns(self, done: int, total: int) -> None:
+        if self._is_due():
             self._show(f"{PROGRAM}: {done} of {total} columns")
+
+    def _is_due(self) -> bool:
+        if not self._terminal or time.monotonic() < self._next:
+            return False
+        self._next = time.monotonic() + self.PATIENCE
+        return True
 
     def clear(self) -> None:
         if self._shown:

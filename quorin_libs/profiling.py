@@ -3,16 +3,15 @@
 from __future__ import annotations
 
 from dataclasses import dataclass
-from typing import Any, Callable, Sequence
+from typing import Any, Iterable, Sequence
 
 import numpy as np
 
-from quorin_libs.reading import Table
+from quorin_libs.reading import Progress
+from quorin_libs.table import Table
 from quorin_libs.utils import exportable_utils
 
 __all__ = ["ColumnProfile", "TableProfile", "profile_column", "profile_table"]
-
-Progress = Callable[[int, int], None]
 
 
 @dataclass(frozen=True)
@@ -66,7 +65,21 @@ class ColumnProfile:
 
 @dataclass(frozen=True)
 class TableProfile:
-    """The profiles of a table's columns, in the table's order, and where the table came from."""
+    """The profiles of a table's columns, and where the table came from.
+
+    Attributes
+    ----------
+    source : str
+        What the table's reader called its input.
+    delimiter : str
+        The character between two cells of the input.
+    rows : int
+        Number of records below the header.
+    columns : tuple of ColumnProfile
+        In the table's order.
+    notes : tuple of str
+        What was done with odd spots of the input, one sentence each.
+    """
 
     source: str
     delimiter: str
@@ -97,6 +110,11 @@ def profile_table(
     -------
     TableProfile
 
+    Raises
+    ------
+    TypeError
+        For what is no table, and for markers that are not a sequence of texts.
+
     Examples
     --------
     >>> import io
@@ -106,6 +124,10 @@ def profile_table(
     >>> column.kind, column.markers, column.new_markers, column.missing
     ('int_str', ('?',), ('*',), 2)
     """
+    if not isinstance(table, Table):
+        hint = "; Table.from_frame() makes one" if hasattr(table, "iloc") else ""
+        raise TypeError(f"table: a Table, not {type(table).__name__}{hint}")
+    markers = _checked(markers)
     total = len(table.names)
     profiles: list[ColumnProfile] = []
     for name, column in zip(table.names, table.columns):
@@ -132,7 +154,7 @@ def profile_column(
         # The classifier needs a first row to look at. No row holds a value, so: missing.
         return ColumnProfile(name, "missing", (), (), 0, 0, 0, False)
     found, kind, statistics = exportable_utils.numpy_whatis(
-        column, _reference_list(markers), return_stats_flag=True
+        column, _reference_list(_checked(markers)), return_stats_flag=True
     )
     values = statistics["unique_values"].tolist()
     counts = dict(zip(values, statistics["unique_values_counts"].tolist()))
@@ -149,6 +171,18 @@ def profile_column(
         distinct=len(values) - len(new),
         date_like=bool(statistics["datetime_column_flag"]),
     )
+
+
+def _checked(markers: Sequence[str] | None) -> Sequence[str] | None:
+    if markers is None:
+        return None
+    if isinstance(markers, (str, bytes)) or not isinstance(markers, Iterable):
+        raise TypeError(f"markers: a sequence of texts, not {markers!r}")
+    markers = list(markers)
+    for marker in markers:
+        if not isinstance(marker, str):
+            raise TypeError(f"markers: {marker!r} is no text")
+    return markers
 
 
 def _reference_list(markers: Sequence[str] | None) -> list[Any]:

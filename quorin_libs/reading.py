@@ -6,16 +6,16 @@ import codecs
 import csv
 import io
 import os
-from dataclasses import dataclass
 from itertools import islice
 from pathlib import Path
-from typing import IO, Any, Iterator, List, Tuple, Union
+from typing import IO, Any, Callable, Iterator, List, Tuple, Union
 
 import numpy as np
 
-from quorin_libs.terminal import count
+from quorin_libs.table import Table
+from quorin_libs.terminal import count, printable
 
-__all__ = ["DELIMITERS", "InputError", "Table", "parse_delimiter", "read_table"]
+__all__ = ["DELIMITERS", "InputError", "Progress", "parse_delimiter", "read_table"]
 
 # In the order in which a tie between them is settled.
 DELIMITERS = {"comma": ",", "semicolon": ";", "tab": "\t", "bar": "|"}
@@ -25,63 +25,56 @@ _OTHER_DELIMITER_NAMES = {"pipe": "|", "space": " ", "colon": ":", "\\t": "\t"}
 # Enough to see past a few odd records, little enough to cost nothing beside the reading itself.
 _RECORDS_LOOKED_AT = 100
 
+# Records are turned into columns some at a time: millions of lists at once keep the collector busy.
+_RECORDS_TOGETHER = 500
+
+_GZIP = b"\x1f\x8b"
+
 Source = Union[str, "os.PathLike[str]", IO[bytes]]
 Record = Tuple[int, List[str]]
+# Called with how much is done and how much there is.
+Progress = Callable[[int, int], None]
 
 
 class InputError(ValueError):
     """The input cannot be read as a table; the text is one line that names the culprit."""
 
-
-@dataclass(frozen=True)
-class Table:
-    """A table of texts.
-
-    Attributes
-    ----------
-    names : tuple of str
-        One name a column, no two alike.
-    columns : tuple of numpy.ndarray
-        One object array of ``str`` a column, of shape (rows,).
-    source : str
-        What the messages call the input: the path, ``standard input`` or ``stream``.
-    delimiter : str
-        The character between two cells.
-    notes : tuple of str
-        What was done with odd spots of the input, one sentence each.
-    """
-
-    names: tuple[str, ...]
-    columns: tuple[np.ndarray[Any, Any], ...]
-    source: str = "table"
-    delimiter: str = ","
-    notes: tuple[str, ...] = ()
-
-    @property
-    def rows(self) -> int:
-        """Number of records below the header."""
-        return len(self.columns[0]) if self.columns else 0
+    def __init__(self, message: str) -> None:
+        super().__init__(printable(message))
 
 
-def read_table(source: Source, delimiter: str | None = None, encoding: str = "utf-8-sig") -> Table:
+def read_table(
+    source: Source,
+    delimiter: str | None = None,
+    encoding: str = "utf-8-sig",
+    *,
+    header: bool = True,
+    progress: Progress | None = None,
+) -> Table:
     """Read delimited text whose first record holds the column names.
 
     Quoted cells may hold the delimiter, doubled quotes and line ends. Lines may end in LF, CRLF
-    or CR. Blank lines between records are left out and noted, except in a table of one column,
-    where a blank line below the header is an empty cell. An empty column name becomes
-    ``column N`` and is noted.
+    or CR. Blank lines between records are left out, except in a table of one column, where a
+    blank line below the header is an empty cell; both are noted. An empty column name becomes
+    ``column N`` and is noted, as is a header of nothing but numbers.
 
     Parameters
     ----------
     source : path or binary stream
         Read to its end; a stream is not closed.
     delimiter : str, optional
-        One character. By default the one of comma, semicolon, tab and bar that cuts each of the
+        One character, or the name of one: comma, semicolon, tab, bar, pipe, space, colon. By
+        default the one of the first four that cuts each of the
         first 100 records into equally many cells, two or more; the one with most cells wins, then
         the one named first. When none does so, the header line alone is asked; when it holds none
         of them, comma.
     encoding : str, optional
         A text encoding known to Python; the default is UTF-8 with or without byte order mark.
+    header : bool, optional
+        Whether the first record holds the column names. Without it they are ``column 1`` and so
+        on, and the first record is a row.
+    progress : callable, optional
+        Called now and then as ``progress(done, total)``, in characters.
 
     Returns
     -------
@@ -102,27 +95,40 @@ def read_table(source: Source, delimiter: str | None = None, encoding: str = "ut
     (('a', 'b'), ';', ['NA', 'x'])
     """
     name = _name_of(source)
+    _check_text(encoding, "encoding")
     text = _decode(_read_bytes(source, name), encoding, name)
     if delimiter is None:
         delimiter = _detect_delimiter(text)
-        said = describe_delimiter(delimiter) + ", detected"
+        said = "delimiter " + describe_delimiter(delimiter) + ", detected"
     else:
-        said = describe_delimiter(delimiter)
-    records = _records(text, delimiter, name)
+        _check_text(delimiter, "delimiter")
+        delimiter = parse_delimiter(delimiter)
+        said = "delimiter " + describe_delimiter(delimiter)
+    records = _Records(text, delimiter, name)
     blank_lines: list[int] = []
-    header = _first_record(records, blank_lines)
-    if header is None:
+    first = _first_record(records, blank_lines)
+    if first is None:
         raise InputError(f"{name}: no column names: there are only blank lines")
-    line, cells = header
+    line, cells = first
     notes: list[str] = []
-    names = _column_names(cells, f"{name}: line {line}", notes)
-    rows = _rows(records, len(names), "delimiter " + said, name, blank_lines)
-    columns = tuple(_text_column(rows, index) for index in range(len(names)))
+    where = f"{name}: line {line}"
+    names = _column_names(cells if header else [""] * len(cells), where, notes if header else [])
+    if header and all(map(_is_number, cells)):
+        notes.append(f"line {line} holds only numbers and is taken for the column names")
+    columns = _Columns(len(names))
+    if not header:
+        columns.add(cells)
+
+    def length_message(line: int, cells: int) -> str:
+        start = f"{name}: line {line}: {count(cells, 'cell')} where the "
+        return start + f"{'header' if header else 'first row'} has {columns.width} ({said})"
+
+    _read_rows(records, columns, blank_lines, length_message, progress)
     if blank_lines:
-        notes.append(_blank_lines_note(blank_lines))
-    if not rows:
+        notes.append(_blank_lines_note(blank_lines, are_cells=columns.width == 1))
+    if columns.rows == 0:
         notes.append("there is a header and no row below it")
-    return Table(names, columns, name, delimiter, tuple(notes))
+    return Table(names, columns.arrays(), name, delimiter, tuple(notes))
 
 
 def parse_delimiter(text: str) -> str:
@@ -158,19 +164,36 @@ def describe_delimiter(delimiter: str) -> str:
     return repr(delimiter)
 
 
+def _check_text(value: object, what: str) -> None:
+    if not isinstance(value, str):
+        raise TypeError(f"{what}: a text, not {type(value).__name__}")
+
+
 def _name_of(source: Source) -> str:
     if isinstance(source, (str, os.PathLike)):
-        return os.fspath(source)
-    name = getattr(source, "name", None)
-    if name == "<stdin>":
+        name = os.fspath(source)
+        _check_text(name, "source, a path")
+        return name
+    if not hasattr(source, "read"):
+        raise TypeError(f"source: a path or a binary stream, not {type(source).__name__}")
+    given = getattr(source, "name", None)
+    if given == "<stdin>":
         return "standard input"
-    return name if isinstance(name, str) else "stream"
+    return given if isinstance(given, str) else "stream"
 
 
 def _read_bytes(source: Source, name: str) -> bytes:
+    if not name:
+        raise InputError("the file's name is empty")
     try:
         if not isinstance(source, (str, os.PathLike)):
-            return source.read()
+            data = source.read()
+            if not isinstance(data, (bytes, bytearray, memoryview)):
+                raise TypeError(
+                    f"source: a binary stream, not one that gives {type(data).__name__}; "
+                    "open the file in mode 'rb'"
+                )
+            return bytes(data)
         with Path(source).open("rb") as stream:
             return stream.read()
     except FileNotFoundError:
@@ -210,8 +233,11 @@ def _decode_message(error: UnicodeDecodeError, encoding: str, name: str) -> str:
     before = data[: error.start].decode(encoding, "ignore")
     message = (
         f"{name}: line {_line_number(before)}: byte 0x{data[error.start]:02X} "
-        f"is not {_plain_name(encoding)} text; name the encoding with --encoding"
+        f"is not {_plain_name(encoding)} text; "
     )
+    if data.startswith(_GZIP):
+        return message + "it starts like gzip, which has to be unpacked first"
+    message += "name the encoding with --encoding"
     if data.startswith((codecs.BOM_UTF16_LE, codecs.BOM_UTF16_BE)):
         message += " (it starts like utf-16)"
     return message
@@ -225,19 +251,31 @@ def _line_number(before: str) -> int:
     return 1 + before.replace("\r\n", "\n").replace("\r", "\n").count("\n")
 
 
-def _records(text: str, delimiter: str, name: str) -> Iterator[Record]:
-    """Yield each record with the number of the line on which it starts."""
-    reader = csv.reader(io.StringIO(text, newline=""), delimiter=delimiter, strict=True)
-    while True:
-        line = reader.line_num + 1
+class _Records:
+    """The records of a text one by one, each with the number of the line on which it starts."""
+
+    def __init__(self, text: str, delimiter: str, name: str) -> None:
+        self.size = len(text)
+        self._stream = io.StringIO(text, newline="")
+        self._reader = csv.reader(self._stream, delimiter=delimiter, strict=True)
+        self._delimiter = delimiter
+        self._name = name
+
+    @property
+    def position(self) -> int:
+        """How many characters have been read."""
+        return self._stream.tell()
+
+    def __iter__(self) -> _Records:
+        return self
+
+    def __next__(self) -> Record:
+        line = self._reader.line_num + 1
         try:
-            cells = next(reader)
-        except StopIteration:
-            return
+            return line, next(self._reader)
         except csv.Error as error:
-            where = f"{name}: line {line}: "
-            raise InputError(where + _csv_message(error, delimiter)) from None
-        yield line, cells
+            where = f"{self._name}: line {line}: "
+            raise InputError(where + _csv_message(error, self._delimiter)) from None
 
 
 def _csv_message(error: csv.Error, delimiter: str) -> str:
@@ -272,7 +310,7 @@ def _detect_delimiter(text: str) -> str:
 def _common_width(text: str, delimiter: str, limit: int) -> int:
     """Cells in each of the first records, or 0 when they differ."""
     try:
-        filled = (cells for _, cells in _records(text, delimiter, "") if cells)
+        filled = (cells for _, cells in _Records(text, delimiter, "") if cells)
         widths = {len(cells) for cells in islice(filled, limit)}
     except InputError:
         return 0
@@ -288,10 +326,12 @@ def _first_record(records: Iterator[Record], blank_lines: list[int]) -> Record |
 
 
 def _column_names(cells: list[str], where: str, notes: list[str]) -> tuple[str, ...]:
+    given = set(cells)
     positions: dict[str, int] = {}
     for position, cell in enumerate(cells, 1):
-        name = cell if cell.strip() else f"column {position}"
-        if name != cell:
+        name = cell
+        if not cell.strip():
+            name = _free_name(f"column {position}", given)
             notes.append(f"column {position} has no name and is called {name!r}")
         first = positions.setdefault(name, position)
         if first != position:
@@ -299,33 +339,76 @@ def _column_names(cells: list[str], where: str, notes: list[str]) -> tuple[str, 
     return tuple(positions)
 
 
-def _rows(
-    records: Iterator[Record], width: int, said: str, name: str, blank_lines: list[int]
-) -> list[list[str]]:
-    rows: list[list[str]] = []
+def _free_name(name: str, given: set[str]) -> str:
+    while name in given:
+        name += "'"
+    return name
+
+
+class _Columns:
+    """Cells brought from records into columns."""
+
+    def __init__(self, width: int) -> None:
+        self.width = width
+        self._columns: list[list[str]] = [[] for _ in range(width)]
+        self._waiting: list[list[str]] = []
+
+    def add(self, cells: list[str]) -> bool:
+        """Take one record; tell whether those that waited have been moved."""
+        self._waiting.append(cells)
+        return len(self._waiting) == _RECORDS_TOGETHER and self._move()
+
+    def _move(self) -> bool:
+        for column, cells in zip(self._columns, zip(*self._waiting)):
+            column.extend(cells)
+        self._waiting.clear()
+        return True
+
+    @property
+    def rows(self) -> int:
+        return len(self._columns[0]) + len(self._waiting)
+
+    def arrays(self) -> tuple[np.ndarray[Any, Any], ...]:
+        self._move()
+        arrays = []
+        for index, cells in enumerate(self._columns):
+            array = np.empty(len(cells), dtype=object)
+            array[:] = cells
+            arrays.append(array)
+            self._columns[index] = []
+        return tuple(arrays)
+
+
+def _read_rows(
+    records: _Records,
+    columns: _Columns,
+    blank_lines: list[int],
+    length_message: Callable[[int, int], str],
+    progress: Progress | None,
+) -> None:
     for line, cells in records:
-        if len(cells) == width:
-            rows.append(cells)
-        elif cells:
-            raise InputError(
-                "{}: line {}: {} where the header has {} ({})".format(
-                    name, line, count(len(cells), "cell"), width, said
-                )
-            )
-        elif width == 1:
-            rows.append([""])
-        else:
+        if not cells:
             blank_lines.append(line)
-    return rows
+            if columns.width > 1:
+                continue
+        elif len(cells) != columns.width:
+            raise InputError(length_message(line, len(cells)))
+        if columns.add(cells or [""]) and progress is not None:
+            progress(records.position, records.size)
 
 
-def _text_column(rows: list[list[str]], index: int) -> np.ndarray[Any, Any]:
-    column = np.empty(len(rows), dtype=object)
-    column[:] = [row[index] for row in rows]
-    return column
+def _is_number(text: str) -> bool:
+    try:
+        float(text)
+    except ValueError:
+        return False
+    return True
 
 
-def _blank_lines_note(blank_lines: list[int]) -> str:
+def _blank_lines_note(blank_lines: list[int], *, are_cells: bool) -> str:
+    said = "counted as an empty cell" if are_cells else "left out"
     if len(blank_lines) == 1:
-        return f"line {blank_lines[0]} is blank and left out"
-    return f"{len(blank_lines)} blank lines are left out, the first is line {blank_lines[0]}"
+        return f"line {blank_lines[0]} is blank and {said}"
+    if are_cells:
+        said = "counted as empty cells"
+    return f"{len(blank_lines)} blank lines are {said}, the first is line {blank_lines[0]}"

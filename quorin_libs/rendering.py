@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 import json
+import sys
+from collections import Counter
 from typing import Any, Sequence
 
 from quorin_libs.profiling import ColumnProfile, TableProfile
@@ -18,9 +20,10 @@ _HEADINGS = ("column", "kind", "markers", "new", "missing", "share", "distinct",
 _RIGHT_ALIGNED = frozenset(("missing", "share", "distinct"))
 
 # Widths in terminal cells that keep a row of ordinary columns within 120.
-_NAME_WIDTH = 32
-_MARKER_WIDTH = 14
+_NAME_WIDTH = 40
+_MARKER_WIDTH = 32
 _MARKERS_SHOWN = 4
+_ESCAPES = {"\\": "\\\\", '"': '\\"'}
 
 
 def render_table(profile: TableProfile, encoding: str = "utf-8") -> str:
@@ -32,6 +35,12 @@ def render_table(profile: TableProfile, encoding: str = "utf-8") -> str:
     encoding : str, optional
         What the text will be written in. Characters that it cannot hold, and those that have no
         shape of their own, are shown as escapes.
+
+    Notes
+    -----
+    Of long names and markers the middle is left out, shown as ``start...end`` and
+    ``"start"..."end"``, and a last line says so; names that would come to look alike stay whole.
+    :func:`render_json` has all of them whole.
 
     Examples
     --------
@@ -46,12 +55,16 @@ def render_table(profile: TableProfile, encoding: str = "utf-8") -> str:
     id      int_str                       0     0%         2  unique
     note    char_str  "-"                 1  50.0%         1  constant
     """
+    _check_profile(profile)
     rows = [list(_HEADINGS)]
-    rows.extend(_cells(column, encoding) for column in profile.columns)
+    names = _shown_names([column.name for column in profile.columns], encoding)
+    rows.extend(_cells(name, column, encoding) for name, column in zip(names, profile.columns))
     widths = [max(display_width(row[index]) for row in rows) for index in range(len(_HEADINGS))]
     rows.insert(1, ["-" * width for width in widths])
     lines = [_title(profile, encoding), ""]
     lines.extend(_line(row, widths) for row in rows)
+    if any(_is_cut(column, name, encoding) for name, column in zip(names, profile.columns)):
+        lines.extend(["", "... stands for what is left out of a long text; the JSON has it whole."])
     return "\n".join(lines) + "\n"
 
 
@@ -71,6 +84,7 @@ def render_json(profile: TableProfile) -> str:
     >>> json.loads(text)["columns"][0]["missing_share"]
     0.5
     """
+    _check_profile(profile)
     document = {
         "layout": LAYOUT,
         "source": profile.source,
@@ -93,9 +107,32 @@ def _title(profile: TableProfile, encoding: str) -> str:
     )
 
 
-def _cells(column: ColumnProfile, encoding: str) -> list[str]:
+def _check_profile(profile: TableProfile) -> None:
+    if not isinstance(profile, TableProfile):
+        raise TypeError(f"profile: a TableProfile, not {type(profile).__name__}")
+
+
+def _pieces(text: str, encoding: str) -> list[str]:
+    return [printable(character, encoding) for character in text]
+
+
+def _shown_names(names: Sequence[str], encoding: str) -> list[str]:
+    pieces = [_pieces(name, encoding) for name in names]
+    cut = [shortened(each, _NAME_WIDTH) for each in pieces]
+    times = Counter(cut)
+    return [short if times[short] == 1 else "".join(each) for short, each in zip(cut, pieces)]
+
+
+def _is_cut(column: ColumnProfile, name: str, encoding: str) -> bool:
+    texts = (*column.markers[:_MARKERS_SHOWN], *column.new_markers[:_MARKERS_SHOWN])
+    return name != printable(column.name, encoding) or any(
+        _quoted(text, encoding) != _quoted(text, encoding, sys.maxsize) for text in texts
+    )
+
+
+def _cells(name: str, column: ColumnProfile, encoding: str) -> list[str]:
     return [
-        shortened(printable(column.name, encoding), _NAME_WIDTH),
+        name,
         column.kind,
         _marker_list(column.markers, encoding),
         _marker_list(column.new_markers, encoding),
@@ -113,9 +150,9 @@ def _marker_list(markers: Sequence[str], encoding: str) -> str:
     return text + f" and {hidden} more" if hidden else text
 
 
-def _quoted(marker: str, encoding: str) -> str:
-    escaped = marker.replace("\\", "\\\\").replace('"', '\\"')
-    return '"' + shortened(printable(escaped, encoding), _MARKER_WIDTH) + '"'
+def _quoted(marker: str, encoding: str, width: int = _MARKER_WIDTH) -> str:
+    pieces = [_ESCAPES.get(piece, piece) for piece in _pieces(marker, encoding)]
+    return '"' + shortened(pieces, width, gap='"..."') + '"'
 
 
 def _share(share: float | None) -> str:

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import unicodedata
+from typing import Sequence
 
 __all__ = ["count", "display_width", "printable", "shortened"]
 
@@ -34,28 +35,41 @@ def display_width(text: str) -> int:
     return sum(_character_width(character) for character in text)
 
 
-def shortened(text: str, width: int) -> str:
-    """Return printable text cut to at most ``width`` terminal cells, a cut shown by three dots.
+def shortened(pieces: Sequence[str], width: int, gap: str = "...") -> str:
+    """Return the pieces side by side, in at most ``width`` terminal cells.
+
+    Where they take more, those in the middle are left out, which ``gap`` shows: names that are
+    alike at their start tend to differ at their end. A piece is a character as :func:`printable`
+    gives it; none is cut.
 
     Examples
     --------
-    >>> shortened("molybdenum", 10), shortened("molybdenum", 8)
-    ('molybdenum', 'molyb...')
+    >>> shortened("molybdenum", 10), shortened("molybdenum", 9)
+    ('molybdenum', 'mol...num')
     """
-    if display_width(text) <= width:
-        return text
-    kept, used = "", 0
-    for character in text:
-        used += _character_width(character)
-        if used > width - 3:
-            break
-        kept += character
-    return kept + "..."
+    widths = [display_width(piece) for piece in pieces]
+    if sum(widths) <= width:
+        return "".join(pieces)
+    room = width - len(gap)
+    end = _how_many_fit(widths[::-1], room // 2)
+    # A combining mark stays with its character.
+    while end > 0 and widths[-end] == 0:
+        end -= 1
+    start = _how_many_fit(widths, room - sum(widths[len(widths) - end :]))
+    return "".join(pieces[:start]) + gap + "".join(pieces[len(pieces) - end :])
 
 
 def count(number: int, noun: str) -> str:
     """Return a number with its noun, as in ``1 row`` and ``2 rows``."""
     return f"{number} {noun}" if number == 1 else f"{number} {noun}s"
+
+
+def _how_many_fit(widths: Sequence[int], room: int) -> int:
+    for number, width in enumerate(widths):
+        room -= width
+        if room < 0:
+            return number
+    return len(widths)
 
 
 def _character_width(character: str) -> int:

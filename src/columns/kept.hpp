@@ -5,7 +5,7 @@
 
 namespace quorin::columns {
 
-// The array that numpy.asarray() makes of the elements that the list of markers does not contain, where these all
+// The array that numpy.asarray() makes of the elements that the list of markers does not contain, where these are all
 // integers that it can hold or all floats. Nothing otherwise, and where an element is of no known kind.
 Ref numbers_without(const Column& column, const Markers& markers);
 

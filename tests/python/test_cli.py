@@ -341,6 +341,35 @@ def test_progress_goes_to_a_terminal_and_is_wiped(folder, capsys, monkeypatch):
     assert capsys.readouterr().out == SMALL_TABLE
 
 
+def test_reading_shows_how_far_it_is(folder, monkeypatch):
+    terminal = Terminal()
+    monkeypatch.setattr(cli._Progress, "PATIENCE", 0.0)
+    monkeypatch.setattr(sys, "stderr", terminal)
+    (folder / "long.csv").write_bytes(b"a\n" + b"1\n" * 999)
+    assert main(["long.csv"]) == 0
+    assert terminal.getvalue().startswith("\rquorin-profile: reading, 50%\r")
+
+
+def test_first_line_may_be_a_row(folder, capsys):
+    (folder / "rows.csv").write_bytes(b"1,x\n2,y\n")
+    assert main(["rows.csv", "--no-header", "--json"]) == 0
+    printed = capsys.readouterr()
+    document = json.loads(printed.out)
+    assert [column["name"] for column in document["columns"]] == ["column 1", "column 2"]
+    assert document["rows"] == 2
+    assert printed.err == ""
+
+
+def test_too_little_memory_is_told_in_one_line(folder, capsys, monkeypatch):
+    def fail(*args, **kwargs):
+        raise MemoryError
+
+    monkeypatch.setattr("quorin_libs.reading.read_table", fail)
+    assert main(["t.csv"]) == 1
+    message = "quorin-profile: the table does not fit in memory\n"
+    assert capsys.readouterr() == ("", message)
+
+
 def test_no_progress_for_quick_work_or_without_a_terminal(folder, capsys, monkeypatch):
     terminal = Terminal()
     with monkeypatch.context() as patch:

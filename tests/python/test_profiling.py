@@ -3,8 +3,10 @@
 from __future__ import annotations
 
 import doctest
+import re
 
 import numpy as np
+import pandas as pd
 import pytest
 
 from quorin_libs import profiling
@@ -98,6 +100,30 @@ def test_given_markers_replace_the_list():
     assert profile_column("c", values, ["", "NA", ""]).markers == ("", "NA")
     assert profile_column("c", values, []).missing == 0
     assert profile_column("c", values, []).distinct == 4
+
+
+@pytest.mark.parametrize("markers, culprit", [("NA", "'NA'"), (b"?", "b'?'"), (5, "5")])
+def test_markers_are_a_sequence(markers, culprit):
+    with pytest.raises(TypeError, match="markers: a sequence of texts, not " + re.escape(culprit)):
+        profile_table(table(a=["1"]), markers)
+
+
+@pytest.mark.parametrize("marker", [1, None, b"?", ["?"]])
+def test_markers_are_texts(marker):
+    with pytest.raises(TypeError, match="markers: .* is no text"):
+        profile_table(table(a=["1"]), ["?", marker])
+
+
+FRAME = pd.DataFrame({"a": ["1"]})
+
+
+@pytest.mark.parametrize(
+    "value, hint",
+    [([], "list$"), (None, "NoneType$"), (FRAME, r"DataFrame; Table\.from_frame\(\) makes one")],
+)
+def test_what_is_no_table_is_named(value, hint):
+    with pytest.raises(TypeError, match="table: a Table, not " + hint):
+        profile_table(value)
 
 
 def test_default_markers_are_the_module_list_at_the_time(monkeypatch):

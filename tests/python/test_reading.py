@@ -42,7 +42,6 @@ def refusal(data, **options):
         (b"a,b\nNA,nan\n,None\n", ("a", "b"), [["NA", ""], ["nan", "None"]]),
         (b"a,b\n 1 ,\t2\n", ("a", "b"), [[" 1 "], ["\t2"]]),
         (b"a,b\n001,1e5\n", ("a", "b"), [["001"], ["1e5"]]),
-        (b"a\n1\n\n3\n", ("a",), [["1", "", "3"]]),
         (b'a\n""\n1\n', ("a",), [["", "1"]]),
     ],
 )
@@ -142,12 +141,63 @@ def test_byte_order_mark_is_no_part_of_the_first_name():
         (b"\n\na,b\n1,2\n\n", ("3 blank lines are left out, the first is line 1",)),
         (b",b\n1,2\n", ("column 1 has no name and is called 'column 1'",)),
         (b"a, \n1,2\n", ("column 2 has no name and is called 'column 2'",)),
+        (b",column 1\n1,2\n", ('column 1 has no name and is called "column 1\'"',)),
+        (b"a\n1\n\n3\n", ("line 3 is blank and counted as an empty cell",)),
+        (
+            b"a\n1\n\n\n",
+            ("2 blank lines are counted as empty cells, the first is line 3",),
+        ),
+        (b"1,2.5\n3,4\n", ("line 1 holds only numbers and is taken for the column names",)),
         (b"a,b\n", ("there is a header and no row below it",)),
         (b"a", ("there is a header and no row below it",)),
     ],
 )
 def test_odd_spots_are_handled_and_noted(data, notes):
     assert read(data).notes == notes
+
+
+def test_blank_lines_of_one_column_are_cells():
+    assert cells(read(b"a\n1\n\n3\n")) == [["1", "", "3"]]
+
+
+def test_without_a_header():
+    table = read(b"x,1\n,2\n", header=False)
+    assert table.names == ("column 1", "column 2")
+    assert cells(table) == [["x", ""], ["1", "2"]]
+    assert table.notes == ()
+    message = "stream: line 2: 1 cell where the first row has 2 (delimiter comma, detected)"
+    assert refusal(b"x,1\n2\n", header=False) == message
+
+
+def test_many_records_come_in_order_and_tell_how_far():
+    told = []
+    data = b"n,m\n" + b"".join(b"%d,%d\n" % (i, -i) for i in range(1700))
+    table = read(data, progress=lambda done, total: told.append((done, total)))
+    assert cells(table) == [[str(i) for i in range(1700)], [str(-i) for i in range(1700)]]
+    assert [total for _, total in told] == [len(data)] * 3
+    assert [done for done, _ in told] == sorted({done for done, _ in told})
+    assert 0 < told[0][0] < told[-1][0] < len(data)
+
+
+@pytest.mark.parametrize(
+    "arguments, message",
+    [
+        ((5,), "source: a path or a binary stream, not int"),
+        ((b"x.csv",), "source: a path or a binary stream, not bytes"),
+        ((io.StringIO("a\n1\n"),), "source: a binary stream, not one that gives str"),
+        ((io.BytesIO(b"a\n1\n"), 5), "delimiter: a text, not int"),
+        ((io.BytesIO(b"a\n1\n"), ",", None), "encoding: a text, not NoneType"),
+    ],
+)
+def test_wrong_types_are_named(arguments, message):
+    with pytest.raises(TypeError, match=message):
+        read_table(*arguments)
+
+
+def test_delimiters_have_names_here_as_well():
+    assert cells(read(b"a;b\n1;2\n", delimiter="semicolon")) == [["1"], ["2"]]
+    with pytest.raises(ValueError, match="got 'semi'"):
+        read(b"a;b\n1;2\n", delimiter="semi")
 
 
 def test_header_only_table_has_empty_columns():
@@ -175,8 +225,9 @@ def test_header_only_table_has_empty_columns():
             "stream: line 1: columns 1 and 3 have the same name 'a'",
         ),
         (
-            b",column 1\n1,2\n",
-            "stream: line 1: columns 1 and 2 have the same name 'column 1'",
+            b"\x1f\x8b\x08\0",
+            "stream: line 1: byte 0x8B is not utf-8 text; it starts like gzip, which has to be "
+            "unpacked first",
         ),
         (
             b"a,b\n1,\xe92\n",
@@ -235,6 +286,10 @@ def test_paths(tmp_path):
     with pytest.raises(InputError) as caught:
         read_table(str(tmp_path))
     assert str(caught.value) == f"{tmp_path}: a directory, not a file"
+    with pytest.raises(InputError, match="the file's name is empty"):
+        read_table("")
+    with pytest.raises(InputError, match="^a,b\\\\n1,2: no such file$"):
+        read_table("a,b\n1,2")
     with pytest.raises(InputError, match=": cannot be read: embedded null"):
         read_table("a\0b")
     present = tmp_path / "t.csv"

@@ -85,8 +85,9 @@ def test_columns_stay_aligned_under_any_marker(marker):
         ('"', '"\\""'),
         ("\\", '"\\\\"'),
         ("\t", '"\\t"'),
-        ("x" * 14, '"' + "x" * 14 + '"'),
-        ("x" * 15, '"' + "x" * 11 + '..."'),
+        ("x" * 32, '"' + "x" * 32 + '"'),
+        ("x" * 33 + "y", '"' + "x" * 14 + '"..."' + "x" * 12 + 'y"'),
+        ("\t" * 17, '"' + "\\t" * 7 + '"..."' + "\\t" * 6 + '"'),
     ],
 )
 def test_markers_are_quoted(marker, shown):
@@ -99,10 +100,33 @@ def test_long_marker_lists_are_cut():
 
 
 def test_long_names_are_cut():
-    assert rendered(column(name="x" * 32))[4].startswith("x" * 32 + "  char_str")
-    assert rendered(column(name="x" * 33))[4].startswith("x" * 29 + "...  char_str")
-    # Fourteen wide characters take 28 of the 29 cells that are left beside the dots.
-    assert rendered(column(name="元" * 17))[4].startswith("元" * 14 + "...  char_str")
+    assert rendered(column(name="x" * 40))[4].startswith("x" * 40 + "  char_str")
+    assert rendered(column(name="x" * 40 + "y"))[4].startswith(
+        "x" * 19 + "..." + "x" * 17 + "y  ch"
+    )
+    # Eighteen wide characters take 36 of the 37 cells that are left beside the dots.
+    shown = "元" * 9 + "..." + "元" * 9
+    assert rendered(column(name="元" * 21))[4].startswith(shown + "  char_str")
+
+
+def test_long_names_that_would_look_alike_stay_whole():
+    names = ["a" * 30 + middle + "b" * 30 for middle in "xy"]
+    lines = rendered(column(name=names[0]), column(name=names[1]), column(name="c" * 70))
+    assert [line.split()[0] for line in lines[4:6]] == names
+    assert lines[6].startswith("c" * 19 + "..." + "c" * 18 + "  ")
+
+
+def test_what_is_cut_is_told():
+    told = "... stands for what is left out of a long text; the JSON has it whole."
+    assert rendered(column(name="x" * 41))[-2:] == ["", told]
+    assert rendered(column(markers=("x" * 33,)))[-2:] == ["", told]
+    assert told not in rendered(column(name="x" * 40, new_markers=("x" * 32, "...")))
+
+
+@pytest.mark.parametrize("render", [render_table, render_json])
+def test_what_is_no_profile_is_named(render):
+    with pytest.raises(TypeError, match="profile: a TableProfile, not list"):
+        render([])
 
 
 @pytest.mark.parametrize(

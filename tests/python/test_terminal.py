@@ -22,16 +22,25 @@ def test_display_width(text, width):
     "text, width, shown",
     [
         ("abcdef", 6, "abcdef"),
-        ("abcdefg", 6, "abc..."),
+        ("abcdefg", 6, "ab...g"),
+        ("abcdefgh", 7, "ab...gh"),
         ("元元元", 6, "元元元"),
         ("元元元", 5, "元..."),
+        ("元元元元", 7, "元...元"),
         ("e\u0301" * 4, 4, "e\u0301" * 4),
         ("e\u0301" * 5, 4, "e\u0301..."),
+        ("e\u0301" * 9, 5, "e\u0301...e\u0301"),
     ],
 )
 def test_shortened(text, width, shown):
     assert shortened(text, width) == shown
     assert display_width(shortened(text, width)) <= width
+
+
+def test_no_piece_is_cut():
+    assert shortened(["\\t"] * 4, 8) == "\\t" * 4
+    assert shortened(["\\t"] * 4, 7, gap="~") == "\\t\\t~\\t"
+    assert shortened(["\\t"] * 4, 5) == "\\t..."
 
 
 @pytest.mark.parametrize(
