@@ -12,6 +12,7 @@ from pathlib import Path
 
 import pytest
 
+import quorin_libs
 import quorin_libs.utils.exportable_utils as eu
 from quorin_libs.utils.fc_methods import FC
 
@@ -82,14 +83,22 @@ def test_a_wrong_example_is_found():
     assert "Expected:\n    3\nGot:\n    2" in report
 
 
-DIRECTIVE = re.compile(r"^\.\. auto(?:function|method|class):: (\S+)$", re.MULTILINE)
+DIRECTIVE = re.compile(r"^\.\. auto(?:function|method|class|exception):: (\S+)$", re.MULTILINE)
+
+
+def listed(pages):
+    return [name for page in pages for name in DIRECTIVE.findall(page.read_text(encoding="utf-8"))]
 
 
 def test_every_routine_has_its_place_in_the_reference():
-    listed = [
-        name
-        for page in PAGES
-        for name in DIRECTIVE.findall(page.read_text(encoding="utf-8"))
-        if name not in ("FCplus", "DatasetS", "FC", "Verdict")
+    pages = [page for page in PAGES if page.name != "tables.rst"]
+    routines = [
+        name for name in listed(pages) if name not in ("FCplus", "DatasetS", "FC", "Verdict")
     ]
-    assert sorted(listed) == sorted(list(ROUTINES) + FC_TESTS)
+    assert sorted(routines) == sorted(list(ROUTINES) + FC_TESTS)
+
+
+def test_every_name_of_the_package_has_its_place_in_the_reference():
+    names = [name for name in listed([page for page in PAGES if page.name == "tables.rst"])
+             if "." not in name]  # fmt: skip
+    assert sorted([*names, "__version__"]) == sorted(quorin_libs.__all__)
