@@ -44,7 +44,7 @@ class Misslist {
     }
     Ref list() && {
         for (const std::size_t i : scalars_) held_[i] = columns::text_scalar(held_[i]);
-        return list_holding(std::move(held_));
+        return list_holding(held_);
     }
 
   private:

@@ -44,7 +44,8 @@ bool ask_least_texts(Object X, Object missing_values_reference_list) {
 // The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
 // Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
 std::optional<Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
-    if (!originals_in_place()) return std::nullopt;
+    const bool date_test_is_silent = date_test_in_place();
+    if (!date_test_is_silent && !originals_in_place()) return std::nullopt;
     const std::optional<columns::Column> column = columns::plain_column(X);
     if (!column) return std::nullopt;
     const std::optional<columns::Markers> markers = columns::plain_markers(missing_values_reference_list, *column);
@@ -53,7 +54,7 @@ std::optional<Answer> native_answer(Object X, Object missing_values_reference_li
     if (!answer) return std::nullopt;
     // Rows with the other markers of the list would not count as missing.
     if (first_only && PyList_GET_SIZE(answer->misslist.get()) > 1) return std::nullopt;
-    if (!date_test_in_place() && !ask_least_texts(X, missing_values_reference_list)) return std::nullopt;
+    if (!date_test_is_silent && !ask_least_texts(X, missing_values_reference_list)) return std::nullopt;
     return answer;
 }
 

@@ -1,5 +1,6 @@
 #include "columns/markers.hpp"
 
+#include <array>
 #include <bit>
 
 #include "interp/operations.hpp"
@@ -92,14 +93,20 @@ bool survive_asarray(const Markers& markers) noexcept {
 std::vector<Ref> held(const Markers& markers, std::uint32_t bits) {
     std::vector<Ref> found;
     found.reserve(static_cast<std::size_t>(std::popcount(bits)));
-    for (std::size_t i = 0; i < markers.objects.size(); ++i) {
-        if ((bits >> i & 1U) != 0) found.push_back(Ref::share(markers.objects[i]));
+    for (; bits != 0; bits &= bits - 1) {
+        found.push_back(Ref::share(markers.objects[static_cast<std::size_t>(std::countr_zero(bits))]));
     }
     return found;
 }
 
 Ref markers_of(const Markers& markers, std::uint32_t bits) {
-    return bits == 0 ? list({}) : list_holding(held(markers, bits));
+    if (bits == 0) return list({});
+    std::array<Ref, kernels::most_markers> found;
+    std::size_t size = 0;
+    for (; bits != 0; bits &= bits - 1) {
+        found[size++] = Ref::share(markers.objects[static_cast<std::size_t>(std::countr_zero(bits))]);
+    }
+    return list_holding({found.data(), size});
 }
 
 }  // namespace quorin::columns

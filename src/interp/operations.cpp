@@ -165,7 +165,7 @@ Ref list(Positional items, Where where) {
     return made;
 }
 
-Ref list_holding(std::vector<Ref> items, Where where) {
+Ref list_holding(std::span<Ref> items, Where where) {
     Ref made = Ref::take(PyList_New(static_cast<Py_ssize_t>(items.size())), where);
     Py_ssize_t position = 0;
     for (Ref& value : items) PyList_SET_ITEM(made.get(), position++, value.give());

@@ -4,7 +4,7 @@
 #include "interp/ref.hpp"
 
 #include <array>
-#include <vector>
+#include <span>
 
 namespace quorin {
 
@@ -39,10 +39,10 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
-Ref list_holding(std::vector<Ref> items, Where where = Where::current());
-Ref or_new_list(Object value);                                 // a new list in place of None
-Ref list_of(Object iterable, Where where = Where::current());  // list(iterable)
-Ref set_of(Object iterable, Where where = Where::current());   // set(iterable)
+Ref list_holding(std::span<Ref> items, Where where = Where::current());  // a new list, which takes them over
+Ref or_new_list(Object value);                                           // a new list in place of None
+Ref list_of(Object iterable, Where where = Where::current());            // list(iterable)
+Ref set_of(Object iterable, Where where = Where::current());             // set(iterable)
 Ref slice(const Operand& start, const Operand& stop, Where where = Where::current());
 Ref whole(Py_ssize_t value, Where where = Where::current());  // an int
 void append(Object list, Object value, Where where = Where::current());
