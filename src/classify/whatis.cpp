@@ -27,6 +27,36 @@ Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     return flag;
 }
 
+// What the classifier concluded, beside what it gathered on the way.
+struct Found {
+    Object dtype_str;
+    Object missing_values;
+    bool unique_values_column_flag;
+    bool constant_column_flag;
+    Object datetime_column_flag;
+};
+
+Ref statistics(const Parted& parted, const Scan& scan, const Found& found) {
+    Ref stats_dict = Ref::take(PyDict_New());
+    const Keyword entries[] = {
+        {"dtype_str"_py, found.dtype_str},
+        {"missing_values"_py, found.missing_values},
+        {"unique_values"_py, parted.XX},
+        {"unique_values_counts"_py, parted.xx_xounts},
+        {"missing_mask"_py, parted.cum_missing_mask_arr.get()},
+        {"dtypes_cnt"_py, scan.dtypes_cnt.dictionary()},
+        {"dtypes_weighted_cnt_dict"_py, scan.dtypes_weighted_cnt.dictionary()},
+        {"weird_new_missing_values_list"_py, scan.weird_new_missing_values_list},
+        {"unique_values_column_flag"_py, found.unique_values_column_flag},
+        {"constant_column_flag"_py, found.constant_column_flag},
+        {"datetime_column_flag"_py, found.datetime_column_flag},
+        {"monotonic_column_flag"_py, false},
+        {"contiguous_column_flag"_py, false},
+    };
+    for (const Keyword& entry : entries) set_item(stats_dict, entry.name, entry.value);
+    return stats_dict;
+}
+
 // Asks the date test about the least distinct texts. False, and nothing asked, where those are not for memory to say.
 // The column and the list are read anew: the answer's own list may have started the collector.
 bool ask_least_texts(Object X, Object missing_values_reference_list) {
@@ -157,24 +187,9 @@ Examples
         progress.end();
         if (!truth(return_stats_flag)) return tuple({new_missing_values_list, dtype_str_final});
 
-        const Ref stats_dict = Ref::take(PyDict_New());
-        const Keyword entries[] = {
-            {"dtype_str"_py, dtype_str_final},
-            {"missing_values"_py, new_missing_values_list},
-            {"unique_values"_py, XX},
-            {"unique_values_counts"_py, parted.xx_xounts},
-            {"missing_mask"_py, parted.cum_missing_mask_arr.get()},
-            {"dtypes_cnt"_py, scan.dtypes_cnt.dictionary()},
-            {"dtypes_weighted_cnt_dict"_py, scan.dtypes_weighted_cnt.dictionary()},
-            {"weird_new_missing_values_list"_py, scan.weird_new_missing_values_list},
-            {"unique_values_column_flag"_py, unique_values_column_flag},
-            {"constant_column_flag"_py, constant_column_flag},
-            {"datetime_column_flag"_py, datetime_column_flag},
-            {"monotonic_column_flag"_py, false},
-            {"contiguous_column_flag"_py, false},
-        };
-        for (const Keyword& entry : entries) set_item(stats_dict, entry.name, entry.value);
-        return tuple({new_missing_values_list, dtype_str_final, stats_dict});
+        const Found found{dtype_str_final, new_missing_values_list, unique_values_column_flag, constant_column_flag,
+                          datetime_column_flag};
+        return tuple({new_missing_values_list, dtype_str_final, statistics(parted, scan, found)});
     },
 };
 

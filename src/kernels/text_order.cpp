@@ -9,7 +9,7 @@ namespace quorin::kernels {
 
 namespace {
 
-struct Keyed {
+struct Entry {
     std::uint64_t key;
     std::uint32_t number;
     std::uint32_t bucket;
@@ -42,7 +42,7 @@ std::uint64_t first_highest(std::uint64_t bytes) noexcept {
 
 // The characters from `start` on as one number that sorts as they do: eight of a byte each or two of four bytes. A text
 // that ends is filled up with zeros, so equal keys settle nothing.
-std::uint64_t key_of(TextView text, std::size_t start, bool narrow) noexcept {
+std::uint64_t leading_characters(TextView text, std::size_t start, bool narrow) noexcept {
     if (text.compact && narrow) {
         const auto* characters = static_cast<const std::uint8_t*>(text.characters) + start;
         const std::size_t left = text.length - start;
@@ -65,36 +65,36 @@ unsigned byte_of(std::uint64_t key, std::size_t place) noexcept {
 
 // Buckets in the order of the keys: the first bytes as digits of a number, each in the scale of the values that occur
 // in its place. So the 26 letters of a place take 26 buckets and not 256. Gives how many buckets there are.
-std::size_t assign_buckets(std::vector<Keyed>& keyed) noexcept {
+std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     constexpr std::size_t values = 256;
     // So many that most hold one key or none, and few enough that one more place does not exceed 32 bits.
     const std::size_t wanted = std::min(4 * keyed.size(), std::size_t{1} << 24U);
     std::size_t buckets = 1;
     for (std::size_t place = 0; place < 8 && buckets < wanted; ++place) {
         std::array<std::uint32_t, values> rank{};
-        for (const Keyed& entry : keyed) rank[byte_of(entry.key, place)] = 1;
+        for (const Entry& entry : keyed) rank[byte_of(entry.key, place)] = 1;
         std::uint32_t occur = 0;
         for (std::uint32_t& value : rank) occur += std::exchange(value, value == 0 ? 0 : occur);
         if (occur == 1) continue;
-        for (Keyed& entry : keyed) entry.bucket = entry.bucket * occur + rank[byte_of(entry.key, place)];
+        for (Entry& entry : keyed) entry.bucket = entry.bucket * occur + rank[byte_of(entry.key, place)];
         buckets *= occur;
     }
     return buckets;
 }
 
 // Stable, by some bits of the bucket.
-void distribute(const std::vector<Keyed>& from, std::vector<Keyed>& to, unsigned shift, std::size_t digits) {
+void distribute(const std::vector<Entry>& from, std::vector<Entry>& to, unsigned shift, std::size_t digits) {
     std::vector<std::uint32_t> places(digits);
-    const auto digit = [&](const Keyed& entry) { return (entry.bucket >> shift) & (digits - 1); };
-    for (const Keyed& entry : from) ++places[digit(entry)];
+    const auto digit = [&](const Entry& entry) { return (entry.bucket >> shift) & (digits - 1); };
+    for (const Entry& entry : from) ++places[digit(entry)];
     std::uint32_t before = 0;
     for (std::uint32_t& place : places) before += std::exchange(place, before);
-    for (const Keyed& entry : from) to[places[digit(entry)]++] = entry;
+    for (const Entry& entry : from) to[places[digit(entry)]++] = entry;
 }
 
-void sort_by_bucket(std::vector<Keyed>& keyed, std::size_t buckets) {
+void sort_by_bucket(std::vector<Entry>& keyed, std::size_t buckets) {
     constexpr unsigned bits = 11;
-    std::vector<Keyed> other(keyed.size());
+    std::vector<Entry> other(keyed.size());
     for (unsigned shift = 0; shift < static_cast<unsigned>(std::bit_width(buckets - 1)); shift += bits) {
         distribute(keyed, other, shift, std::size_t{1} << bits);
         keyed.swap(other);
@@ -107,15 +107,15 @@ std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts) {
     if (texts.empty()) return {};
     const std::size_t start = common_start(texts);
     const bool narrow = std::all_of(texts.begin(), texts.end(), fits_bytes);
-    std::vector<Keyed> keyed;
+    std::vector<Entry> keyed;
     keyed.reserve(texts.size());
     for (std::uint32_t number = 0; number < texts.size(); ++number) {
-        keyed.push_back({key_of(texts[number].text, start, narrow), number, 0});
+        keyed.push_back({leading_characters(texts[number].text, start, narrow), number, 0});
     }
     // Below this number a sort by comparing has few steps.
     constexpr std::size_t few = 512;
     if (keyed.size() > few) sort_by_bucket(keyed, assign_buckets(keyed));
-    const auto less = [&](const Keyed& left, const Keyed& right) {
+    const auto less = [&](const Entry& left, const Entry& right) {
         if (left.key != right.key) return left.key < right.key;
         return compare(texts[left.number].text, texts[right.number].text) < 0;
     };
@@ -127,7 +127,7 @@ std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts) {
     }
     std::vector<std::uint32_t> order;
     order.reserve(keyed.size());
-    for (const Keyed& entry : keyed) order.push_back(entry.number);
+    for (const Entry& entry : keyed) order.push_back(entry.number);
     return order;
 }
 
