@@ -273,7 +273,6 @@ def test_references_are_given_back(monkeypatch, name, kind, more):
     cells = [cell for cell in OBJECTS[kind].tolist() + MARKERS + [MARKERS] if cell is not None]
     routine = find_routine(module, name)
     repeat(lambda: routine(column, *more), 2)  # what writes does it the first time
-    gc.collect()
     before = [sys.getrefcount(cell) for cell in cells]
     assert not leaks_blocks(lambda: routine(column, *more), REPEATS)
     after = [sys.getrefcount(cell) for cell in cells]
