@@ -121,26 +121,22 @@ Ref native_boolean2float(Object X, Object missing_values_reference_list) {
     if (!originals_in_place()) return {};
     const std::optional<Column> column = columns::flat_column(X, Storage::boolean);
     if (!column) return {};
-    bool marked = false;
+    bool false_is_missing = false;
+    bool true_is_missing = false;
     if (!missing_values_reference_list.is_none()) {
         const std::optional<Markers> missing = columns::plain_markers(missing_values_reference_list, *column);
         if (!missing || (missing->null_bits != 0 && !columns::survive_asarray(*missing))) return {};
         if (PyArray_ISWRITEABLE(column->array) == 0) return {};
-        // True where it is missing stays true.
-        marked = columns::is_listed(0.0, *missing);
+        false_is_missing = columns::is_listed(0.0, *missing);
+        true_is_missing = columns::is_listed(1.0, *missing);
     }
     Ref Y = new_floats(*column);
-    if (marked) {
-        char* data = PyArray_BYTES(column->array);
-        double* out = floats_of(Y);
-        for (std::size_t row = 0; row < column->rows; ++row) {
-            char& flag = data[static_cast<std::ptrdiff_t>(row) * column->stride];
-            if (flag == 0) flag = 1;
-            out[row] = 1.0;
-        }
-    } else {
-        kernels::write_flags(column->data, column->stride, column->rows, floats_of(Y));
+    // NaN written into an array of booleans is true, whatever byte stood for it before.
+    for (std::size_t row = 0; (false_is_missing || true_is_missing) && row < column->rows; ++row) {
+        char& flag = PyArray_BYTES(column->array)[static_cast<std::ptrdiff_t>(row) * column->stride];
+        if (flag == 0 ? false_is_missing : true_is_missing) flag = 1;
     }
+    kernels::write_flags(column->data, column->stride, column->rows, floats_of(Y));
     return Y;
 }
 
