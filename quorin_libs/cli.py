@@ -165,20 +165,21 @@ def _profile(options: argparse.Namespace) -> int:
     progress = _Progress()
     try:
         source = _standard_input() if options.file == "-" else options.file
-        header = not options.no_header
-        table = read_table(
-            source, options.delimiter, options.encoding, header=header, progress=progress.of_reading
-        )
-        progress.clear()
-        for note in table.notes:
-            _say(f"{table.source}: note: {note}")
-        profile = profile_table(table, options.markers, progress.of_columns)
+        with progress:
+            table = read_table(
+                source,
+                options.delimiter,
+                options.encoding,
+                header=not options.no_header,
+                progress=progress.of_reading,
+            )
     except InputError as error:
-        progress.clear()
         _say(str(error))
         return BAD_INPUT
-    finally:
-        progress.clear()
+    for note in table.notes:
+        _say(f"{table.source}: note: {note}")
+    with progress:
+        profile = profile_table(table, options.markers, progress.of_columns)
     if options.json:
         return _write(render_json(profile))
     return _write(render_table(profile, getattr(sys.stdout, "encoding", None) or "utf-8"))
@@ -226,7 +227,10 @@ def _discard_standard_output() -> None:
 
 
 class _Progress:
-    """A counter on standard error, when that is a terminal and the work takes its time."""
+    """A counter on standard error, when that is a terminal and the work takes its time.
+
+    It is wiped at the end of a ``with`` statement, before anything else is written.
+    """
 
     # Seconds before the first line and between two lines: shorter than a reader gets impatient,
     # longer than a glance.
@@ -251,7 +255,10 @@ class _Progress:
         self._next = time.monotonic() + self.PATIENCE
         return True
 
-    def clear(self) -> None:
+    def __enter__(self) -> None:
+        pass
+
+    def __exit__(self, *failure: object) -> None:
         if self._shown:
             self._show("")
 

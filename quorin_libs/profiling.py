@@ -127,13 +127,13 @@ def profile_table(
     if not isinstance(table, Table):
         hint = "; Table.from_frame() makes one" if hasattr(table, "iloc") else ""
         raise TypeError(f"table: a Table, not {type(table).__name__}{hint}")
-    markers = _checked(markers)
+    reference_list = _reference_list(markers)
     total = len(table.names)
     profiles: list[ColumnProfile] = []
     for name, column in zip(table.names, table.columns):
         if progress is not None:
             progress(len(profiles), total)
-        profiles.append(profile_column(name, column, markers))
+        profiles.append(_profile_column(name, column, reference_list))
     if progress is not None:
         progress(total, total)
     return TableProfile(table.source, table.delimiter, table.rows, tuple(profiles), table.notes)
@@ -150,11 +150,17 @@ def profile_column(
     >>> profile_column("n", np.array(["1", "2", ""], dtype=object)).missing_share
     0.3333333333333333
     """
+    return _profile_column(name, column, _reference_list(markers))
+
+
+def _profile_column(
+    name: str, column: np.ndarray[Any, Any], reference_list: list[Any]
+) -> ColumnProfile:
     if len(column) == 0:
         # The classifier needs a first row to look at. No row holds a value, so: missing.
         return ColumnProfile(name, "missing", (), (), 0, 0, 0, False)
     found, kind, statistics = exportable_utils.numpy_whatis(
-        column, _reference_list(_checked(markers)), return_stats_flag=True
+        column, reference_list, return_stats_flag=True
     )
     values = statistics["unique_values"].tolist()
     counts = dict(zip(values, statistics["unique_values_counts"].tolist()))
@@ -173,21 +179,15 @@ def profile_column(
     )
 
 
-def _checked(markers: Sequence[str] | None) -> Sequence[str] | None:
-    if markers is None:
-        return None
-    if isinstance(markers, (str, bytes)) or not isinstance(markers, Iterable):
-        raise TypeError(f"markers: a sequence of texts, not {markers!r}")
-    markers = list(markers)
-    for marker in markers:
-        if not isinstance(marker, str):
-            raise TypeError(f"markers: {marker!r} is no text")
-    return markers
-
-
 def _reference_list(markers: Sequence[str] | None) -> list[Any]:
     if markers is None:
         return list(exportable_utils.global_missing_values_reference_list)
+    if isinstance(markers, (str, bytes)) or not isinstance(markers, Iterable):
+        raise TypeError(f"markers: a sequence of texts, not {markers!r}")
+    texts = list(markers)
+    for text in texts:
+        if not isinstance(text, str):
+            raise TypeError(f"markers: {text!r} is no text")
     # NaN matches no text. It keeps the list from being empty, which the classifier takes for
     # "no list given" and then reports no mask.
-    return list(dict.fromkeys(markers)) or [np.nan]
+    return list(dict.fromkeys(texts)) or [np.nan]

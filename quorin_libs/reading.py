@@ -64,10 +64,9 @@ def read_table(
         Read to its end; a stream is not closed.
     delimiter : str, optional
         One character, or the name of one: comma, semicolon, tab, bar, pipe, space, colon. By
-        default the one of the first four that cuts each of the
-        first 100 records into equally many cells, two or more; the one with most cells wins, then
-        the one named first. When none does so, the header line alone is asked; when it holds none
-        of them, comma.
+        default the one of the first four that cuts each of the first 100 records into equally many
+        cells, two or more; the one with most cells wins, then the one named first. When none does
+        so, the header line alone is asked; when it holds none of them, comma.
     encoding : str, optional
         A text encoding known to Python; the default is UTF-8 with or without byte order mark.
     header : bool, optional
@@ -111,8 +110,10 @@ def read_table(
         raise InputError(f"{name}: no column names: there are only blank lines")
     line, cells = first
     notes: list[str] = []
-    where = f"{name}: line {line}"
-    names = _column_names(cells if header else [""] * len(cells), where, notes if header else [])
+    if header:
+        names = _column_names(cells, f"{name}: line {line}", notes)
+    else:
+        names = tuple(f"column {position}" for position in range(1, len(cells) + 1))
     if header and all(map(_is_number, cells)):
         notes.append(f"line {line} holds only numbers and is taken for the column names")
     columns = _Columns(len(names))
@@ -356,13 +357,15 @@ class _Columns:
     def add(self, cells: list[str]) -> bool:
         """Take one record; tell whether those that waited have been moved."""
         self._waiting.append(cells)
-        return len(self._waiting) == _RECORDS_TOGETHER and self._move()
+        full = len(self._waiting) == _RECORDS_TOGETHER
+        if full:
+            self._move()
+        return full
 
-    def _move(self) -> bool:
+    def _move(self) -> None:
         for column, cells in zip(self._columns, zip(*self._waiting)):
             column.extend(cells)
         self._waiting.clear()
-        return True
 
     @property
     def rows(self) -> int:

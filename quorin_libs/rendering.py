@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import json
-import sys
 from collections import Counter
 from typing import Any, Sequence
 
@@ -126,7 +125,7 @@ def _shown_names(names: Sequence[str], encoding: str) -> list[str]:
 def _is_cut(column: ColumnProfile, name: str, encoding: str) -> bool:
     texts = (*column.markers[:_MARKERS_SHOWN], *column.new_markers[:_MARKERS_SHOWN])
     return name != printable(column.name, encoding) or any(
-        _quoted(text, encoding) != _quoted(text, encoding, sys.maxsize) for text in texts
+        display_width("".join(_marker_pieces(text, encoding))) > _MARKER_WIDTH for text in texts
     )
 
 
@@ -150,9 +149,12 @@ def _marker_list(markers: Sequence[str], encoding: str) -> str:
     return text + f" and {hidden} more" if hidden else text
 
 
-def _quoted(marker: str, encoding: str, width: int = _MARKER_WIDTH) -> str:
-    pieces = [_ESCAPES.get(piece, piece) for piece in _pieces(marker, encoding)]
-    return '"' + shortened(pieces, width, gap='"..."') + '"'
+def _marker_pieces(marker: str, encoding: str) -> list[str]:
+    return [_ESCAPES.get(piece, piece) for piece in _pieces(marker, encoding)]
+
+
+def _quoted(marker: str, encoding: str) -> str:
+    return '"' + shortened(_marker_pieces(marker, encoding), _MARKER_WIDTH, gap='"..."') + '"'
 
 
 def _share(share: float | None) -> str:

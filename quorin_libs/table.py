@@ -113,8 +113,9 @@ def _check_column(name: str, column: Any) -> None:
         if isinstance(column, np.ndarray):
             what = f"one of dtype {column.dtype} and shape {column.shape}"
         raise TypeError(f"column {name!r}: a flat array of objects, not {what}")
-    if set(map(type, column)) - {str}:
-        row, cell = next((i, cell) for i, cell in enumerate(column) if type(cell) is not str)
+    cells = column.tolist()
+    if set(map(type, cells)) - {str}:
+        row, cell = next((i, cell) for i, cell in enumerate(cells) if type(cell) is not str)
         raise TypeError(
             f"column {name!r}, row {row}: {cell!r} is no text; read the table as text, "
             "in pandas with dtype=str and keep_default_na=False"

@@ -1,6 +1,5 @@
 #include "columns/markers.hpp"
 
-#include <array>
 #include <bit>
 
 #include "interp/operations.hpp"
@@ -101,12 +100,8 @@ std::vector<Ref> held(const Markers& markers, std::uint32_t bits) {
 
 Ref markers_of(const Markers& markers, std::uint32_t bits) {
     if (bits == 0) return list({});
-    std::array<Ref, kernels::most_markers> found;
-    std::size_t size = 0;
-    for (; bits != 0; bits &= bits - 1) {
-        found[size++] = Ref::share(markers.objects[static_cast<std::size_t>(std::countr_zero(bits))]);
-    }
-    return list_holding({found.data(), size});
+    std::vector<Ref> found = held(markers, bits);
+    return list_holding(found);
 }
 
 }  // namespace quorin::columns

@@ -108,6 +108,11 @@ void look_again() noexcept {
     settle();
 }
 
+void keep(Scope scope) {
+    watched = watch(scope.dictionary) && watched;
+    scopes().push_back(std::move(scope));
+}
+
 void remember(Object dictionary, std::initializer_list<Name> names) {
     Scope scope{Ref::share(dictionary).give(), {}};
     for (const Name name : names) {
@@ -115,8 +120,7 @@ void remember(Object dictionary, std::initializer_list<Name> names) {
         if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
         scope.entries.push_back({name.text, Ref::share(held).give(), false});
     }
-    watched = watch(scope.dictionary) && watched;
-    scopes().push_back(std::move(scope));
+    keep(std::move(scope));
 }
 
 // Names that no routine's answer depends on: what the interpreter itself keeps there, and channels for messages.
@@ -145,8 +149,7 @@ void remember_all(Object dictionary, DateTest date_test = DateTest::among_others
         const bool on_the_way = date_test == DateTest::all_of_it || leads_to_date_test(name);
         scope.entries.push_back({Ref::share(name).give(), Ref::share(value).give(), on_the_way});
     }
-    watched = watch(scope.dictionary) && watched;
-    scopes().push_back(std::move(scope));
+    keep(std::move(scope));
 }
 
 // pandas before 3 has an option by which infinite numbers are null, too, and notes it where pd.isnull() looks.
@@ -156,10 +159,9 @@ void remember_null_option() {
         PyErr_Clear();
         return;
     }
-    const Object dictionary = PyModule_GetDict(module.get());
-    remember(dictionary, {"INF_AS_NA"_py});
-    Scope::Entry& option = scopes().back().entries.back();
-    if (option.value != nullptr) option.value = Py_False;
+    PyObject* dictionary = PyModule_GetDict(module.get());
+    PyObject* name = "INF_AS_NA"_py.text;
+    if (PyDict_Contains(dictionary, name) == 1) keep({Ref::share(dictionary).give(), {{name, Py_False, false}}});
 }
 
 // The dictionary behind a class; vars() would give a view of it.

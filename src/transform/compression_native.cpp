@@ -1,7 +1,6 @@
 #include "transform/compression_native.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <utility>
