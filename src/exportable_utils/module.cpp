@@ -190,7 +190,7 @@ void start_up(Object names) {
     define(names, routines_between_classes);
     define_datasets(names);
     set_item(names, "__test__"_py, Ref::take(PyDict_New()));
-    remember_originals();
+    remember_lookups();
 }
 
 // The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too, unless its

@@ -1,12 +1,14 @@
 #include "python/lookup_guard.hpp"
 
 #include <algorithm>
-#include <array>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
 #include "python/operations.hpp"
+#include "python/routine.hpp"
 
 namespace quorin {
 
@@ -108,48 +110,64 @@ void look_again() noexcept {
     settle();
 }
 
-void keep(Scope scope) {
-    watched = watch(scope.dictionary) && watched;
-    scopes().push_back(std::move(scope));
+// The dictionary that the attributes of a module or of a class are looked up in; null for any other object.
+PyObject* members_of(PyObject* owner) noexcept {
+    if (PyModule_Check(owner)) return PyModule_GetDict(owner);
+    // vars() of a class would be a view of it.
+    return PyType_Check(owner) ? reinterpret_cast<PyTypeObject*>(owner)->tp_dict : nullptr;
 }
 
-void remember(Object dictionary, std::initializer_list<Name> names) {
-    Scope scope{Ref::share(dictionary).give(), {}};
-    for (const Name name : names) {
-        PyObject* held = PyDict_GetItemWithError(dictionary.get(), name.text);
-        if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
-        scope.entries.push_back({name.text, Ref::share(held).give(), false});
+Scope& scope_of(PyObject* dictionary) {
+    for (Scope& scope : scopes()) {
+        if (scope.dictionary == dictionary) return scope;
     }
-    keep(std::move(scope));
+    scopes().push_back({Ref::share(dictionary).give(), {}});
+    watched = watch(dictionary) && watched;
+    return scopes().back();
 }
 
-// Names that no routine's answer depends on: what the interpreter itself keeps there, and channels for messages.
-bool is_aside(Object name) {
-    const auto among = [&](std::initializer_list<Name> names) {
-        return std::any_of(names.begin(), names.end(), [&](Name other) { return equal(name, other); });
-    };
-    return truth(name.attr("startswith"_py)({"__"_py})) ||
-           among({"random"_py, "time"_py, "traceback"_py, "logging"_py, "logger"_py, "DatasetS"_py});
+// Remembers what the name stands for, and returns it: null if it is not there.
+PyObject* remember(PyObject* dictionary, Object name, bool date_test) {
+    PyObject* held = PyDict_GetItemWithError(dictionary, name.get());
+    if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
+    std::vector<Scope::Entry>& entries = scope_of(dictionary).entries;
+    const bool known = std::any_of(entries.begin(), entries.end(),
+                                   [&](const Scope::Entry& entry) { return entry.name == name.get(); });
+    if (!known) entries.push_back({Ref::share(name).give(), Ref::share(held).give(), date_test});
+    return held;
 }
 
-enum class DateTest { among_others, all_of_it };
-
-// FC and the method of FCplus that asks it. Its other tests are asked by name, whatever they are.
-bool leads_to_date_test(Object name) {
-    return equal(name, "FC"_py) || equal(name, "is_column_string_in_datetime_format"_py);
+// The names on the way to the date test, and to nothing else that a native route stands in for.
+bool leads_to_date_test(std::string_view dotted) {
+    return dotted == "FC" || dotted.substr(0, 3) == "FC." || dotted == "FCplus.is_column_string_in_datetime_format";
 }
 
-void remember_all(Object dictionary, DateTest date_test = DateTest::among_others) {
-    Scope scope{Ref::share(dictionary).give(), {}};
+// Every part of a dotted name, from the module's namespace on. False if a part is looked up in an object that is
+// neither a module nor a class, whose changes cannot be seen.
+bool remember_dotted(std::string_view dotted) {
+    PyObject* dictionary = module_names().get();
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        const std::size_t start = end == 0 ? 0 : end + 1;
+        end = dotted.find('.', start);
+        const std::string part(dotted.substr(start, end - start));
+        const Ref name = Ref::take(PyUnicode_InternFromString(part.c_str()));
+        PyObject* held = remember(dictionary, name, leads_to_date_test(dotted.substr(0, end)));
+        if (end == std::string_view::npos) return true;
+        dictionary = held == nullptr ? nullptr : members_of(held);
+        if (dictionary == nullptr) return false;
+    }
+    return true;
+}
+
+// The date test may call any method of its class.
+void remember_date_tests_of(PyObject* FC) {
     PyObject* name = nullptr;
     PyObject* value = nullptr;
     Py_ssize_t position = 0;
-    while (PyDict_Next(dictionary.get(), &position, &name, &value) != 0) {
-        if (is_aside(name)) continue;
-        const bool on_the_way = date_test == DateTest::all_of_it || leads_to_date_test(name);
-        scope.entries.push_back({Ref::share(name).give(), Ref::share(value).give(), on_the_way});
+    PyObject* dictionary = members_of(FC);
+    while (dictionary != nullptr && PyDict_Next(dictionary, &position, &name, &value) != 0) {
+        if (!truth(Object(name).attr("startswith"_py)({"__"_py}))) remember(dictionary, name, true);
     }
-    keep(std::move(scope));
 }
 
 // pandas before 3 has an option by which infinite numbers are null, too, and notes it where pd.isnull() looks.
@@ -160,57 +178,32 @@ void remember_null_option() {
         return;
     }
     PyObject* dictionary = PyModule_GetDict(module.get());
-    PyObject* name = "INF_AS_NA"_py.text;
-    if (PyDict_Contains(dictionary, name) == 1) keep({Ref::share(dictionary).give(), {{name, Py_False, false}}});
-}
-
-// The dictionary behind a class; vars() would give a view of it.
-Object members_of(Object type) {
-    return reinterpret_cast<PyTypeObject*>(type.get())->tp_dict;
+    const Name name = "INF_AS_NA"_py;
+    if (PyDict_Contains(dictionary, name.text) != 1) return;
+    scope_of(dictionary).entries.push_back({name.text, Py_False, false});
 }
 
 // Whether FC says that its date test has no effect but its answer, so that nobody can tell whether it was asked.
 bool date_test_is_pure(Object FC) {
     if (!PyType_Check(FC.get())) return false;
-    PyObject* declared = PyDict_GetItemWithError(members_of(FC).get(), "side_effect_free"_py.text);
+    PyObject* declared = PyDict_GetItemWithError(members_of(FC.get()), "side_effect_free"_py.text);
     if (declared == nullptr) return false;
     return contains(declared, "is_string_in_datetime_format"_py);
 }
 
 }  // namespace
 
-void remember_originals() {
+void remember_lookups() {
     scopes().clear();
     in_place = {};
     watched = true;
-    const Object names = module_names();
-    const Ref FC = item(names, "FC"_py);
-    const std::array libraries = {item(names, "np"_py), item(names, "pd"_py), item(names, "six"_py),
-                                  item(names, "numbers"_py), item(names, "hashlib"_py)};
-    for (const Ref& library : libraries) {
-        if (!PyModule_Check(library.get())) return;
-    }
-    const Ref Series = Ref::adopt(PyObject_GetAttr(libraries[1].get(), "Series"_py.text));
-    if (!Series || !PyType_Check(Series.get())) {
-        PyErr_Clear();
-        return;
-    }
+    const Ref FC = item(module_names(), "FC"_py);
     own_date_test_is_pure = date_test_is_pure(FC);
-
-    remember_all(names);
-    remember_all(members_of(item(names, "FCplus"_py)));
-    if (PyType_Check(FC.get())) remember_all(members_of(FC), DateTest::all_of_it);
-    const auto in_library = [&](std::size_t i) { return Object(PyModule_GetDict(libraries[i].get())); };
-    remember(in_library(0),
-             {"any"_py, "array"_py, "asarray"_py, "bool_"_py, "concatenate"_py, "empty"_py, "float"_py, "int"_py,
-              "integer"_py, "nan"_py, "ndarray"_py, "putmask"_py, "unique"_py, "vectorize"_py, "zeros"_py});
-    remember(in_library(1), {"Series"_py, "isnull"_py});
-    remember(members_of(Series), {"unique"_py});
-    remember(in_library(2), {"string_types"_py});
-    remember(in_library(3), {"Integral"_py});
-    remember(in_library(4), {"md5"_py});
+    bool seen = true;
+    for (const std::string& dotted : all_native_lookups()) seen = remember_dotted(dotted) && seen;
+    remember_date_tests_of(FC.get());
     remember_null_option();
-    if (!watched) {
+    if (!seen || !watched) {
         scopes().clear();
         return;
     }
@@ -218,12 +211,12 @@ void remember_originals() {
     settle();
 }
 
-bool originals_in_place() noexcept {
+bool lookups_unchanged() noexcept {
     look_again();
     return in_place.others;
 }
 
-bool date_test_in_place() noexcept {
+bool lookups_and_date_test_unchanged() noexcept {
     look_again();
     return in_place.date_test && in_place.others;
 }

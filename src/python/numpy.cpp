@@ -1,6 +1,7 @@
 #define QUORIN_IMPORTS_NUMPY
 #include "python/numpy.hpp"
 
+#include "python/borrow.hpp"
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
 
@@ -10,16 +11,24 @@ void connect_numpy() {
     if (_import_array() < 0) throw PythonError(Where::current());
 }
 
-Ref new_array(std::size_t size, PyArray_Descr* dtype) {
+Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where) {
+    foreign_code_may_run(where);
     const npy_intp shape = static_cast<npy_intp>(size);
     // PyArray_Empty() takes a reference over.
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
-    return Ref::take(PyArray_Empty(1, &shape, dtype, 0));
+    return Ref::take(PyArray_Empty(1, &shape, dtype, 0), where);
 }
 
-Ref new_array(std::size_t size, int type) {
+Ref new_array(std::size_t size, int type, Where where) {
+    foreign_code_may_run(where);
     const npy_intp shape = static_cast<npy_intp>(size);
-    return Ref::take(PyArray_SimpleNew(1, &shape, type));
+    return Ref::take(PyArray_SimpleNew(1, &shape, type), where);
+}
+
+Ref new_zeros(std::size_t size, int type, Where where) {
+    foreign_code_may_run(where);
+    const npy_intp shape = static_cast<npy_intp>(size);
+    return Ref::take(PyArray_ZEROS(1, &shape, type, 0), where);
 }
 
 Ref numpy_alias(At name, Object builtin) {

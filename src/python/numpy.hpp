@@ -33,9 +33,11 @@ inline bool is_plain_text(Object value) noexcept {
     return type == &PyUnicode_Type || type == &PyUnicodeArrType_Type;
 }
 
-// A new array of one dimension. Its elements are not settled yet, but objects are None or nothing.
-Ref new_array(std::size_t size, PyArray_Descr* dtype);
-Ref new_array(std::size_t size, int type);
+// New arrays of one dimension. Allocating one is foreign code: numpy releases the GIL meanwhile. The elements of
+// new_array() are not initialised, except that objects are None or null.
+Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
+Ref new_array(std::size_t size, int type, Where where = Where::current());
+Ref new_zeros(std::size_t size, int type, Where where = Where::current());
 
 // np.<name>, an alias of a built-in type that numpy has given up: where the numpy in use does not hold it, the
 // built-in type itself, without numpy's warning or refusal.

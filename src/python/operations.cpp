@@ -1,5 +1,6 @@
 #include "python/operations.hpp"
 
+#include "python/borrow.hpp"
 #include "python/errors.hpp"
 
 #include <vector>
@@ -13,6 +14,7 @@ namespace {
 constexpr std::size_t most_arguments = 8;
 
 Ref call_with(PyObject* callee, Positional positional, Keywords keywords, Where where) {
+    foreign_code_may_run(where);
     if (positional.size() + keywords.size() > most_arguments) {
         fail(PyExc_SystemError, Format("more arguments than a call inside the module can carry", where));
     }
@@ -46,6 +48,7 @@ PyObject* intern(const char* text) {
 }
 
 Ref Object::attr(At name) const {
+    foreign_code_may_run(name.where);
     return Ref::take(PyObject_GetAttr(pointer_, name.name.text), name.where);
 }
 
@@ -54,10 +57,12 @@ Ref Object::operator()(Positional positional, Keywords keywords, Where where) co
 }
 
 bool truth(Object value, Where where) {
+    foreign_code_may_run(where);
     return answer(PyObject_IsTrue(value.get()), where);
 }
 
 Ref compare(const Operand& left, int operation, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyObject_RichCompare(left.object.get(), right.object.get(), operation), where);
 }
 
@@ -74,56 +79,69 @@ bool greater(const Operand& left, const Operand& right, Where where) {
 }
 
 Ref add(const Operand& left, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Add(left.object.get(), right.object.get()), where);
 }
 
 Ref subtract(const Operand& left, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Subtract(left.object.get(), right.object.get()), where);
 }
 
 Ref multiply(const Operand& left, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Multiply(left.object.get(), right.object.get()), where);
 }
 
 Ref absolute(const Operand& value, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Absolute(value.object.get()), where);
 }
 
 Ref add_in_place(const Operand& left, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_InPlaceAdd(left.object.get(), right.object.get()), where);
 }
 
 Ref either(const Operand& left, const Operand& right, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Or(left.object.get(), right.object.get()), where);
 }
 
 Ref inverted(const Operand& value, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyNumber_Invert(value.object.get()), where);
 }
 
 Ref item(Object container, const Operand& key, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyObject_GetItem(container.get(), key.object.get()), where);
 }
 
 void set_item(Object container, const Operand& key, const Operand& value, Where where) {
+    foreign_code_may_run(where);
     answer(PyObject_SetItem(container.get(), key.object.get(), value.object.get()), where);
 }
 
 void set_attr(Object owner, At name, const Operand& value) {
+    foreign_code_may_run(name.where);
     answer(PyObject_SetAttr(owner.get(), name.name.text, value.object.get()), name.where);
 }
 
 bool contains(Object container, const Operand& value, Where where) {
+    foreign_code_may_run(where);
     return answer(PySequence_Contains(container.get(), value.object.get()), where);
 }
 
 Py_ssize_t length(Object value, Where where) {
+    foreign_code_may_run(where);
     const Py_ssize_t size = PyObject_Size(value.get());
     if (size < 0) throw PythonError(where);
     return size;
 }
 
 Py_ssize_t count(Object number, Where where) {
+    foreign_code_may_run(where);
     const Ref index = Ref::take(PyNumber_Index(number.get()), where);
     const Py_ssize_t value = PyLong_AsSsize_t(index.get());
     if (value == -1 && PyErr_Occurred() != nullptr) throw PythonError(where);
@@ -131,6 +149,7 @@ Py_ssize_t count(Object number, Where where) {
 }
 
 bool is_instance(Object value, Object type, Where where) {
+    foreign_code_may_run(where);
     return answer(PyObject_IsInstance(value.get(), type.get()), where);
 }
 
@@ -139,6 +158,7 @@ bool is_text(Object value, Where where) {
 }
 
 Ref text_of(Object value, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyObject_Str(value.get()), where);
 }
 
@@ -152,6 +172,7 @@ Ref concat(Positional texts, Where where) {
 }
 
 Ref tuple(Positional items, Where where) {
+    foreign_code_may_run(where);
     Ref made = Ref::take(PyTuple_New(static_cast<Py_ssize_t>(items.size())), where);
     Py_ssize_t position = 0;
     for (const Operand& value : items) PyTuple_SET_ITEM(made.get(), position++, Ref::share(value.object).give());
@@ -159,6 +180,7 @@ Ref tuple(Positional items, Where where) {
 }
 
 Ref list(Positional items, Where where) {
+    foreign_code_may_run(where);
     Ref made = Ref::take(PyList_New(static_cast<Py_ssize_t>(items.size())), where);
     Py_ssize_t position = 0;
     for (const Operand& value : items) PyList_SET_ITEM(made.get(), position++, Ref::share(value.object).give());
@@ -166,6 +188,7 @@ Ref list(Positional items, Where where) {
 }
 
 Ref list_holding(std::span<Ref> items, Where where) {
+    foreign_code_may_run(where);
     Ref made = Ref::take(PyList_New(static_cast<Py_ssize_t>(items.size())), where);
     Py_ssize_t position = 0;
     for (Ref& value : items) PyList_SET_ITEM(made.get(), position++, value.give());
@@ -177,14 +200,17 @@ Ref or_new_list(Object value) {
 }
 
 Ref list_of(Object iterable, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PySequence_List(iterable.get()), where);
 }
 
 Ref set_of(Object iterable, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PySet_New(iterable.get()), where);
 }
 
 Ref slice(const Operand& start, const Operand& stop, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PySlice_New(start.object.get(), stop.object.get(), nullptr), where);
 }
 
@@ -193,20 +219,24 @@ Ref whole(Py_ssize_t value, Where where) {
 }
 
 void append(Object list, Object value, Where where) {
+    foreign_code_may_run(where);
     answer(PyList_Append(list.get(), value.get()), where);
 }
 
 Ref iterate(Object iterable, Where where) {
+    foreign_code_may_run(where);
     return Ref::take(PyObject_GetIter(iterable.get()), where);
 }
 
 Ref next(Object iterator, Where where) {
+    foreign_code_may_run(where);
     Ref value = Ref::adopt(PyIter_Next(iterator.get()));
     if (!value && PyErr_Occurred() != nullptr) throw PythonError(where);
     return value;
 }
 
 void unpack_into(Ref* targets, Py_ssize_t expected, Object value, Where where) {
+    foreign_code_may_run(where);
     if (Py_TYPE(value.get())->tp_iter == nullptr && PySequence_Check(value.get()) == 0) {
         fail(PyExc_TypeError, Format("cannot unpack non-iterable %.200s object", where), Py_TYPE(value.get())->tp_name);
     }

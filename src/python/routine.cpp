@@ -7,7 +7,9 @@
 
 #include <structmember.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <string_view>
 
 namespace quorin {
 
@@ -234,10 +236,13 @@ PyMemberDef members[] = {
     {nullptr, 0, 0, 0, nullptr},
 };
 
+PyObject* get_native_lookups(PyObject* self, void* closure);
+
 PyGetSetDef properties[] = {
     {"__doc__", get_doc, nullptr, nullptr, nullptr},
     {"__globals__", get_globals, nullptr, nullptr, nullptr},
     {"__signature__", get_signature, nullptr, nullptr, nullptr},
+    {"_native_lookups", get_native_lookups, nullptr, "What the native route depends on: names looked up.", nullptr},
     {"__text_signature__", get_text_signature, nullptr, nullptr, nullptr},
     {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, nullptr, nullptr},
     {nullptr, nullptr, nullptr, nullptr, nullptr},
@@ -250,7 +255,58 @@ PyMethodDef methods[] = {
 
 PyTypeObject routine_type{};
 
+// Every routine that was made, under its qualified name.
+struct Made {
+    std::string qualified;
+    const Definition* definition;
+};
+
+std::vector<Made>& made_routines() {
+    static auto* const all = new std::vector<Made>;
+    return *all;
+}
+
+// The routine that the name stands for: of two of one name the later one.
+const Definition* find_definition(std::string_view qualified) {
+    const auto& all = made_routines();
+    const auto found =
+        std::find_if(all.rbegin(), all.rend(), [&](const Made& made) { return made.qualified == qualified; });
+    return found == all.rend() ? nullptr : found->definition;
+}
+
+void add_lookups(const Definition& definition, std::vector<std::string>& names) {
+    for (const char* name : definition.lookups) {
+        if (std::find(names.begin(), names.end(), name) != names.end()) continue;
+        names.emplace_back(name);
+        if (const Definition* called = find_definition(name)) add_lookups(*called, names);
+    }
+}
+
+PyObject* get_native_lookups(PyObject* self, void* /*closure*/) {
+    return behind_wall(definition_of(self).name, [&] {
+        const Ref names = list({});
+        for (const std::string& name : native_lookups(definition_of(self))) {
+            append(names, Ref::take(PyUnicode_FromString(name.c_str())));
+        }
+        return Ref::take(PyList_AsTuple(names.get()));
+    });
+}
+
 }  // namespace
+
+std::vector<std::string> native_lookups(const Definition& definition) {
+    std::vector<std::string> names;
+    if (definition.has_native_route) add_lookups(definition, names);
+    return names;
+}
+
+std::vector<std::string> all_native_lookups() {
+    std::vector<std::string> names;
+    for (const Made& made : made_routines()) {
+        if (made.definition->has_native_route) add_lookups(*made.definition, names);
+    }
+    return names;
+}
 
 void ready_routine_type() {
     PyTypeObject& type = routine_type;
@@ -323,6 +379,7 @@ Ref make_routine(const Definition& definition, const char* owner) {
     self->qualified = owner == nullptr ? Ref::share(self->name).give()
                                        : Ref::take(PyUnicode_FromFormat("%s.%U", owner, self->name)).give();
     self->module = item(module_names(), "__name__"_py).give();
+    made_routines().push_back({PyUnicode_AsUTF8(self->qualified), &definition});
     return made;
 }
 

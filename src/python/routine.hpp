@@ -7,8 +7,10 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
+#include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace quorin {
 
@@ -88,6 +90,24 @@ class Body {
     Ref (*run_)(PyObject* const*);
 };
 
+// Names that the interpreter route of a routine looks up at call time and that a native route therefore depends on:
+// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". What the routines among them look up in their
+// turn stands in their own definitions.
+class Lookups {
+  public:
+    constexpr Lookups() = default;
+    constexpr Lookups(std::initializer_list<const char*> names) {
+        for (const char* name : names) names_[size_++] = name;
+    }
+    [[nodiscard]] constexpr const char* const* begin() const { return names_.data(); }
+    [[nodiscard]] constexpr const char* const* end() const { return names_.data() + size_; }
+
+  private:
+    static constexpr std::size_t most = 12;
+    std::array<const char*, most> names_{};
+    std::size_t size_ = 0;
+};
+
 struct Definition {
     const char* name;
     Parameters parameters;
@@ -95,11 +115,21 @@ struct Definition {
     const char* doc;
     // Bodies that run no foreign code, or guard the places where they do, save the count of nested calls.
     bool counts_nesting = true;
+    bool has_native_route = false;
+    // Of a routine with a native route, or of one that such a routine calls.
+    Lookups lookups = {};
     Body body;
 };
 
 // The callable of a definition. `owner` is the class that it belongs to, or null for a routine of the module.
 Ref make_routine(const Definition& definition, const char* owner);
+
+// The names that a routine's native route depends on, with those of the routines that it calls, in the order in which
+// the definitions list them. Empty for a routine without a native route.
+std::vector<std::string> native_lookups(const Definition& definition);
+
+// The same for all routines together, once each.
+std::vector<std::string> all_native_lookups();
 
 // Readies the type of all routines. To be called before the first routine is made.
 void ready_routine_type();

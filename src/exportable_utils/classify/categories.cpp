@@ -58,7 +58,7 @@ bool all_plain_texts(const ArrayColumn& labels) {
 }
 
 bool compress_natively(Object column_train_labels, Object misslist) {
-    if (!originals_in_place()) return false;
+    if (!lookups_unchanged()) return false;
     const std::optional<ArrayColumn> labels = flat_column(column_train_labels);
     if (!labels || !PyArray_ISWRITEABLE(labels->array) || !PyList_CheckExact(misslist.get())) return false;
     const std::optional<references::References> missing = references::read_references(misslist);
@@ -151,6 +151,8 @@ Examples
 >>> numpy_get_categories(X, [0, 1], ["?"])
 [['ab', 'c'], [1, 2]]
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_whatis", "pd.isnull", "compress_string"},
     .body = [](Object X, Object cat_indices, Object missing_values_list, Object categories_list2) -> Ref {
         const Ref target = or_new_list(categories_list2);
         return append_categories(X, cat_indices, missing_values_list, target);

@@ -52,7 +52,7 @@ class IntegerTest {
 
 // Nothing is asked of foreign code, so that looking at the rows behind the first that is no number would show nowhere.
 std::optional<bool> native_isintstr(Object X, Object missing_values_reference_list) {
-    if (!originals_in_place()) return std::nullopt;
+    if (!lookups_unchanged()) return std::nullopt;
     const std::optional<ArrayColumn> column = flat_column(X);
     if (!column) return std::nullopt;
     const std::optional<references::References> missing =
@@ -117,6 +117,8 @@ Examples
 >>> numpy_isintstr(np.array(["1", "?", "30"], dtype=object), ["?"])
 True
 )",
+    .has_native_route = true,
+    .lookups = {"isint"},
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
         if (const auto flag = native_isintstr(X, missing_values_reference_list)) return Ref::truth(*flag);
         const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);

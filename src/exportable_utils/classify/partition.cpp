@@ -65,7 +65,7 @@ bool partition_with_references(Partition& partition, Object X, const ArrayColumn
 
 // Straight from the column's memory. False, and nothing done, where that is not for memory to say.
 bool partition_natively(Partition& partition, Object X, Object missing_values_reference_list, bool first_only) {
-    if (!originals_in_place()) return false;
+    if (!lookups_unchanged()) return false;
     const std::optional<ArrayColumn> column = single_column(X);
     if (!column) return false;
     const std::optional<references::References> markers =

@@ -38,7 +38,7 @@ Scan::Scan(Object missing_rows)
 }
 
 void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
-    if (originals_in_place() && run_native(XX, xx_xounts, missing_values_list)) return;
+    if (lookups_unchanged() && run_native(XX, xx_xounts, missing_values_list)) return;
     const Py_ssize_t values = count(row_count(XX));
     for (Py_ssize_t i = 0; i < values; ++i) {
         const Ref elt = item(XX, i);

@@ -75,8 +75,8 @@ bool ask_least_texts(Object X, Object missing_values_reference_list) {
 // The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
 // Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
 std::optional<Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
-    const bool date_test_is_silent = date_test_in_place();
-    if (!date_test_is_silent && !originals_in_place()) return std::nullopt;
+    const bool date_test_is_silent = lookups_and_date_test_unchanged();
+    if (!date_test_is_silent && !lookups_unchanged()) return std::nullopt;
     const std::optional<ArrayColumn> column = single_column(X);
     if (!column) return std::nullopt;
     const std::optional<references::References> markers =
@@ -146,6 +146,10 @@ Examples
 >>> numpy_whatis(np.array(["1", "2", "*", "", "30"], dtype=object), ["?", "", "-", np.nan])
 (['', '*'], 'int_str')
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_flatten_column", "numpy_compute_missing_indicator", "get_unique_values", "np.nan", "isint",
+                "isfloat", "six.string_types", "np.float", "np.integer", "numbers.Integral", "np.bool_",
+                "FCplus.is_column_string_in_datetime_format"},
     .body = [](Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug,
                Object use_dtype_str1_flag, Object return_stats_flag) -> Ref {
         const bool short_question = PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False) &&
@@ -182,7 +186,7 @@ Examples
         }
         new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
 
-        if (partition.natively && return_stats_flag.is(Py_False) && date_test_in_place()) {
+        if (partition.natively && return_stats_flag.is(Py_False) && lookups_and_date_test_unchanged()) {
             return tuple({new_missing_values_list, dtype_str_final});
         }
         const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);

@@ -43,7 +43,7 @@ double ratio(Py_ssize_t part, Py_ssize_t whole) {
 // Counted no further than it matters: beyond `uni_max` and the few distinct values that are always few.
 std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
     constexpr long most_counted = 100000;
-    if (!originals_in_place() || !PyLong_CheckExact(uni_max.get()) || !PyFloat_CheckExact(uni_ratio.get())) return {};
+    if (!lookups_unchanged() || !PyLong_CheckExact(uni_max.get()) || !PyFloat_CheckExact(uni_ratio.get())) return {};
     int overflow = 0;
     const long most = PyLong_AsLongAndOverflow(uni_max.get(), &overflow);
     if (overflow != 0 || most < 0 || most > most_counted) return {};
@@ -60,7 +60,7 @@ std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_rat
 // In an array of numbers only numbers are in the list: a null read from an array is an object of its own, equal to
 // none.
 Ref native_without(Object y, Object misslist) {
-    if (!originals_in_place() || !PyList_CheckExact(misslist.get())) return {};
+    if (!lookups_unchanged() || !PyList_CheckExact(misslist.get())) return {};
     const std::optional<ArrayColumn> column = flat_column(y);
     if (!column || column->storage == Storage::fixed_text) return {};
     std::optional<references::References> markers = references::read_references(misslist, *column);
@@ -138,6 +138,8 @@ Examples
 >>> FCplus.is_num_column_categorical(np.arange(10) % 4)
 True
 )",
+    .has_native_route = true,
+    .lookups = {"np.unique"},
     .body = [](Object dfc, Object uni_max, Object uni_ratio) -> Ref {
         if (const std::optional<bool> few = native_few_values(dfc, uni_max, uni_ratio)) return Ref::truth(*few);
         const Ref uni = distinct_values(dfc);
@@ -185,6 +187,8 @@ True
 >>> FCplus.is_column_categorical(np.array([0.5, 1.5, 2.5]))
 False
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis", "np.asarray", "FCplus.is_num_column_categorical"},
     .body = [](Object y, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
         const auto [misslist, dtype_str] = Classifier()(y, l_missing_values_reference_list);

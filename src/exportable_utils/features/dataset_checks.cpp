@@ -31,7 +31,7 @@ bool hit(Question question, const Classified& column) {
 // The columns of a table of numbers that the question hits, straight from its memory: numbers are never text, and
 // without a number among the markers only nulls are missing.
 std::optional<std::vector<bool>> native_hits(Question question, Object X, Object markers_list, bool one_is_enough) {
-    if (!date_test_in_place() || !is_exact_array(X)) return std::nullopt;
+    if (!lookups_and_date_test_unchanged() || !is_exact_array(X)) return std::nullopt;
     PyArrayObject* array = as_array(X);
     if (PyArray_NDIM(array) != 2 || PyArray_DIM(array, 1) == 0) return std::nullopt;
     const std::optional<references::References> markers = references::read_references(markers_list);
@@ -161,6 +161,8 @@ Examples
 >>> FCplus.is_dataset_preprocessed(np.array([[1.0, 2.0], [np.nan, 3.0]]))
 False
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis"},
     .body = no_column<Question{.missing = true, .text = true}>,
 };
 
@@ -190,6 +192,8 @@ Examples
 >>> FCplus.is_dataset_missing(np.array([[1.0, 2.0], [np.nan, 3.0]]))
 False
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis"},
     .body = no_column<Question{.missing = true, .text = false}>,
 };
 
@@ -217,6 +221,8 @@ Examples
 >>> FCplus.get_dataset_missing_columns(np.array([[1.0, 2.0], [np.nan, 3.0]]))
 [0]
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis"},
     .body = columns_with<Question{.missing = true, .text = false}>,
 };
 
@@ -243,6 +249,8 @@ Examples
 >>> FCplus.is_dataset_numeric(np.array([[1.0, "2.5"], [2.0, "3.5"]], dtype=object))
 False
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis"},
     .body = no_column<Question{.missing = false, .text = true}>,
 };
 
@@ -270,6 +278,8 @@ Examples
 >>> FCplus.get_dataset_non_numeric_columns(np.array([[1.0, "2.5"], [2.0, "3.5"]], dtype=object))
 [1]
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis"},
     .body = columns_with<Question{.missing = false, .text = true}>,
 };
 

@@ -64,6 +64,7 @@ Examples
 >>> FCplus.is_column_string_in_datetime_format(np.array(["2024-01-31", "2024-02-29"]))
 True
 )",
+    .lookups = {"FC.is_string_in_datetime_format"},
     .body = delegate<"is_string_in_datetime_format">,
 };
 

@@ -16,7 +16,7 @@ namespace {
 // All objects of the column are held before the first tuple is made: that may start the collector, and with it code
 // that writes into the column.
 Ref native_classes(Object y, Object left_out) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(y);
     if (!column) return {};
     const std::optional<references::References> values = references::read_references(left_out, *column);
@@ -77,6 +77,8 @@ Examples
 >>> FCplus.getClasses(np.array(["b", "a", "?", "b"], dtype=object))
 [('b', 2.0), ('a', 1.0)]
 )",
+    .has_native_route = true,
+    .lookups = {"setValueOrDefault", "numpy_whatis", "Counter"},
     .body = [](Object y, Object exclude_missing_class_flag, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
         const auto [misslist, dtype_str] = Classifier()(y, l_missing_values_reference_list);

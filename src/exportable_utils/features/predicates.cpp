@@ -25,7 +25,7 @@ constexpr auto guarded = [](Object dfc) -> Ref {
 // Whether a column has more than two distinct values, the missing ones among them.
 std::optional<bool> native_several_values(Object dfc) {
     constexpr std::size_t several = 3;
-    if (!originals_in_place()) return std::nullopt;
+    if (!lookups_unchanged()) return std::nullopt;
     const std::optional<ArrayColumn> column = single_column(dfc);
     if (!column) return std::nullopt;
     std::optional<std::size_t> distinct = distinct::count_distinct_texts(*column, several);
@@ -300,6 +300,8 @@ Examples
 >>> FCplus.is_column_categorical_mult_cats(np.array(["a", "b", "c"], dtype=object))
 True
 )",
+    .has_native_route = true,
+    .lookups = {"FCplus.is_column_categorical", "np.unique"},
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         Ref answer = is_categorical(dfc, missing_values_reference_list);
         if (!truth(answer)) return answer;

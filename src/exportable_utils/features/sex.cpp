@@ -68,7 +68,7 @@ class SexWords {
 
 // Whether the distinct values of a column of texts and nulls are one of the two pairs, in any order.
 std::optional<bool> native_sex(Object series) {
-    if (!originals_in_place()) return std::nullopt;
+    if (!lookups_unchanged()) return std::nullopt;
     if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return std::nullopt;
     const Ref values = series.attr("values"_py);
     const std::optional<ArrayColumn> column = flat_column(values, Storage::objects);
@@ -123,6 +123,8 @@ Examples
 >>> FCplus.is_column_sex(pd.DataFrame({0: ["f", "m", "f"]}))
 True
 )",
+    .has_native_route = true,
+    .lookups = {"pd.Series", "pd.Series.unique"},
     .body = [](Object dfc) -> Ref {
         if (!first_cell_is_text(dfc)) return Ref::truth(false);
         const Ref series = item(dfc, 0);

@@ -126,7 +126,7 @@ std::optional<bool> passes(const ArrayColumn& values, const Measured& kind, cons
 }
 
 std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
-    if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
+    if (!lookups_unchanged() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
     const std::optional<ArrayColumn> values = single_column(X);
     if (!values) return std::nullopt;
     const std::optional<Measured> kind = measured(*values);
@@ -199,6 +199,7 @@ Examples
 >>> FCplus.check_statistics(pd.DataFrame({0: [170.0, 180.0]}), 66.4, 3.9, 21.5, 107.1, 3, [1, 1 / 2.54])
 True
 )",
+    .has_native_route = true,
     .body = [](Object dfc, Object mean_value, Object std_value, Object min_value, Object max_value, Object num_stds,
                Object unit_factors_list) -> Ref {
         const Bounds bounds{mean_value, std_value, min_value, max_value, num_stds};
@@ -243,6 +244,7 @@ Examples
 >>> FCplus.is_column_height(pd.DataFrame({"inches": [62.0, 66.5, 71.0]}))
 True
 )",
+    .lookups = {"FCplus.check_statistics"},
     .body = [](Object dfc) -> Ref {
         if (first_cell_is_text(dfc)) return Ref::truth(false);
         // The mean is that of the two means; the deviation is (2.9 ** 2 + 2.7 ** 2) / 4.
@@ -277,6 +279,7 @@ Examples
 >>> FCplus.is_column_weight(pd.DataFrame({"pounds": [125, 180, 240]}))
 True
 )",
+    .lookups = {"FCplus.check_statistics"},
     .body = [](Object dfc) -> Ref {
         if (first_cell_is_text(dfc)) return Ref::truth(false);
         return check({dfc, 177.9, 40.9, 102, 300, 3, list({1, 0.453592})});
@@ -314,6 +317,7 @@ Examples
 >>> FCplus.is_column_age(pd.DataFrame({"age": [18, 35, 62]}))
 True
 )",
+    .lookups = {"setValueOrDefault", "numpy_whatis", "FCplus.check_statistics"},
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
         // The first row stands for the column.

@@ -72,7 +72,7 @@ Ref cumulated(Object masks) {
 
 // One pass over the column for all markers; the first one that occurs stands for all where one is enough.
 Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
-    if (!originals_in_place() || !PyList_CheckExact(missing_values_list.get())) return {};
+    if (!lookups_unchanged() || !PyList_CheckExact(missing_values_list.get())) return {};
     const std::optional<ArrayColumn> column = single_column(X);
     if (!column) return {};
     const std::optional<references::References> markers = references::read_references(missing_values_list, *column);
@@ -126,6 +126,8 @@ Examples
 >>> mask, markers
 (array([False,  True,  True]), ['?', ''])
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_isin", "np.any", "np.zeros"},
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
         if (PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False)) {
             const bool one_is_enough = stop_at_one_missing_value_flag.is(Py_True);

@@ -28,7 +28,7 @@ Ref membership_test(Object reference_set) {
 
 // The mask of one flat column, straight from its memory.
 std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
-    if (!originals_in_place()) return std::nullopt;
+    if (!lookups_unchanged()) return std::nullopt;
     const std::optional<references::References> members = references::read_members(reference_set);
     if (!members) return std::nullopt;
     const std::optional<ArrayColumn> column = flat_column(l);
@@ -37,7 +37,7 @@ std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
 }
 
 std::optional<Ref> native_isin(Object X, Object values_reference_list) {
-    if (!originals_in_place() || !PyList_CheckExact(values_reference_list.get())) return std::nullopt;
+    if (!lookups_unchanged() || !PyList_CheckExact(values_reference_list.get())) return std::nullopt;
     const std::optional<ArrayColumn> column = single_column(X);
     if (!column) return std::nullopt;
     const std::optional<references::References> values = references::read_references(values_reference_list, *column);
@@ -77,6 +77,8 @@ Examples
 >>> indicator_mask({"?", 1}, ["a", "?"])
 array([False,  True])
 )",
+    .has_native_route = true,
+    .lookups = {"np.vectorize"},
     .body = [](Object reference_set, Object l) -> Ref {
         if (std::optional<Ref> mask = native_indicator_mask(reference_set, l)) return std::move(*mask);
         const Ref is_in_reference = global("np"_py).attr("vectorize"_py)({membership_test(reference_set)},
@@ -116,6 +118,8 @@ Examples
 >>> numpy_isin(np.array([None, "?", "x"], dtype=object), ["?", np.nan])
 array([ True,  True, False])
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_flatten_column", "pd.isnull", "np.any", "np.asarray", "indicator_mask"},
     .body = [](Object X, Object values_reference_list, Object debug) -> Ref {
         if (debug.is(Py_False)) {
             if (std::optional<Ref> mask = native_isin(X, values_reference_list)) return std::move(*mask);

@@ -20,7 +20,7 @@ bool is_mixed_text_failure(Object message) {
 // The distinct values that are not on the list, with their counts if they are wanted. Without counts newer releases of
 // numpy find those of floats by another way, where another one of several equal floats may stand for them.
 Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(y);
     if (!column) return {};
     const bool floats = column->storage == Storage::float64 || column->storage == Storage::float32;
@@ -81,6 +81,8 @@ Examples
 >>> get_unique_values(np.array(["b", "?", "a", "b"], dtype=object), ["?"])
 array(['a', 'b'], dtype=object)
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_isin", "np.unique", "numpy_column_float2str"},
     .body = [](Object y, Object exclusion_list, Object return_index, Object return_inverse, Object return_counts,
                Object fast_str_conversion_flag) -> Ref {
         const bool plain_question =

@@ -74,6 +74,7 @@ Examples
 >>> compress_string("a", compress_type="hash")
 16955237001963240173058271559858726497
 )",
+    .lookups = {"hashlib.md5"},
     .body = [](Object s, Object compress_type) -> Ref {
         if (equal(compress_type, "string"_py)) return without_white_space(s);
         return digest(s);
@@ -118,6 +119,8 @@ Examples
 >>> compress_str_column(np.array(["New York", "Oslo", "?"], dtype=object), ["?"])
 array(['NewYork', 'Oslo', '?'], dtype=object)
 )",
+    .has_native_route = true,
+    .lookups = {"np.asarray", "pd.isnull", "np.nan", "compress_string"},
     .body = [](Object X, Object misslist, Object compress_type) -> Ref {
         if (Ref Xcol = native_compress_str_column(X, misslist, compress_type)) return Xcol;
         const Ref Xcol = is_instance(X, &PyList_Type) ? global("np"_py).attr("asarray"_py)({X}) : Ref::share(X);

@@ -175,7 +175,7 @@ bool allows_digests() {
 }  // namespace
 
 Ref native_compress_str_column(Object X, Object misslist, Object compress_type) {
-    if (!originals_in_place() || !PyUnicode_CheckExact(compress_type.get())) return {};
+    if (!lookups_unchanged() || !PyUnicode_CheckExact(compress_type.get())) return {};
     if (!PyList_CheckExact(misslist.get())) return {};
     const std::optional<ArrayColumn> column = flat_column(X);
     if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !rows_are_disjoint(*column)) return {};

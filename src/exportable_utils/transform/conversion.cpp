@@ -69,6 +69,8 @@ Examples
 >>> numpy_floatstr2float(np.array(["1.5", "?", "1e3"], dtype=object), ["?"])
 array([   1.5,    nan, 1000. ])
 )",
+    .has_native_route = true,
+    .lookups = {"isfloat", "np.nan"},
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
         if (Ref Z = native_floatstr2float(X, missing_values_reference_list)) return Z;
         const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);
@@ -115,6 +117,8 @@ Examples
 >>> numpy_boolean2float(np.array([True, False]))
 array([1., 0.])
 )",
+    .has_native_route = true,
+    .lookups = {"numpy_isin", "np.nan"},
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
         if (Ref Y = native_boolean2float(X, missing_values_reference_list)) return Y;
         if (!equal(X.attr("dtype"_py), "bool"_py)) return Ref::share(X);
@@ -179,6 +183,8 @@ Examples
 >>> numpy_column_float2str(np.array([1.0, 2.5, np.nan], dtype=object), False)
 array(['1', '2.5', '?'], dtype=object)
 )",
+    .has_native_route = true,
+    .lookups = {"pd.isnull", "np.float", "np.int"},
     .body = [](Object X, Object fast_conversion_flag) -> Ref {
         if (truth(fast_conversion_flag)) {
             if (Ref Y = native_float2str(X)) return Y;

@@ -105,7 +105,7 @@ bool to_floats(const ArrayColumn& column, const References& missing, double* out
 }  // namespace
 
 Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(X);
     if (!column) return {};
     const std::optional<References> missing = references::read_references(missing_values_reference_list, *column);
@@ -116,7 +116,7 @@ Ref native_floatstr2float(Object X, Object missing_values_reference_list) {
 }
 
 Ref native_boolean2float(Object X, Object missing_values_reference_list) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(X, Storage::boolean);
     if (!column) return {};
     bool false_is_missing = false;

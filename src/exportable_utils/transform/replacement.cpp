@@ -40,6 +40,8 @@ Examples
 >>> numpy_putmask(np.array([1, 2]), [True, False], "?")
 array(['?', 2], dtype=object)
 )",
+    .has_native_route = true,
+    .lookups = {"np.putmask"},
     .body = [](Object X, Object replace_values_mask, Object filling_value) -> Ref {
         if (Ref Y = native_putmask(X, replace_values_mask, filling_value)) return Y;
         Ref Y = X.attr("astype"_py)({&PyBaseObject_Type});
@@ -86,6 +88,8 @@ Examples
 array([[-1, 2],
        [3, -1]], dtype=object)
 )",
+    .has_native_route = true,
+    .lookups = {"np.empty", "numpy_isin", "np.any", "numpy_putmask"},
     .body = [](Object X, Object filling_value, Object reference_values_list, Object invert_flag) -> Ref {
         if (Ref Y = native_replace_values(X, filling_value, reference_values_list, invert_flag)) return Y;
         if (!truth(reference_values_list)) return Ref::share(X);

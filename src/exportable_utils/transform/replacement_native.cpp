@@ -111,7 +111,7 @@ std::optional<std::vector<Ref>> masks_of(const std::vector<ArrayColumn>& table, 
 }  // namespace
 
 Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
-    if (!originals_in_place() || !is_plain_filling(filling_value)) return {};
+    if (!lookups_unchanged() || !is_plain_filling(filling_value)) return {};
     return unless_it_fails([&]() -> Ref {
         const std::vector<ArrayColumn> table = columns_of(X);
         if (table.empty() || !keeps_row_order(X) || !is_mask_for(replace_values_mask, X)) return {};
@@ -128,7 +128,7 @@ Ref native_putmask(Object X, Object replace_values_mask, Object filling_value) {
 }
 
 Ref native_replace_values(Object X, Object filling_value, Object reference_values_list, Object invert_flag) {
-    if (!originals_in_place() || !is_plain_filling(filling_value) || !PyBool_Check(invert_flag.get())) return {};
+    if (!lookups_unchanged() || !is_plain_filling(filling_value) || !PyBool_Check(invert_flag.get())) return {};
     if (!PyList_CheckExact(reference_values_list.get()) || PyList_GET_SIZE(reference_values_list.get()) == 0) return {};
     const bool inverted = invert_flag.is(Py_True);
     return unless_it_fails([&]() -> Ref {

@@ -115,6 +115,7 @@ Examples
 >>> numpy_flatten_column(np.array([[1], [2]]))
 array([1, 2])
 )",
+    .lookups = {"np.ndarray", "np.concatenate", "numpy_remove_second_dim"},
     .body = [](Object X, Object remove_second_dim) -> Ref {
         const Ref first = item(X, 0);
         if (!is_instance(first, global("np"_py).attr("ndarray"_py)) ||

@@ -208,7 +208,7 @@ Ref slow_floats(const ArrayColumn& column) {
 }  // namespace
 
 Ref native_float2str(Object X) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(X);
     if (!column) return {};
     if (column->storage == Storage::objects) return unless_it_fails([&] { return objects_to_texts(*column); });
@@ -217,7 +217,7 @@ Ref native_float2str(Object X) {
 }
 
 Ref native_slow_float2str(Object X) {
-    if (!originals_in_place()) return {};
+    if (!lookups_unchanged()) return {};
     const std::optional<ArrayColumn> column = flat_column(X);
     if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !rows_are_disjoint(*column)) return {};
     if (column->storage == Storage::objects) return unless_it_fails([&] { return slow_objects(*column); });

@@ -9,18 +9,25 @@
 #include "core/cells/fixed_width.hpp"
 #include "core/column.hpp"
 #include "core/gather/text_facts.hpp"
+#include "python/borrow.hpp"
 #include "python/numpy.hpp"
 
 namespace quorin {
 
 using core::Storage;
 
-// A column of a numpy array. The array must stay alive and unchanged while this is in use.
+// A column of a numpy array, borrowed: no foreign code may run while this lives. X itself belongs to the caller.
 struct ArrayColumn : core::Column {
     PyArrayObject* array;
+    [[no_unique_address]] Borrow borrow{};
 
     [[nodiscard]] PyObject* object(std::size_t row) const noexcept {
         return *reinterpret_cast<PyObject* const*>(at(row));
+    }
+    // Whether another view, taken before foreign code ran, is of the same memory and type.
+    [[nodiscard]] bool is_same_memory(const core::Column& before) const noexcept {
+        return data == before.data && stride == before.stride && rows == before.rows && storage == before.storage &&
+               width == before.width && is_signed == before.is_signed;
     }
 };
 

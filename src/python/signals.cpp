@@ -1,0 +1,20 @@
+#include "python/signals.hpp"
+
+#include "python/borrow.hpp"
+
+namespace quorin {
+
+void answer_signals(Where where) {
+    foreign_code_may_run(where);
+    if (PyErr_CheckSignals() < 0) throw Interrupted(where);
+}
+
+void SignalTimer::poll(Where where) {
+    constexpr auto interval = std::chrono::milliseconds(20);
+    const Clock::time_point now = Clock::now();
+    if (now - last_ < interval) return;
+    answer_signals(where);
+    last_ = Clock::now();
+}
+
+}  // namespace quorin

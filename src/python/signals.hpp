@@ -1,0 +1,47 @@
+// Answering signals inside long native loops.
+#pragma once
+
+#include "python/errors.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
+namespace quorin {
+
+// What the handler of a signal raised, such as KeyboardInterrupt. It ends the call: no other route is tried.
+class Interrupted : public PythonError {
+  public:
+    using PythonError::PythonError;
+};
+
+// Runs the Python handlers of the signals that have arrived. They are foreign code. Throws Interrupted if one raises.
+void answer_signals(Where where = Where::current());
+
+// Answers signals at most every 20 ms, however often it is called.
+class SignalTimer {
+  public:
+    void poll(Where where = Where::current());
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    Clock::time_point last_ = Clock::now();
+};
+
+// Calls block(first, last) for consecutive ranges of rows, and answers signals between them. `block` opens the column
+// anew in each call, since a handler may have changed it; it returns false to give up. A range takes a few
+// milliseconds at most, and short columns are one range.
+constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
+
+template <class Block>
+bool in_blocks(std::size_t rows, Block block, Where where = Where::current()) {
+    if (rows <= rows_between_signals) return block(std::size_t{0}, rows);
+    SignalTimer timer;
+    for (std::size_t first = 0; first < rows; first += rows_between_signals) {
+        if (first != 0) timer.poll(where);
+        if (!block(first, std::min(rows, first + rows_between_signals))) return false;
+    }
+    return true;
+}
+
+}  // namespace quorin
