@@ -80,7 +80,7 @@ Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
     const std::optional<references::MarkedRows> found = references::marked_rows(*column, *markers);
     if (!found) return {};
     if (found->bits == 0) return tuple({found->mask, all_false(column->rows), list({})});
-    const std::uint32_t counted = one_is_enough ? references::lowest(found->bits) : found->bits;
+    const core::ReferenceBits counted = one_is_enough ? references::lowest(found->bits) : found->bits;
     const Ref exist = references::list_of_references(*markers, counted);
     if (one_is_enough) {
         const Ref& first = found->masks.front();

@@ -10,7 +10,7 @@ bool is_same_null_listed(PyObject* null, const References& list) noexcept {
 
 std::optional<bool> is_integer_listed(PyObject* integer, const References& list) noexcept {
     if (list.numbers.empty()) return false;
-    const std::optional<std::uint32_t> bits = list.bits_of_object(object_number_of(integer));
+    const std::optional<core::ReferenceBits> bits = list.bits_of_object(object_number_of(integer));
     if (!bits) return std::nullopt;
     return *bits != 0;
 }

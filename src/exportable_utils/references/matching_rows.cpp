@@ -24,7 +24,7 @@ Ref empty_mask(std::size_t rows) {
 }
 
 // An element that is neither text nor null nor Python's own number: a numpy scalar that equals and hashes as they do.
-std::optional<std::uint32_t> bits_of_other(PyObject* value, const References& values) noexcept {
+std::optional<core::ReferenceBits> bits_of_other(PyObject* value, const References& values) noexcept {
     if (value == nullptr) return std::nullopt;
     const ObjectNumber number = object_number_of(value);
     if (number.type == NumberType::none) {
@@ -51,7 +51,7 @@ bool match_objects(const ArrayColumn& column, const References& values, OnMatch 
         core::TextView text{};
         switch (cells.read(row, text)) {
             case core::Cell::text:
-                if (const std::uint32_t found = values.texts.find(text); found != 0) {
+                if (const core::ReferenceBits found = values.texts.find(text); found != 0) {
                     on_match(row, values.bits_of_texts(found));
                 }
                 break;
@@ -62,7 +62,7 @@ bool match_objects(const ArrayColumn& column, const References& values, OnMatch 
                 PyObject* value = column.object(row);
                 // Plain numbers equal no text.
                 if (!numbers && value != nullptr && (PyLong_CheckExact(value) || PyFloat_CheckExact(value))) break;
-                const std::optional<std::uint32_t> bits = bits_of_other(value, values);
+                const std::optional<core::ReferenceBits> bits = bits_of_other(value, values);
                 if (!bits) return false;
                 if (*bits != 0) on_match(row, *bits);
                 break;
@@ -79,7 +79,7 @@ bool match_fixed_texts(const ArrayColumn& column, const References& values, OnMa
         if (cells.longer_than(row, values.texts.longest())) continue;
         core::TextView text{};
         cells.read(row, text);
-        if (const std::uint32_t found = values.texts.find(text); found != 0) {
+        if (const core::ReferenceBits found = values.texts.find(text); found != 0) {
             on_match(row, values.bits_of_texts(found));
         }
     }
@@ -91,7 +91,7 @@ bool match_floats(const ArrayColumn& column, const References& values, OnMatch o
     if (values.null_bits == 0 && values.numbers.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const double value = static_cast<double>(core::load<Float>(column, row));
-        const std::uint32_t bits = std::isnan(value) ? values.null_bits : values.bits_of_number(value);
+        const core::ReferenceBits bits = std::isnan(value) ? values.null_bits : values.bits_of_number(value);
         if (bits != 0) on_match(row, bits);
     }
     return true;
@@ -103,7 +103,7 @@ template <class Integer, class OnMatch>
 bool match_integers(const ArrayColumn& column, const References& values, OnMatch on_match) {
     struct Whole {
         long long value;
-        std::uint32_t bit;
+        core::ReferenceBits bit;
     };
     std::vector<Whole> whole_values;
     for (const References::Number& number : values.numbers) {
@@ -114,7 +114,7 @@ bool match_integers(const ArrayColumn& column, const References& values, OnMatch
     if (whole_values.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const auto value = +core::load<Integer>(column, row);  // a boolean is compared as the number that it is
-        std::uint32_t bits = 0;
+        core::ReferenceBits bits = 0;
         for (const Whole& whole_value : whole_values) {
             if (std::cmp_equal(value, whole_value.value)) bits |= whole_value.bit;
         }
@@ -146,7 +146,7 @@ bool can_only_be_null(const ArrayColumn& column, const References& values) noexc
 }
 
 // The rows that hold NaN.
-Members null_rows(const ArrayColumn& column, std::uint32_t bits) {
+Members null_rows(const ArrayColumn& column, core::ReferenceBits bits) {
     Members found{new_array(column.rows, NPY_BOOL)};
     const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
     found.marked = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(found.mask)));
@@ -172,7 +172,7 @@ std::optional<Members> find_members(const ArrayColumn& column, const References&
     if (first_only) return first_members(column, values);
     Members found{empty_mask(column.rows)};
     std::uint8_t* out = bytes_of(found.mask);
-    const auto on_match = [&](std::size_t row, std::uint32_t bits) {
+    const auto on_match = [&](std::size_t row, core::ReferenceBits bits) {
         out[row] = 1;
         found.bits |= bits;
         ++found.marked;
@@ -198,7 +198,7 @@ std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const Reference
     }
     std::array<Ref, core::most_references> masks;
     std::array<std::uint8_t*, core::most_references> outs{};
-    const auto on_match = [&](std::size_t row, std::uint32_t bits) {
+    const auto on_match = [&](std::size_t row, core::ReferenceBits bits) {
         for (; bits != 0; bits &= bits - 1) {
             const auto i = static_cast<std::size_t>(std::countr_zero(bits));
             if (outs[i] == nullptr) {
@@ -211,7 +211,7 @@ std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const Reference
     if (!match_rows(column, values, on_match)) return std::nullopt;
     for (std::size_t i = 0; i < masks.size(); ++i) {
         if (!masks[i]) continue;
-        found.bits |= 1U << i;
+        found.bits |= core::ReferenceBits{1} << i;
         found.masks.push_back(std::move(masks[i]));
     }
     if (found.masks.size() == 1) {

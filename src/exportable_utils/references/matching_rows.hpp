@@ -10,9 +10,9 @@ namespace quorin::references {
 
 // The rows that equal any of the values.
 struct Members {
-    Ref mask;                // of shape (n,)
-    std::uint32_t bits = 0;  // of the values that occur
-    std::size_t marked = 0;  // rows that the mask marks
+    Ref mask;                      // of shape (n,)
+    core::ReferenceBits bits = 0;  // of the values that occur
+    std::size_t marked = 0;        // rows that the mask marks
 };
 // Nothing where an element is of no known kind. With `first_only` the first value of the list that occurs stands for
 // all of them.
@@ -23,14 +23,14 @@ std::optional<Ref> membership_mask(const ArrayColumn& column, const References& 
 
 // The rows of each value by itself, and of all of them together.
 struct MarkedRows {
-    Ref mask;                // where only one value occurs, the mask of that value itself
-    std::vector<Ref> masks;  // one for each value that occurs, in the order of the list
-    std::uint32_t bits = 0;  // of the values that occur
+    Ref mask;                      // where only one value occurs, the mask of that value itself
+    std::vector<Ref> masks;        // one for each value that occurs, in the order of the list
+    core::ReferenceBits bits = 0;  // of the values that occur
 };
 std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const References& values);
 
 // The bit of the first of these values.
-constexpr std::uint32_t lowest(std::uint32_t bits) noexcept {
+constexpr core::ReferenceBits lowest(core::ReferenceBits bits) noexcept {
     return bits & (~bits + 1U);
 }
 

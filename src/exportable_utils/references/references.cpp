@@ -20,7 +20,7 @@ enum class Texts { looked_for, passed_over };
 bool read(References& markers, PyObject* marker, Texts texts) {
     const std::size_t index = markers.objects.size();
     if (index == core::most_references) return false;
-    const std::uint32_t bit = 1U << index;
+    const core::ReferenceBits bit = core::ReferenceBits{1} << index;
     if (is_exact_null(marker)) {
         markers.null_bits |= bit;
     } else if (is_plain_text(marker)) {
@@ -89,7 +89,7 @@ bool unchanged_by_asarray(const References& markers) noexcept {
     return !texts || markers.numbers.empty();
 }
 
-std::vector<Ref> held(const References& markers, std::uint32_t bits) {
+std::vector<Ref> held(const References& markers, core::ReferenceBits bits) {
     std::vector<Ref> found;
     found.reserve(static_cast<std::size_t>(std::popcount(bits)));
     for (; bits != 0; bits &= bits - 1) {
@@ -98,7 +98,7 @@ std::vector<Ref> held(const References& markers, std::uint32_t bits) {
     return found;
 }
 
-Ref list_of_references(const References& markers, std::uint32_t bits) {
+Ref list_of_references(const References& markers, core::ReferenceBits bits) {
     if (bits == 0) return list({});
     std::vector<Ref> found = held(markers, bits);
     return list_holding(found);

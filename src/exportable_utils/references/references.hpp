@@ -1,6 +1,7 @@
 // A list of missing-value markers or of other reference values, read for native routes.
 #pragma once
 
+#include <bit>
 #include <optional>
 #include <vector>
 
@@ -14,26 +15,24 @@ namespace quorin::references {
 struct References {
     struct Number {
         double value;  // a marker that is an integer is exact here, or there would be no `References`
-        std::uint32_t bit;
+        core::ReferenceBits bit;
     };
     References() noexcept {}  // NOLINT(*-use-equals-default): one that the compiler made would fill all room with zeros
     core::InplaceVector<PyObject*, core::most_references> objects;
     core::ReferenceTexts texts;
-    core::InplaceVector<std::uint32_t, core::most_references> text_bits;  // of the texts of the set, in its order
-    std::uint32_t null_bits = 0;
+    core::InplaceVector<core::ReferenceBits, core::most_references> text_bits;  // of the texts of the set, in its order
+    core::ReferenceBits null_bits = 0;
     core::InplaceVector<Number, core::most_references> numbers;
 
     [[nodiscard]] bool none() const noexcept { return objects.empty(); }
     // From the bits of the set to those of the list.
-    [[nodiscard]] std::uint32_t bits_of_texts(std::uint32_t found) const noexcept {
-        std::uint32_t bits = 0;
-        for (std::size_t i = 0; found >> i != 0; ++i) {
-            if ((found >> i & 1U) != 0) bits |= text_bits[i];
-        }
+    [[nodiscard]] core::ReferenceBits bits_of_texts(core::ReferenceBits found) const noexcept {
+        core::ReferenceBits bits = 0;
+        for (; found != 0; found &= found - 1) bits |= text_bits[static_cast<std::size_t>(std::countr_zero(found))];
         return bits;
     }
-    [[nodiscard]] std::uint32_t bits_of_number(double value) const noexcept {
-        std::uint32_t bits = 0;
+    [[nodiscard]] core::ReferenceBits bits_of_number(double value) const noexcept {
+        core::ReferenceBits bits = 0;
         for (const Number& number : numbers) {
             if (number.value == value) bits |= number.bit;
         }
@@ -41,7 +40,7 @@ struct References {
     }
     // Of an object that is not NaN. Nothing where a float is compared with an integer that a 64-bit float
     // might not hold.
-    [[nodiscard]] std::optional<std::uint32_t> bits_of_object(const ObjectNumber& number) const noexcept {
+    [[nodiscard]] std::optional<core::ReferenceBits> bits_of_object(const ObjectNumber& number) const noexcept {
         if (number.type == NumberType::none) return 0;
         if (number.type == NumberType::real) return bits_of_number(number.real);
         if (!number.beyond_exact()) return bits_of_number(static_cast<double>(number.whole));
@@ -71,9 +70,9 @@ std::optional<References> read_members(Object set);
 bool unchanged_by_asarray(const References& markers) noexcept;
 
 // The markers of these bits, held: from here on foreign code may take them out of their list.
-std::vector<Ref> held(const References& markers, std::uint32_t bits);
+std::vector<Ref> held(const References& markers, core::ReferenceBits bits);
 
 // The same as a new list.
-Ref list_of_references(const References& markers, std::uint32_t bits);
+Ref list_of_references(const References& markers, core::ReferenceBits bits);
 
 }  // namespace quorin::references
