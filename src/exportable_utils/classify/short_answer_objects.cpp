@@ -99,7 +99,8 @@ bool any_beyond_exact(const ArrayColumn& column) {
 // Numbers of different types that are equal are one distinct value, and which of them stands for it is the sort's
 // affair. The kinds that stand by themselves for some value are found in any case; two of them settle the mix.
 bool two_kinds_for_sure(const ArrayColumn& column, const References& markers) {
-    ObjectTally tally(column);
+    ObjectTally tally(column.rows);
+    const ObjectCells cells(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
         PyObject* value = column.object(row);
         if (is_exact_null(value)) continue;
@@ -107,7 +108,7 @@ bool two_kinds_for_sure(const ArrayColumn& column, const References& markers) {
         if (number.type == NumberType::none || std::isnan(number.real)) continue;
         const std::optional<core::ReferenceBits> bits = markers.bits_of_object(number);
         if (!bits) return false;
-        if (*bits == 0 && !tally.add(row)) return false;
+        if (*bits == 0 && !tally.add(column, cells, row)) return false;
     }
     unsigned alone = 0;
     for (const ObjectTally::Entry& entry : tally.entries()) {
