@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "core/distinct/number_runs.hpp"
+#include "exportable_utils/classify/column_part.hpp"
 #include "exportable_utils/classify/scan.hpp"
-#include "python/inputs/array_column.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
 #include "python/native_route.hpp"
 #include "python/operations.hpp"
@@ -154,29 +155,21 @@ bool count_values(const Values& part, bool texts, Counted& counted) {
     return false;
 }
 
-std::optional<Values> open(Object XX, Object xx_xounts) {
-    const std::optional<ArrayColumn> values = flat_column(XX);
-    const std::optional<ArrayColumn> counts = flat_column(xx_xounts);
-    if (!values || !counts || PyArray_TYPE(counts->array) != NPY_INTP || counts->rows != values->rows) return {};
-    return Values{*values, *counts, 0};
+bool starts_with_text(const ColumnSource& values) {
+    const std::optional<ArrayColumn> column = values.borrow();
+    return column && column->storage == Storage::objects && is_exact_text(column->object(0));
 }
 
 bool count_in_blocks(Object XX, Object xx_xounts, Counted& counted) {
-    std::size_t rows = 0;
-    bool texts = false;
-    if (const std::optional<Values> all = open(XX, xx_xounts)) {
-        rows = all->values.rows;
-        texts = all->values.storage == Storage::objects && is_exact_text(all->values.object(0));
-    }
-    return rows != 0 && in_blocks(rows, [&](std::size_t first, std::size_t last) {
-        std::optional<Values> part = open(XX, xx_xounts);
-        if (!part || part->values.rows != rows) return false;
-        for (ArrayColumn* column : {&part->values, &part->counts}) {
-            column->data = column->at(first);
-            column->rows = last - first;
-        }
-        part->first = first;
-        return count_values(*part, texts, counted);
+    const std::optional<ColumnSource> values = ColumnSource::flat(XX);
+    const std::optional<ColumnSource> counts = ColumnSource::flat(xx_xounts);
+    if (!values || !counts || values->rows() != counts->rows()) return false;
+    const bool texts = starts_with_text(*values);
+    return values->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const std::optional<ArrayColumn> count_column = counts->borrow();
+        if (!count_column || PyArray_TYPE(count_column->array) != NPY_INTP) return false;
+        const Values part{part_of(column, first, last), part_of(*count_column, first, last), first};
+        return count_values(part, texts, counted);
     });
 }
 

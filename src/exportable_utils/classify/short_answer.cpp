@@ -35,10 +35,10 @@ First class_of(const ObjectCells& cells, const ArrayColumn& column, std::size_t 
 
 bool starts_with_text(const NativeArguments& arguments) {
     First first = First::unknown;
-    arguments.column->in_blocks([&](const ArrayColumn& part, std::size_t) {
-        const ObjectCells cells(part);
-        for (std::size_t row = 0; row < part.rows && first == First::unknown; ++row) {
-            first = class_of(cells, part, row, *arguments.references);
+    arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t row, std::size_t last) {
+        const ObjectCells cells(column);
+        for (; row < last && first == First::unknown; ++row) {
+            first = class_of(cells, column, row, *arguments.references);
         }
         return first == First::unknown;
     });
@@ -91,11 +91,9 @@ Ref least_texts(const NativeArguments& arguments, std::size_t most) {
         if (rows.first != 0 && !gatherer.refresh(cells)) return false;
         return gatherer.gather(rows, cells, texts) != core::Walk::gave_up;
     };
-    const bool gathered = in_blocks(source.rows(), [&](std::size_t first, std::size_t last) {
-        const std::optional<ArrayColumn> column = source.borrow();
-        if (!column) return false;
-        return column->storage == Storage::objects ? gather_range(ObjectCells(*column), {first, last})
-                                                   : gather_range(ArrayTextCells(*column), {first, last});
+    const bool gathered = source.in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return column.storage == Storage::objects ? gather_range(ObjectCells(column), {first, last})
+                                                  : gather_range(ArrayTextCells(column), {first, last});
     });
     if (!gathered) return {};
     // Nulls that are not missing are distinct values.

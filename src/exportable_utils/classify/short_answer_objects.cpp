@@ -16,7 +16,7 @@ class NumberObjects {
     explicit NumberObjects(const References& references) : references_(references) {}
 
     // Returns false to give up.
-    bool gather(const ArrayColumn& column);
+    bool gather(const ArrayColumn& column, std::size_t first, std::size_t last);
 
     ReferenceBits found = 0;
     bool none = false;
@@ -38,10 +38,10 @@ class NumberObjects {
     const References& references_;
 };
 
-bool NumberObjects::gather(const ArrayColumn& column) {
+bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
     const ObjectCells cells(column);
     const bool compared = !references_.numbers.empty();
-    for (std::size_t row = 0; row < column.rows; ++row) {
+    for (std::size_t row = first; row < last; ++row) {
         cells.prefetch(row + core::prefetch_distance);
         PyObject* value = column.object(row);
         if (value == nullptr) return false;
@@ -114,9 +114,9 @@ void NumberObjects::add_kind(const ObjectNumber& number) {
 
 // Whether there is an integer that a numpy scalar may round or refuse when it is compared with it.
 bool any_beyond_exact(const ColumnSource& source) {
-    const bool none = source.in_blocks([](const ArrayColumn& part, std::size_t) {
-        for (std::size_t row = 0; row < part.rows; ++row) {
-            PyObject* value = part.object(row);
+    const bool none = source.in_blocks([](const ArrayColumn& column, std::size_t row, std::size_t last) {
+        for (; row < last; ++row) {
+            PyObject* value = column.object(row);
             if (value == nullptr || object_number_of(value).beyond_exact()) return false;
         }
         return true;
@@ -146,10 +146,9 @@ bool tally_numbers(const ArrayColumn& column, std::size_t first, std::size_t las
 bool two_kinds(const NativeArguments& arguments) {
     const std::size_t rows = arguments.column->rows();
     ObjectTally tally(rows);
-    const bool all = in_blocks(rows, [&](std::size_t first, std::size_t last) {
-        const std::optional<ArrayColumn> column = arguments.column->borrow();
-        if (!column || !tally_numbers(*column, first, last, *arguments.references, tally)) return false;
-        if (last != rows) tally.hold(*column);
+    const bool all = arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        if (!tally_numbers(column, first, last, *arguments.references, tally)) return false;
+        if (last != rows) tally.hold(column);
         return true;
     });
     if (!all) return false;
@@ -165,7 +164,9 @@ bool two_kinds(const NativeArguments& arguments) {
 bool gather_number_objects(NativeArguments& arguments, ShortFacts& facts) {
     const References& references = *arguments.references;
     NumberObjects objects(references);
-    const auto gather = [&](const ArrayColumn& part, std::size_t) { return objects.gather(part); };
+    const auto gather = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return objects.gather(column, first, last);
+    };
     if (!arguments.column->in_blocks(gather)) {
         arguments.mixed = objects.other_text && objects.numbers();
         return false;

@@ -81,9 +81,8 @@ class TextColumn {
   private:
     template <class Use>
     bool in_ranges(Use use) const {
-        return in_blocks(source().rows(), [&](std::size_t first, std::size_t last) {
-            const std::optional<ArrayColumn> column = source().borrow();
-            return column && use(make_cells_(*column), RowRange{first, last});
+        return source().in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            return use(make_cells_(column), RowRange{first, last});
         });
     }
     [[nodiscard]] const ColumnSource& source() const noexcept { return *arguments_.column; }
