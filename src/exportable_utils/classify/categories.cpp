@@ -5,7 +5,6 @@
 
 #include "core/text/label_text.hpp"
 #include "exportable_utils/classify/classify.hpp"
-#include "exportable_utils/classify/column_part.hpp"
 #include "exportable_utils/references/references.hpp"
 #include "python/indexing.hpp"
 #include "python/module_names.hpp"
@@ -64,7 +63,7 @@ bool all_exact_texts(const ArrayColumn& labels) {
 bool compress_in_blocks(const ColumnSource& labels, const References& missing) {
     if (labels.storage() == Storage::objects) {
         const auto check = [](const ArrayColumn& column, std::size_t first, std::size_t last) {
-            return all_exact_texts(part_of(column, first, last));
+            return all_exact_texts(rows_of(column, first, last));
         };
         if (!labels.in_blocks(check)) return false;
     } else if (labels.storage() != Storage::fixed_text) {
@@ -72,7 +71,7 @@ bool compress_in_blocks(const ColumnSource& labels, const References& missing) {
     }
     std::vector<char> room;
     return labels.in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
-        const ArrayColumn part = part_of(column, first, last);
+        const ArrayColumn part = rows_of(column, first, last);
         if (!PyArray_ISWRITEABLE(part.array)) return false;
         part.storage == Storage::objects ? compress_objects(part, missing, room) : compress_fixed(part, missing);
         return true;

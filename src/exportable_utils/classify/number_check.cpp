@@ -4,7 +4,6 @@
 
 #include "core/column.hpp"
 #include "exportable_utils/classify/classify.hpp"
-#include "exportable_utils/classify/column_part.hpp"
 #include "exportable_utils/references/list_membership.hpp"
 #include "python/indexing.hpp"
 #include "python/module_names.hpp"
@@ -91,7 +90,7 @@ Ref native_isintstr(Object X, Object missing_values_reference_list) {
     const bool tested = in_blocks(column->rows(), [&](std::size_t first, std::size_t last) {
         {
             const std::optional<ArrayColumn> borrowed = column->borrow();
-            if (!borrowed || !test_rows(part_of(*borrowed, first, last), *missing, test)) return false;
+            if (!borrowed || !test_rows(rows_of(*borrowed, first, last), *missing, test)) return false;
         }
         test.decide_unsettled();
         return true;

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "core/distinct/number_runs.hpp"
-#include "exportable_utils/classify/column_part.hpp"
 #include "exportable_utils/classify/scan.hpp"
 #include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
@@ -168,7 +167,7 @@ bool count_in_blocks(Object XX, Object xx_xounts, Counted& counted) {
     return values->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
         const std::optional<ArrayColumn> count_column = counts->borrow();
         if (!count_column || PyArray_TYPE(count_column->array) != NPY_INTP) return false;
-        const Values part{part_of(column, first, last), part_of(*count_column, first, last), first};
+        const Values part{rows_of(column, first, last), rows_of(*count_column, first, last), first};
         return count_values(part, texts, counted);
     });
 }

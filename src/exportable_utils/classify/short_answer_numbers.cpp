@@ -3,7 +3,6 @@
 
 #include "core/column.hpp"
 #include "core/gather/number_facts.hpp"
-#include "exportable_utils/classify/column_part.hpp"
 #include "exportable_utils/classify/short_facts.hpp"
 
 namespace quorin::classify {
@@ -49,7 +48,7 @@ core::NumberFacts gather_all(const ArrayColumn& column) {
 bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, ReferenceBits& found) {
     const References& references = *arguments.references;
     return arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
-        const ArrayColumn part = part_of(column, first, last);
+        const ArrayColumn part = rows_of(column, first, last);
         if (references.numbers.empty()) {
             if (!(facts.nulls && facts.fractions)) merge(facts, gather_all(part));
             return true;
