@@ -41,8 +41,8 @@ class IntegerTest {
         }
         return true;
     }
-    // Calls the interpreter's int() with the texts that only it can decide. Nothing may be borrowed: an exception object
-    // can start garbage collection.
+    // Calls the interpreter's int() with the texts that only it can decide. Nothing may be borrowed: an exception
+    // object can start garbage collection.
     void decide_unsettled() {
         foreign_code_may_run();
         for (const Ref& text : unsettled_) {

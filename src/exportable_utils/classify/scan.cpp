@@ -46,8 +46,8 @@ class InterpreterScan {
     std::optional<Kind> dtype_str_found_;
     bool found_nonmissing_flag_ = false;
     bool found_string_flag_ = false;
-    // A running kind that no longer follows once the stop rule holds. No result depends on it, but the rule compares the
-    // number of missing rows, which an odd number can observe.
+    // A running kind that no longer follows once the stop rule holds. No result depends on it, but the rule compares
+    // the number of missing rows, which an odd number can observe.
     Kind dtype_str3_ = Kind::unknown;
     bool dtype_str3_stop_flag_ = false;
 };

@@ -48,9 +48,7 @@ struct Values {
     ArrayColumn counts;
     std::size_t first;
 
-    [[nodiscard]] npy_intp rows_of(std::size_t i) const {
-        return *reinterpret_cast<const npy_intp*>(counts.at(i));
-    }
+    [[nodiscard]] npy_intp rows_of(std::size_t i) const { return *reinterpret_cast<const npy_intp*>(counts.at(i)); }
     // numpy.unique() makes contiguous counts.
     [[nodiscard]] bool contiguous_counts() const { return counts.stride == sizeof(npy_intp); }
     [[nodiscard]] const npy_intp* count_data() const { return reinterpret_cast<const npy_intp*>(counts.data); }
@@ -181,9 +179,7 @@ Ref numpy_whole(npy_intp value) {
 
 bool scan_memory(Object XX, Object xx_xounts, Object missing_values_list, Scan& scan) {
     Counted counted;
-    const Ref done = native_route([&] {
-        return count_in_blocks(XX, xx_xounts, counted) ? Ref::truth(true) : Ref();
-    });
+    const Ref done = native_route([&] { return count_in_blocks(XX, xx_xounts, counted) ? Ref::truth(true) : Ref(); });
     if (!done) return false;
     for (std::size_t i = 0; i < core::kind_count; ++i) {
         const Counted::Tally& tally = counted.tallies[i];

@@ -107,8 +107,8 @@ bool TextColumn<MakeCells>::gather(TextFacts& facts) const {
         if (row != 0 && !gatherer.refresh(cells)) return false;
         row = gatherer.gather(cells, row, std::min(rows, row + rows_between_signals));
         if (!gatherer.gave_up()) continue;
-        arguments_.mixed = column->storage == Storage::objects &&
-                           is_other_number(column->object(row), *arguments_.references);
+        arguments_.mixed =
+            column->storage == Storage::objects && is_other_number(column->object(row), *arguments_.references);
         return false;
     }
     facts = gatherer.finish();
@@ -222,8 +222,7 @@ bool gather_texts(NativeArguments& arguments, MakeCells make_cells, const CellsB
 
 bool gather_object_texts(NativeArguments& arguments, ShortFacts& facts) {
     if (arguments.references->numbers.empty()) {
-        return gather_texts(
-            arguments, [](const ArrayColumn& column) { return ObjectCells(column); }, nullptr, facts);
+        return gather_texts(arguments, [](const ArrayColumn& column) { return ObjectCells(column); }, nullptr, facts);
     }
     CellsBesideNumbers::Found found;
     const auto make_cells = [&](const ArrayColumn& column) {
@@ -233,8 +232,7 @@ bool gather_object_texts(NativeArguments& arguments, ShortFacts& facts) {
 }
 
 bool gather_fixed_texts(NativeArguments& arguments, ShortFacts& facts) {
-    return gather_texts(
-        arguments, [](const ArrayColumn& column) { return ArrayTextCells(column); }, nullptr, facts);
+    return gather_texts(arguments, [](const ArrayColumn& column) { return ArrayTextCells(column); }, nullptr, facts);
 }
 
 }  // namespace quorin::classify

@@ -1,8 +1,8 @@
 #include "exportable_utils/classify/classify.hpp"
 #include "exportable_utils/classify/partition.hpp"
 #include "exportable_utils/classify/progress.hpp"
-#include "exportable_utils/classify/short_answer.hpp"
 #include "exportable_utils/classify/scan.hpp"
+#include "exportable_utils/classify/short_answer.hpp"
 #include "python/indexing.hpp"
 #include "python/module_names.hpp"
 #include "python/native_route.hpp"
@@ -56,9 +56,9 @@ Ref statistics(const Partition& partition, const Scan& scan, const Conclusion& c
     return stats_dict;
 }
 
-// The short answer, if only the pair is wanted. FC's own date test has no effect but its result, which the pair does not
-// depend on. A replacement may have other effects: it is called with the 50 least distinct texts, or, if these cannot be
-// found natively, there is no short answer.
+// The short answer, if only the pair is wanted. FC's own date test has no effect but its result, which the pair does
+// not depend on. A replacement may have other effects: it is called with the 50 least distinct texts, or, if these
+// cannot be found natively, there is no short answer.
 Ref answer_shortly(const Question& question, NativeArguments& arguments) {
     constexpr std::size_t sample_size = 50;
     const bool pair_only = question.use_dtype_str1_flag.is(Py_True) && question.return_stats_flag.is(Py_False);
@@ -78,8 +78,7 @@ Ref answer_shortly(const Question& question, NativeArguments& arguments) {
 Scan scan_partition(const Partition& partition, Progress& progress) {
     const Ref missing_rows = subtract(row_count(partition.X), partition.non_missing_rows);
     progress.scan_starts(partition.XX);
-    Scan scan =
-        scan_distinct_values(partition.XX, partition.xx_xounts, partition.missing_values_list, missing_rows);
+    Scan scan = scan_distinct_values(partition.XX, partition.xx_xounts, partition.missing_values_list, missing_rows);
     progress.scan_ends(partition.XX);
     return scan;
 }
