@@ -11,8 +11,8 @@ from typing import Any
 
 
 def pytest_terminal_summary(terminalreporter: Any) -> None:
-    comparison = sys.modules.get("comparison")
-    properties = sys.modules.get("properties")
+    comparison = sys.modules.get("helpers.comparison")
+    properties = sys.modules.get("helpers.property_tests")
     if comparison is None or properties is None:
         return
     terminalreporter.write_line(

@@ -5,14 +5,10 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    replace_in,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, replace_in
+from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils.exportable_utils import FCplus
 
 

@@ -8,15 +8,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus
 

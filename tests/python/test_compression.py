@@ -9,16 +9,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils.exportable_utils import compress_str_column, compress_string
 
 NAN = np.nan

@@ -4,9 +4,11 @@ from __future__ import annotations
 
 import numpy as np
 import pytest
-from stand_ins import Looked, Overlay, Recorder, objects, plain
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.arrays import objects
+from helpers.replacements import Looked, Overlay, Recorder
+from helpers.values import plain
 
 # numpy's own word on `np.float`, which the oldest numpy still has.
 pytestmark = pytest.mark.filterwarnings("ignore:`np.float` is a deprecated alias")

@@ -8,9 +8,9 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-from routes import objects
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.arrays import objects
 
 
 class Turned:

@@ -26,10 +26,10 @@ import numpy as np
 import pandas as pd
 import pytest
 import six
-from fresh import run_fresh
-from interface_table import MODULE, PRESENT, ROWS, routine, row_id, stored
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.fresh_interpreter import run_fresh
+from helpers.interface_table import MODULE, PRESENT, ROWS, routine, row_id, stored
 from quorin_libs.utils.fc_methods import FC
 
 IMPORTED = [

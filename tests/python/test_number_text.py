@@ -12,9 +12,9 @@ import random
 
 import numpy as np
 import pytest
-from properties import CASES, SEED
-from support import objects
 
+from helpers.arrays import objects
+from helpers.property_tests import CASES, SEED
 from quorin_libs.utils.exportable_utils import isfloat, isint, numpy_whatis
 
 # Every character that the grammar treats in a way of its own, and one it does not know.

@@ -7,8 +7,8 @@ import sys
 import numpy as np
 import pandas as pd
 import pytest
-from support import Recorder, replace_in
 
+from helpers.replacements import Recorder, replace_in
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import (
     numpy_is_column_datetime,

@@ -4,11 +4,12 @@ from __future__ import annotations
 
 import pandas as pd
 import pytest
-from columns import cells, columns
-from comparison import compare, model, module
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.column_strategies import cells, columns
+from helpers.comparison import compare, model, module
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 
 class Table:

@@ -6,12 +6,13 @@ import decimal
 
 import numpy as np
 import pandas as pd
-from columns import PANDAS, columns, optional_markers
-from comparison import compare, model, module, outcome, replaced
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe, column
-from tracing import Trace
+
+from helpers.column_strategies import PANDAS, columns, optional_markers
+from helpers.comparison import compare, model, module, outcome, replaced
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe, column
+from helpers.tracing import Trace
 
 DETECTORS = [
     "is_column_sex",

@@ -5,13 +5,14 @@ from __future__ import annotations
 from typing import Any
 
 import pytest
-from cell_values import OBJECTS, SCALARS
-from columns import cells, columns, flags, texts
-from comparison import DELETED, compare, model, module, replaced
-from description import Describer
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.cell_values import OBJECTS, SCALARS
+from helpers.column_strategies import cells, columns, flags, texts
+from helpers.comparison import DELETED, compare, model, module, replaced
+from helpers.description import Describer
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 
 def caught(error: Exception, depth: int) -> Exception:

@@ -4,12 +4,13 @@ from __future__ import annotations
 
 import numpy as np
 import pytest
-from columns import marked, markers
-from comparison import DELETED, compare
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe, column
-from tracing import StandIn
+
+from helpers.column_strategies import marked, markers
+from helpers.comparison import DELETED, compare
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe, column
+from helpers.replacements import FixedAnswer
 
 CALLS = {
     "numpy_whatis": {"return_stats_flag": True},
@@ -47,7 +48,7 @@ answers = st.sampled_from(
         TypeError("'<' not supported between instances of 'int' and 'float'"),
     ]
 )  # fmt: skip
-replacements = st.builds(StandIn, answers)
+replacements = st.builds(FixedAnswer, answers)
 
 
 @property_test(

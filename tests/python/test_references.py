@@ -9,9 +9,9 @@ import types
 
 import numpy as np
 import pytest
-from leaks import leaks_blocks, repeat
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.leaks import leaks_blocks, repeat
 
 
 def fresh_cases():

@@ -3,27 +3,26 @@
 from __future__ import annotations
 
 import numpy as np
-from columns import TEXT_KINDS, flags
-from comparison import module, replaced
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
-    DATASET_CHECKS,
+
+from helpers.column_strategies import TEXT_KINDS, flags
+from helpers.comparison import module, replaced
+from helpers.native_lookups import DATASET_CHECKS, names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
     cases,
-    compare_routes,
     frame_of,
     framed,
     long_columns,
-    names_for,
     number_tables,
-    pass_through,
     route_markers,
     spread,
 )
+from helpers.routes import compare_routes, pass_through
 
 
 @property_test(weight=6, case=cases(TEXT_KINDS), by=names_for("numpy_whatis"))

@@ -7,21 +7,15 @@ import random
 
 import numpy as np
 import pytest
-from comparison import Tally, module, replaced
-from properties import property_test
-from routes import (
-    SHORT,
-    Twins,
-    cases,
-    names_for,
-    objects,
-    pass_through,
-    shown,
-    without_places,
-)
-from stand_ins import Recorder
-from tracing import Trace
 
+from helpers.arrays import objects
+from helpers.comparison import Tally, module, replaced
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.replacements import Recorder
+from helpers.route_columns import SHORT, Twins, cases
+from helpers.routes import pass_through, shown, without_places
+from helpers.tracing import Trace
 from quorin_libs.utils.fc_methods import FC
 
 NAMES = ["FC.is_string_in_datetime_format", "FCplus.is_column_string_in_datetime_format"]

@@ -9,12 +9,15 @@ import sys
 import numpy as np
 import pandas as pd
 import pytest
-from cell_values import Agreeable, Hostile, Sly, Unhashable, Whole, Word
-from comparison import Tally
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import SHAPES, compare_routes, events_of, names_for, pass_through, shown, spread
+
+from helpers.cell_values import Agreeable, Hostile, Sly, Unhashable, Whole, Word
+from helpers.comparison import Tally
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import SHAPES, spread
+from helpers.routes import compare_routes, events_of, pass_through, shown
 
 
 class Noting:

@@ -6,23 +6,16 @@ import unittest.mock
 
 import numpy as np
 import pytest
-from comparison import DELETED, Tally, find_owner, find_routine, module
 from hypothesis import assume
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
-    SHORT,
-    Twins,
-    cases,
-    compare_routes,
-    events_of,
-    names_for,
-    objects,
-    pass_through,
-    shown,
-    without_places,
-)
+
+from helpers.arrays import objects
+from helpers.comparison import DELETED, Tally, find_owner, find_routine, module
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import SHORT, Twins, cases
+from helpers.routes import compare_routes, events_of, pass_through, shown, without_places
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"

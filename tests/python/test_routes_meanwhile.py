@@ -9,8 +9,9 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-from comparison import find_routine, module
-from routes import objects
+
+from helpers.arrays import objects
+from helpers.comparison import find_routine, module
 
 
 def fresh(*words):

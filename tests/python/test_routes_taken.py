@@ -9,9 +9,13 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-from comparison import find_routine, module, replaced
-from leaks import leaks_blocks, repeat
-from routes import DATASET_CHECKS, SHAPES, events_of, objects, pass_through
+
+from helpers.arrays import objects
+from helpers.comparison import find_routine, module, replaced
+from helpers.leaks import leaks_blocks, repeat
+from helpers.native_lookups import DATASET_CHECKS
+from helpers.route_columns import SHAPES
+from helpers.routes import events_of, pass_through
 
 MARKERS = ["?", "", "-", np.nan]
 TEXTS = objects("b", "?", "a", "", "b", "c")
@@ -205,14 +209,14 @@ def test_statistics_run_nothing_but_the_date_test(kind, shape, by):
     arguments = (column, MARKERS, False, False, True, True)
     assert without_date_test(events_of("numpy_whatis", arguments, by="numpy_isin"))
     found = without_date_test(events_of("numpy_whatis", arguments, by=by))
-    assert [name for name in found if not name.startswith("stand_ins.")] == []
+    assert [name for name in found if not name.startswith("helpers.replacements.")] == []
 
 
 @pytest.mark.parametrize("kind", sorted(ALL_TEXT))
 @pytest.mark.parametrize("by", ["FC.is_string_in_datetime_format", "FC"])
 def test_foreign_date_test_of_texts(kind, by):
     events = events_of("numpy_whatis", (COLUMNS[kind], MARKERS), by=by)
-    assert [name for name in without_date_test(events) if not name.startswith("stand_ins.")] == []
+    assert [name for name in without_date_test(events) if not name.startswith("helpers.replacements.")] == []
     assert any(name.startswith(OF_THE_DATE_TEST) for _, name in events)
 
 

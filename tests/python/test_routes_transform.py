@@ -3,23 +3,24 @@
 from __future__ import annotations
 
 import numpy as np
-from columns import TEXT_KINDS, flags, marked
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
+
+from helpers.arrays import objects
+from helpers.column_strategies import TEXT_KINDS, flags, marked
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
-    compare_routes,
     long_columns,
-    names_for,
-    objects,
     plain_markers,
     route_markers,
     spread,
     tables,
 )
+from helpers.routes import compare_routes
 
 CONVERTED = TEXT_KINDS + NUMBER_KINDS + ["text and numbers"]
 listed = st.lists(

@@ -14,10 +14,10 @@ import weakref
 
 import numpy as np
 import pytest
-from fresh import run_fresh
-from interface_table import MODULE, PRESENT, REQUIRED, routine, row_id, stored
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.fresh_interpreter import run_fresh
+from helpers.interface_table import MODULE, PRESENT, REQUIRED, routine, row_id, stored
 
 every_routine = pytest.mark.parametrize("row", PRESENT, ids=row_id)
 STATIC = [row for row in PRESENT if row.static]

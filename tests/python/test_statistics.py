@@ -10,13 +10,9 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    message_of,
-    names_in_traceback,
-    objects,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils.exportable_utils import FCplus
 
 NAN = np.nan

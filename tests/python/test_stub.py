@@ -7,10 +7,10 @@ import inspect
 from pathlib import Path
 
 import pytest
-from interface_table import ROWS
 
 import quorin_libs
 import quorin_libs.utils.exportable_utils as eu
+from helpers.interface_table import ROWS
 
 STUB = Path(quorin_libs.__file__).parent / "utils" / "exportable_utils.pyi"
 TREE = ast.parse(STUB.read_text(encoding="utf-8"))

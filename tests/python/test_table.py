@@ -7,8 +7,8 @@ import doctest
 import numpy as np
 import pandas as pd
 import pytest
-from support import objects
 
+from helpers.arrays import objects
 from quorin_libs import Table, profile_table, table
 
 TWO = objects("1", "2")

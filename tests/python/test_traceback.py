@@ -7,9 +7,10 @@ import types
 
 import numpy as np
 import pytest
-from interface_table import PRESENT, routine, row_id
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.arrays import objects
+from helpers.interface_table import PRESENT, routine, row_id
 
 
 class Interrupt(BaseException):
@@ -18,12 +19,6 @@ class Interrupt(BaseException):
 
 def interrupt(*args, **kwargs):
     raise Interrupt
-
-
-def objects(*values):
-    column = np.empty(len(values), dtype=object)
-    column[:] = values
-    return column
 
 
 EVERY_TEST = types.SimpleNamespace(

@@ -8,18 +8,10 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    mask,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    records_of,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, records_of, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import get_unique_values
 

@@ -6,14 +6,10 @@ from decimal import Decimal
 
 import numpy as np
 import pytest
-from support import (
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import record, replace_in
+from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 

@@ -4,8 +4,10 @@ from __future__ import annotations
 
 import numpy as np
 import pytest
-from support import mask, objects, record, set_clock, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import record, set_clock
+from helpers.values import typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 

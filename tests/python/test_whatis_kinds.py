@@ -9,13 +9,10 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    names_in_traceback,
-    objects,
-    record,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import record
+from helpers.values import names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 

@@ -5,8 +5,10 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from support import Recorder, mask, objects, record, replace_in, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 

@@ -6,8 +6,10 @@ from decimal import Decimal
 
 import numpy as np
 import pytest
-from support import Recorder, mask, names_in_traceback, objects, record, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record
+from helpers.values import names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus, numpy_whatis
 

@@ -9,7 +9,8 @@ from typing import Any, List
 
 import numpy as np
 import pandas as pd
-from recipes import Recipe
+
+from .recipes import Recipe
 
 
 class NotAFloat:

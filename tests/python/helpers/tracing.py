@@ -9,7 +9,6 @@ from __future__ import annotations
 import types
 from typing import Any, Callable, Dict, List
 
-from recipes import build
 from reference import ns as model
 
 LIBRARIES = ("np", "pd", "FC")
@@ -30,21 +29,6 @@ class Library:
         if callable(value) and not isinstance(value, type):
             return self._note("{}.{}".format(self._name, name), value)
         return value
-
-
-class StandIn:
-    """Answers every call in the same way, each time with a fresh object."""
-
-    def __init__(self, answer: Any) -> None:
-        self.answer = answer
-
-    def __call__(self, *args: Any, **kwargs: Any) -> Any:
-        if isinstance(self.answer, Exception):
-            raise self.answer
-        return build(self.answer, {})
-
-    def __repr__(self) -> str:
-        return "StandIn({!r})".format(self.answer)
 
 
 class Trace:

@@ -11,11 +11,11 @@ import time
 import warnings
 from typing import Any, Dict, Iterator, List, Optional, Tuple
 
-from description import Describer
-from recipes import call
+import quorin_libs.utils.exportable_utils as module
 from reference import ns as model
 
-import quorin_libs.utils.exportable_utils as module
+from .description import Describer
+from .recipes import call
 
 ADDRESS = re.compile(r"(?<= at )0x[0-9a-fA-F]{6,16}")
 TRACEBACK = "Traceback (most recent call last):\n"

@@ -7,7 +7,9 @@ from typing import Any, Callable, Dict, List
 
 import numpy as np
 import pandas as pd
-from cell_values import (
+from hypothesis import strategies as st
+
+from .cell_values import (
     BOOLS,
     FLOATS,
     INTEGERS,
@@ -21,8 +23,7 @@ from cell_values import (
     SCALARS,
     Word,
 )
-from hypothesis import strategies as st
-from recipes import FLAT, PANDAS, SINGLE, TABLES, Recipe, column
+from .recipes import FLAT, PANDAS, SINGLE, TABLES, Recipe, column
 
 texts = st.one_of(
     st.sampled_from(NUMBER_TEXTS),

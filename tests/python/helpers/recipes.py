@@ -13,6 +13,8 @@ from typing import Any, Callable, Dict, List, Sequence, Tuple
 import numpy as np
 import pandas as pd
 
+from .arrays import array_of
+
 
 class Tagged(np.ndarray):
     """An array subclass without behaviour of its own."""
@@ -49,16 +51,6 @@ def _make(value: Any, made: Dict[int, Any]) -> Any:
     if type(value) in (list, tuple, set):
         return type(value)([build(item, made) for item in value])
     return value
-
-
-def array_of(values: List[Any], dtype: Any = object) -> np.ndarray:
-    """A one-dimensional array, also where the values are sequences themselves."""
-    if np.dtype(dtype) == object:
-        result = np.empty(len(values), dtype=object)
-        for i, value in enumerate(values):
-            result[i] = value
-        return result
-    return np.array(values, dtype=dtype)
 
 
 def _strided(flat: np.ndarray) -> np.ndarray:

@@ -1,0 +1,103 @@
+"""Replacements for the names that the module looks up when a routine runs."""
+
+from __future__ import annotations
+
+from typing import Any
+
+from quorin_libs.utils import exportable_utils
+
+from .recipes import build
+
+
+class Looked(BaseException):
+    """Raised by a replaced name; no ``except Exception`` of a routine may swallow it."""
+
+
+class Recorder:
+    """Stands in for a routine: notes the arguments of each call and passes the call on."""
+
+    def __init__(self, answer):
+        self.answer = answer
+        self.calls = []
+
+    def __call__(self, *args, **kwargs):
+        self.calls.append((args, kwargs))
+        return self.answer(*args, **kwargs)
+
+    def only_call(self):
+        """Arguments and keywords of the one call that was made."""
+        assert len(self.calls) == 1
+        return self.calls[0]
+
+
+class Overlay:
+    """Another object's attributes, some of them replaced; notes which are read."""
+
+    def __init__(self, base, **replaced):
+        self._base = base
+        self._read = []
+        self._replaced = replaced
+
+    def __getattr__(self, name):
+        self._read.append(name)
+        if name in self._replaced:
+            value = self._replaced[name]
+            if value is Looked:
+                raise Looked(name)
+            return value
+        return getattr(self._base, name)
+
+
+class FixedAnswer:
+    """Answers every call in the same way, each time with a fresh object."""
+
+    def __init__(self, answer: Any) -> None:
+        self.answer = answer
+
+    def __call__(self, *args: Any, **kwargs: Any) -> Any:
+        if isinstance(self.answer, Exception):
+            raise self.answer
+        return build(self.answer, {})
+
+    def __repr__(self) -> str:
+        return "FixedAnswer({!r})".format(self.answer)
+
+
+class Clock:
+    """Stands in for `time`. Every reading doubles, so a difference tells which two were taken."""
+
+    def __init__(self):
+        self.readings = 0
+
+    def time(self):
+        self.readings += 1
+        return self.at(self.readings)
+
+    @staticmethod
+    def at(reading):
+        return float(2 ** (reading - 1))
+
+    def between(self, start, end):
+        """The text of the time that elapsed between two readings, counted from 1."""
+        return str(self.at(end) - self.at(start))
+
+
+def set_clock(monkeypatch):
+    """Replace the module's `time` by a `Clock` and return it."""
+    clock = Clock()
+    monkeypatch.setattr(exportable_utils, "time", clock)
+    return clock
+
+
+def record(monkeypatch, name, answer=None, owner=exportable_utils):
+    """Replace a routine by a `Recorder`, of the routine itself unless an answer is given."""
+    recorder = Recorder(getattr(owner, name) if answer is None else answer)
+    monkeypatch.setattr(owner, name, recorder)
+    return recorder
+
+
+def replace_in(monkeypatch, module_name, **replaced):
+    """Replace names of a library (`np`, `pd`, `six`, ...) as the module sees it."""
+    overlay = Overlay(getattr(exportable_utils, module_name), **replaced)
+    monkeypatch.setattr(exportable_utils, module_name, overlay)
+    return overlay

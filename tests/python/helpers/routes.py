@@ -1,0 +1,136 @@
+"""The native route and the interpreter route of a routine, side by side.
+
+The native route is taken only while every name that the interpreter route would look up has the
+value that the module bound at start-up. A pass-through, which changes no result, put under one of
+these names therefore forces the interpreter route.
+"""
+
+from __future__ import annotations
+
+import contextlib
+import functools
+import gc
+import io
+import re
+import sys
+from typing import Any, Dict, List, Optional, Sequence, Tuple
+
+from .comparison import Tally, find_owner, find_routine, module, outcome, replaced, show_call
+from .replacements import Overlay
+from .route_columns import Twins
+
+FLAG = re.compile("invalid value encountered in (not_)?equal$")
+
+
+class _Instances(type):
+    """Stands for another class wherever instances are told by it."""
+
+    def __instancecheck__(cls, value: Any) -> bool:
+        return isinstance(value, cls.real)  # type: ignore[attr-defined]
+
+
+def _plain_value(dotted: str) -> Any:
+    owner, name = find_owner(module, dotted)
+    return getattr(owner, name)
+
+
+def pass_through(dotted: str) -> Any:
+    """Another object of the same behaviour as the one that stands under the name."""
+    value = _plain_value(dotted)
+    if dotted == "np.nan":
+        return float("nan")
+    if dotted == "six.string_types":
+        return value + value
+    if dotted == "numbers.Integral":
+        return _Instances("Integral", (), {"real": value})
+    if dotted in ("np", "pd", "six", "numbers", "hashlib", "FC", "FCplus"):
+        return Overlay(value)
+    if dotted == "pd.Series":
+        return type("Series", (value,), {})
+    if dotted == "pd.Series.unique":
+        return lambda series: value(series)
+    # Called from C without a frame of its own, so that profilers see the interpreter route alone.
+    passed = functools.partial(value)
+    return staticmethod(passed) if dotted.startswith(("FC.", "FCplus.")) else passed
+
+
+def without_places(description: Any) -> Any:
+    """The description of a result that does not tell one of several equal objects from another.
+
+    Which of them stands for the others is left to numpy's sort, which is not stable.
+    """
+    if not isinstance(description, (tuple, list)):
+        return description
+    parts = [without_places(part) for part in description]
+    if len(parts) == 3 and parts[0] in (str, float, int):
+        parts[1] = None
+    return tuple(parts)
+
+
+def shown(
+    name: str,
+    args: Tuple[Any, ...],
+    kwargs: Dict[str, Any],
+    names: Dict[str, Any],
+    trace: Any = None,
+) -> Dict[str, Any]:
+    """All that one call shows while some names are replaced.
+
+    Whether the comparison of a fraction with NaN, which is Python code, leaves the processor's flag
+    up for numpy to warn about depends on how warm the interpreter is, whatever the route.
+    """
+    seen = outcome(module, name, args, kwargs, trace, names)
+    if "Fraction(" in repr((args, kwargs)):
+        seen["warned"] = [warning for warning in seen["warned"] if not FLAG.match(warning[1])]
+    return seen
+
+
+def compare_routes(
+    name: str, by: str, args: Tuple[Any, ...], kwargs: Optional[Dict[str, Any]] = None
+) -> Dict[str, Any]:
+    """Fail unless both routes show the same; hand back what they show."""
+    kwargs = kwargs or {}
+    Tally.cases += 1
+    plain = shown(name, args, kwargs, {})
+    forced = shown(name, args, kwargs, {by: pass_through(by)})
+    if any(isinstance(arg, Twins) for arg in args):
+        for seen in (plain, forced):
+            seen["result"] = without_places(seen.get("result"))
+    if plain != forced:
+        lines = [show_call(name, args, kwargs)]
+        for key in sorted(set(plain) | set(forced)):
+            if plain.get(key) != forced.get(key):
+                lines.append("  {}".format(key))
+                lines.append("    as it stands:        {!r}".format(plain.get(key)))
+                lines.append("    {} replaced: {!r}".format(by, forced.get(key)))
+        raise AssertionError("\n".join(lines))
+    return plain
+
+
+def events_of(name: str, args: Sequence[Any], by: Optional[str] = None) -> List[Tuple[str, str]]:
+    """The calls that a profiler sees while the routine runs, as (event, function)."""
+    seen: List[Tuple[str, str]] = []
+
+    def note(frame: Any, event: str, arg: Any) -> None:
+        if event == "call":
+            seen.append(
+                (event, "{}.{}".format(frame.f_globals.get("__name__"), frame.f_code.co_name))
+            )
+        elif event == "c_call":
+            seen.append((event, getattr(arg, "__name__", repr(arg))))
+
+    names = {} if by is None else {by: pass_through(by)}
+    with replaced(module, names), contextlib.redirect_stdout(io.StringIO()):
+        routine = find_routine(module, name)
+        gc.disable()  # Hypothesis hangs a function of its own on the collector.
+        try:
+            sys.setprofile(note)
+            try:
+                routine(*args)
+            except Exception:
+                pass
+        finally:
+            sys.setprofile(None)
+            gc.enable()
+    # Switching the profiler off is not the call's.
+    return [event for event in seen if event != ("c_call", "setprofile")]
