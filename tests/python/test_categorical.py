@@ -6,16 +6,10 @@ import numpy as np
 import pandas as pd
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import distinct_numbers, objects
 from helpers.replacements import Recorder, replace_in
 from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils.exportable_utils import FCplus
-
-
-def spread(rows, distinct):
-    """A column of so many rows and distinct values."""
-    return np.arange(rows) % distinct
-
 
 # --- is_num_column_categorical ----------------------------------------------------------------
 
@@ -50,7 +44,7 @@ def spread(rows, distinct):
 )
 @pytest.mark.parametrize("make", [np.asarray, list, pd.Series, lambda c: pd.DataFrame({"a": c})])
 def test_few_distinct_values_are_categories(rows, distinct, expected, make, capsys):
-    assert FCplus.is_num_column_categorical(make(spread(rows, distinct))) is expected
+    assert FCplus.is_num_column_categorical(make(distinct_numbers(rows, distinct))) is expected
     assert capsys.readouterr().out == ""
 
 
@@ -67,7 +61,7 @@ def test_few_distinct_values_are_categories(rows, distinct, expected, make, caps
     ],
 )
 def test_thresholds(rows, distinct, thresholds, expected):
-    column = spread(rows, distinct)
+    column = distinct_numbers(rows, distinct)
     assert FCplus.is_num_column_categorical(column, **thresholds) is expected
     positional = (thresholds.get("uni_max", 100), thresholds.get("uni_ratio", 0.1))
     assert FCplus.is_num_column_categorical(column, *positional) is expected
@@ -150,14 +144,14 @@ def test_the_length_of_the_column_is_read_again(monkeypatch, rows, expected):
 @pytest.mark.parametrize("args", [(None,), ("a",), (100, None), (100, "a"), (1j,)])
 def test_a_threshold_must_compare(args):
     with pytest.raises(TypeError) as excinfo:
-        FCplus.is_num_column_categorical(spread(10, 5), *args)
+        FCplus.is_num_column_categorical(distinct_numbers(10, 5), *args)
     left = 5 if len(args) == 1 else 0.5
     assert str(excinfo.value) == message_of(TypeError, lambda: left < args[-1])
     assert "is_num_column_categorical" in names_in_traceback(excinfo)
 
 
 def test_the_second_threshold_is_not_consulted_above_the_first():
-    assert FCplus.is_num_column_categorical(spread(10, 5), 5, None) is False
+    assert FCplus.is_num_column_categorical(distinct_numbers(10, 5), 5, None) is False
 
 
 @pytest.mark.parametrize(

@@ -7,7 +7,7 @@ from types import SimpleNamespace
 import numpy as np
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import distinct_numbers, objects, table
 from helpers.replacements import Recorder, record, replace_in
 from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
@@ -20,11 +20,6 @@ KINDS = [
 ]  # fmt: skip
 INTEGERS = ["int_num", "float_int_num"]
 NAN = np.nan
-
-
-def spread(rows, distinct):
-    """A column of so many rows and distinct values."""
-    return np.arange(rows) % distinct
 
 
 # --- is_column_categorical --------------------------------------------------------------------
@@ -40,17 +35,17 @@ def spread(rows, distinct):
         (np.array([0.5, 1.5]), None, False),
         (np.array([True, False]), None, False),
         (objects("?", "-"), None, False),
-        (spread(1000, 50), None, True),
-        (spread(400, 50), None, False),
-        (spread(400, 50).astype(float), None, False),
-        (spread(1000, 50).astype(float), None, True),
+        (distinct_numbers(1000, 50), None, True),
+        (distinct_numbers(400, 50), None, False),
+        (distinct_numbers(400, 50).astype(float), None, False),
+        (distinct_numbers(1000, 50).astype(float), None, True),
         # Without the marker a hundred rows with ten values are left: a tenth is too much.
-        (np.append(spread(100, 10), [-9] * 20), [-9], False),
-        (np.append(spread(101, 10), [-9]), [-9], True),
-        (np.append(spread(100, 10), [-9] * 20), [8888], True),
+        (np.append(distinct_numbers(100, 10), [-9] * 20), [-9], False),
+        (np.append(distinct_numbers(101, 10), [-9]), [-9], True),
+        (np.append(distinct_numbers(100, 10), [-9] * 20), [8888], True),
         (objects(*([1, 2, 3, 4, 5] * 11), "?"), ["?"], True),
-        (spread(1000, 50).reshape(-1, 1), None, True),
-        (spread(400, 50).reshape(-1, 1), [0], False),
+        (distinct_numbers(1000, 50).reshape(-1, 1), None, True),
+        (distinct_numbers(400, 50).reshape(-1, 1), [0], False),
     ],
 )
 def test_columns(y, markers, expected, capsys):
@@ -265,11 +260,6 @@ FINDERS = [
     (FCplus.find_numerical_columns, "is_numerical"),
 ]
 every_finder = pytest.mark.parametrize("find, judge", FINDERS)
-
-
-def table(*columns):
-    """An object array of these columns."""
-    return np.array(columns, dtype=object).T
 
 
 WORDS, NUMBERS, FEW = list("abcdefgh"), [0.5] * 8, [1, 2] * 4

@@ -7,7 +7,7 @@ from types import SimpleNamespace
 import numpy as np
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import objects, table
 from helpers.replacements import record
 from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
@@ -36,11 +36,6 @@ every_routine = pytest.mark.parametrize("check", ROUTINES)
 def answers(X, *args):
     """What the five answer of this table, in the order in which they stand above."""
     return [check(X, *args) for check in ROUTINES]
-
-
-def table(*columns):
-    """An object array of these columns."""
-    return np.array(columns, dtype=object).T
 
 
 @pytest.mark.parametrize(

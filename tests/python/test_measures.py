@@ -8,7 +8,7 @@ import numpy as np
 import pandas as pd
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import frame, holding, object_frame
 from helpers.replacements import Recorder, record
 from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
@@ -16,21 +16,6 @@ from quorin_libs.utils.exportable_utils import FCplus
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 NAN = np.nan
-
-
-def holding(values):
-    """A column that has nothing but these values."""
-    return SimpleNamespace(values=values)
-
-
-def frame(*cells):
-    """A frame of one column with the label 0."""
-    return pd.DataFrame(list(cells))
-
-
-def text_frame(*cells):
-    """The same of texts and other objects, left as they are."""
-    return pd.DataFrame(objects(*cells).reshape(-1, 1))
 
 
 # --- height, weight, age: the statistic -------------------------------------------------------
@@ -84,7 +69,7 @@ def test_text_is_no_measure(monkeypatch, detect, cell):
     check = checked(monkeypatch, True)
     record(monkeypatch, "numpy_whatis", lambda *args: ([], "int_num"))
     for cells in (cell,), (cell, 60):
-        assert detect(text_frame(*cells)) is False
+        assert detect(object_frame(*cells)) is False
     assert check.calls == []
 
 
@@ -93,7 +78,7 @@ def test_text_is_no_measure(monkeypatch, detect, cell):
 def test_only_the_first_cell_is_looked_at(monkeypatch, detect, cell):
     check = checked(monkeypatch, True)
     record(monkeypatch, "numpy_whatis", lambda *args: ([], "int_num"))
-    assert detect(text_frame(cell, "a")) is True
+    assert detect(object_frame(cell, "a")) is True
     assert len(check.calls) == 1
 
 
@@ -171,7 +156,7 @@ def test_every_column_of_a_frame_is_measured(detect):
 
 def test_a_cell_that_cannot_be_multiplied():
     with pytest.raises(TypeError) as excinfo:
-        FCplus.is_column_height(text_frame(60, None))
+        FCplus.is_column_height(object_frame(60, None))
     assert str(excinfo.value) == message_of(TypeError, lambda: 1 * None)
     names = names_in_traceback(excinfo)
     assert names.index("is_column_height") < names.index("check_statistics")
@@ -205,9 +190,9 @@ def test_the_classifier_gets_the_first_row_and_the_markers(monkeypatch, given, p
     ],
 )
 def test_the_first_row_alone_tells_the_kind(cells, markers, expected):
-    assert FCplus.is_column_age(text_frame(*cells), markers) is expected
+    assert FCplus.is_column_age(object_frame(*cells), markers) is expected
     assert (
-        FCplus.is_column_age(missing_values_reference_list=markers, dfc=text_frame(*cells))
+        FCplus.is_column_age(missing_values_reference_list=markers, dfc=object_frame(*cells))
         is expected
     )
 
@@ -231,7 +216,7 @@ def test_the_classifier_is_asked_before_the_cell(monkeypatch):
 
     record(monkeypatch, "numpy_whatis", whatis)
     with pytest.raises(RuntimeError) as excinfo:
-        FCplus.is_column_age(text_frame("text"))
+        FCplus.is_column_age(object_frame("text"))
     assert excinfo.value is failure
 
 
@@ -280,7 +265,7 @@ def test_the_classifier_must_give_a_pair(monkeypatch, answer, words):
     ],
 )
 def test_two_words_are_the_sexes(cells, expected, capsys):
-    assert FCplus.is_column_sex(text_frame(*cells)) is expected
+    assert FCplus.is_column_sex(object_frame(*cells)) is expected
     assert FCplus.is_column_sex(frame(*cells)) is expected
     assert capsys.readouterr().out == ""
 

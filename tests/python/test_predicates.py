@@ -8,7 +8,7 @@ import numpy as np
 import pandas as pd
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import object_frame, objects
 from helpers.replacements import Recorder, record, replace_in
 from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
@@ -26,11 +26,6 @@ GUARDED = [
 every_guarded = pytest.mark.parametrize("predicate, test, converts", GUARDED)
 LOOK_AT_THE_FIRST_CELL = [*(row[0] for row in GUARDED), FCplus.is_column_timestamp]
 every_look = pytest.mark.parametrize("predicate", LOOK_AT_THE_FIRST_CELL)
-
-
-def frame(*cells):
-    """A frame of one column that holds the very cells."""
-    return pd.DataFrame(objects(*cells).reshape(-1, 1))
 
 
 def set_fc(monkeypatch, **tests):
@@ -59,8 +54,8 @@ class Text(str):
 def test_a_first_cell_of_text_ends_the_question(monkeypatch, predicate, cell):
     for name in "FC", "pd":
         monkeypatch.delattr(exportable_utils, name)
-    assert predicate(frame(cell)) is False
-    assert predicate(frame(cell, 5)) is False
+    assert predicate(object_frame(cell)) is False
+    assert predicate(object_frame(cell, 5)) is False
 
 
 def test_a_column_of_text_is_not_positive(monkeypatch):
@@ -129,7 +124,7 @@ def test_fc_decides(monkeypatch, predicate, test, converts, answer, cells):
     truth = Truth(answer)
     question = Recorder(lambda dfc: truth)
     set_fc(monkeypatch, **{test: question})
-    dfc = frame(*cells)
+    dfc = object_frame(*cells)
     assert predicate(dfc) is (answer if converts else truth)
     ((seen,), kwargs) = question.only_call()
     assert seen is dfc and kwargs == {}
@@ -142,11 +137,11 @@ def test_an_answer_without_bool(monkeypatch, predicate, test, converts, answer):
     set_fc(monkeypatch, **{test: lambda dfc: answer})
     if converts:
         with pytest.raises(AttributeError) as excinfo:
-            predicate(frame(5))
+            predicate(object_frame(5))
         assert str(excinfo.value) == message_of(AttributeError, lambda: answer.bool)
         assert predicate.__name__ in names_in_traceback(excinfo)
     else:
-        assert predicate(frame(5)) is answer
+        assert predicate(object_frame(5)) is answer
 
 
 @every_guarded
@@ -158,7 +153,7 @@ def test_a_failure_of_fc_propagates(monkeypatch, predicate, test, converts):
 
     set_fc(monkeypatch, **{test: question})
     with pytest.raises(KeyboardInterrupt) as excinfo:
-        predicate(frame(5))
+        predicate(object_frame(5))
     assert excinfo.value is failure
 
 
@@ -173,21 +168,21 @@ def test_a_failure_of_the_conversion_propagates(monkeypatch, predicate, test, co
     set_fc(monkeypatch, **{test: lambda dfc: answer})
     if converts:
         with pytest.raises(ValueError) as excinfo:
-            predicate(frame(5))
+            predicate(object_frame(5))
         assert excinfo.value is failure
     else:
-        assert predicate(frame(5)) is answer
+        assert predicate(object_frame(5)) is answer
 
 
 @every_guarded
 def test_fc_is_looked_up_behind_the_guard(monkeypatch, predicate, test, converts):
     monkeypatch.setattr(exportable_utils, "FC", type("FC", (), {}))
     with pytest.raises(AttributeError) as excinfo:
-        predicate(frame(5))
+        predicate(object_frame(5))
     assert str(excinfo.value) == "type object 'FC' has no attribute '{}'".format(test)
     monkeypatch.delattr(exportable_utils, "FC")
     with pytest.raises(NameError, match="^name 'FC' is not defined$"):
-        predicate(frame(5))
+        predicate(object_frame(5))
 
 
 @pytest.mark.parametrize(
@@ -236,7 +231,7 @@ def test_both_types_are_tested_and_joined(monkeypatch):
 
     datetime, timedelta = half("datetime"), half("timedelta")
     set_types(monkeypatch, datetime, timedelta)
-    series = frame(5)
+    series = object_frame(5)
     assert FCplus.is_column_timestamp(series) is log
     assert log == ["datetime", "timedelta", "datetime|timedelta"]
     for question in datetime, timedelta:
@@ -249,14 +244,14 @@ def test_both_types_are_tested_and_joined(monkeypatch):
 def test_either_type_is_a_timestamp(monkeypatch, first, second):
     second_test = Recorder(lambda series: second)
     set_types(monkeypatch, lambda series: first, second_test)
-    assert FCplus.is_column_timestamp(frame(5)) is (first or second)
+    assert FCplus.is_column_timestamp(object_frame(5)) is (first or second)
     assert len(second_test.calls) == 1
 
 
 def test_answers_that_cannot_be_joined(monkeypatch):
     set_types(monkeypatch, lambda series: True, lambda series: "yes")
     with pytest.raises(TypeError) as excinfo:
-        FCplus.is_column_timestamp(frame(5))
+        FCplus.is_column_timestamp(object_frame(5))
     assert str(excinfo.value) == message_of(TypeError, lambda: True | "yes")
 
 
@@ -264,7 +259,7 @@ def test_the_tests_of_pandas_itself_may_be_replaced(monkeypatch):
     common = pd.core.dtypes.common
     monkeypatch.setattr(common, "is_datetime64_ns_dtype", lambda series: 4)
     monkeypatch.setattr(common, "is_timedelta64_ns_dtype", lambda series: 3)
-    assert FCplus.is_column_timestamp(frame(5)) == 7
+    assert FCplus.is_column_timestamp(object_frame(5)) == 7
 
 
 @pytest.mark.parametrize(
@@ -288,7 +283,7 @@ def test_the_way_to_the_types_is_looked_up(monkeypatch, path):
         last = getattr(last, name)
     monkeypatch.setattr(exportable_utils, "pd", holder)
     with pytest.raises(AttributeError, match="no attribute '{}'".format(path.split(".")[-1])):
-        FCplus.is_column_timestamp(frame(5))
+        FCplus.is_column_timestamp(object_frame(5))
 
 
 # --- is_column_datetime -----------------------------------------------------------------------

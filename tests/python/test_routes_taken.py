@@ -188,6 +188,7 @@ def test_in_every_layout(name, kind, shape):
 
 
 # The statistics tell what the date test answered, so it is asked, whosesoever it is.
+OF_A_REPLACEMENT = "helpers.replacements."
 OF_THE_DATE_TEST = ("quorin_libs.utils.fc_methods.", "quorin_libs.utils._date_text.")
 
 
@@ -209,14 +210,16 @@ def test_statistics_run_nothing_but_the_date_test(kind, shape, by):
     arguments = (column, MARKERS, False, False, True, True)
     assert without_date_test(events_of("numpy_whatis", arguments, by="numpy_isin"))
     found = without_date_test(events_of("numpy_whatis", arguments, by=by))
-    assert [name for name in found if not name.startswith("helpers.replacements.")] == []
+    assert [name for name in found if not name.startswith(OF_A_REPLACEMENT)] == []
 
 
 @pytest.mark.parametrize("kind", sorted(ALL_TEXT))
 @pytest.mark.parametrize("by", ["FC.is_string_in_datetime_format", "FC"])
 def test_foreign_date_test_of_texts(kind, by):
     events = events_of("numpy_whatis", (COLUMNS[kind], MARKERS), by=by)
-    assert [name for name in without_date_test(events) if not name.startswith("helpers.replacements.")] == []
+    assert [
+        name for name in without_date_test(events) if not name.startswith(OF_A_REPLACEMENT)
+    ] == []
     assert any(name.startswith(OF_THE_DATE_TEST) for _, name in events)
 
 

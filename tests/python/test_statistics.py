@@ -5,27 +5,16 @@ from __future__ import annotations
 import datetime
 from decimal import Decimal
 from fractions import Fraction
-from types import SimpleNamespace
 
 import numpy as np
 import pandas as pd
 import pytest
 
-from helpers.arrays import objects
+from helpers.arrays import frame, holding, objects
 from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils.exportable_utils import FCplus
 
 NAN = np.nan
-
-
-def holding(values):
-    """A column that has nothing but these values."""
-    return SimpleNamespace(values=values)
-
-
-def frame(*cells):
-    """A frame of one column with the label 0."""
-    return pd.DataFrame(list(cells))
 
 
 # --- check_statistics -------------------------------------------------------------------------

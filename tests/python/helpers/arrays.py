@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from types import SimpleNamespace
 from typing import Any, List
 
 import numpy as np
@@ -46,3 +47,8 @@ def object_frame(*cells: Any) -> pd.DataFrame:
 def distinct_numbers(rows: int, distinct: int) -> np.ndarray:
     """Return a column with this number of rows and of distinct values."""
     return np.arange(rows) % distinct
+
+
+def holding(values: Any) -> Any:
+    """Return a column that has these `values` and no other attribute."""
+    return SimpleNamespace(values=values)

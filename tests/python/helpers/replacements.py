@@ -101,3 +101,16 @@ def replace_in(monkeypatch, module_name, **replaced):
     overlay = Overlay(getattr(exportable_utils, module_name), **replaced)
     monkeypatch.setattr(exportable_utils, module_name, overlay)
     return overlay
+
+
+class OnlyAttributes:
+    """Another object's attributes as far as they are allowed; any other raises `Looked`."""
+
+    def __init__(self, base, allowed):
+        self._base = base
+        self._allowed = allowed
+
+    def __getattr__(self, name):
+        if name not in self._allowed:
+            raise Looked(name)
+        return getattr(self._base, name)

@@ -43,11 +43,12 @@ def records_of(caplog):
     return [(r.name, r.levelname, r.getMessage(), r.args) for r in caplog.records]
 
 
-def plain(value):
+def as_lists(value):
+    """Arrays as (dtype, list), so that repr shows every element."""
     if isinstance(value, tuple):
-        return tuple(map(plain, value))
+        return tuple(map(as_lists, value))
     if isinstance(value, np.ndarray):
         return (value.dtype, value.tolist())
     if isinstance(value, list):
-        return list(map(plain, value))
+        return list(map(as_lists, value))
     return value
