@@ -24,7 +24,9 @@ GLOBALS = [pytest.param(row, name, id=row_id(row) + ": " + name)
 def is_function(name):
     """Whether a dotted name is a function that may be replaced in its own module or class."""
     owner, _, attribute = name.partition(".")
-    value = getattr(getattr(eu, owner), attribute, None) if attribute else None
+    if not attribute or name == "np.float":  # a type where there is one; old numpy warns
+        return False
+    value = getattr(getattr(eu, owner), attribute)
     return callable(value) and not isinstance(value, type)
 
 
