@@ -7,8 +7,9 @@ import pytest
 import quorin_libs.utils.exportable_utils as eu
 from helpers.comparison import DELETED, find_routine, replaced
 from helpers.interface_table import PRESENT
+from helpers.look_up_observer import missing_name, one_by_one, only
 from helpers.look_up_table import ROWS, row_id
-from helpers.replacements import Looked, OnlyAttributes, Overlay, Recorder
+from helpers.replacements import Looked, Overlay, Recorder
 from helpers.values import as_lists
 
 # numpy's warning about `np.float`, which the oldest numpy still has.
@@ -32,7 +33,7 @@ def is_function(name):
 
 FUNCTIONS = [param for param in LOOK_UPS if is_function(param.values[1])]
 MEMBERS = [param for param in LOOK_UPS if param.values[1].startswith(("FC.", "FCplus."))]
-IN_ORDER = [row for row in ROWS if not row.guard]
+IN_ORDER = [row for row in ROWS if row.guard != "false"]
 
 
 def result_of(row, routine=None):
@@ -145,52 +146,6 @@ def test_deleted_member(row, name):
     assert result_of(row) == expected
 
 
-ALL_GLOBALS = [name for name in vars(eu) if not name.startswith("__")]
-
-
-def only(names):
-    """Replacements that leave no other names than these: globals and dotted names."""
-    result = {}
-    for name in ALL_GLOBALS:
-        value = getattr(eu, name)
-        members = {each.partition(".")[2] for each in names if each.startswith(name + ".")}
-        if name not in names and not members:
-            result[name] = DELETED
-        elif members or name in DOTTED:
-            result[name] = OnlyAttributes(value, members)
-    return result
-
-
-# Globals whose attributes are looked up.
-DOTTED = {name.partition(".")[0] for row in ROWS for name in row.look_ups if "." in name}
-
-
-def one_by_one(look_ups):
-    """The single look-ups: a global before its first attribute."""
-    steps = []
-    for name in look_ups:
-        owner, _, attribute = name.partition(".")
-        if owner not in steps:
-            steps.append(owner)
-        if attribute:
-            steps.append(name)
-    return steps
-
-
-def missing_name(routine, row):
-    """The name without which the call fails, None if it does not."""
-    try:
-        routine(*row.arguments())
-    except Looked as error:
-        return error.args[0]
-    except NameError as error:
-        return str(error).split("'")[1]
-    except Exception as error:
-        if result_of(row, routine) != repr((type(error), str(error).splitlines()[:1])):
-            raise
-    return None
-
-
 # Defect: [np.nan] is made before get_unique_values is looked up.
 EARLY_LIST = pytest.mark.xfail(reason="np.nan is looked up before get_unique_values", strict=True)
 
@@ -212,7 +167,7 @@ def test_order(row):
     steps = one_by_one(row.look_ups)
     for i, name in enumerate(steps):
         with replaced(eu, only(steps[:i])):
-            assert missing_name(routine, row) == name.rpartition(".")[2]
+            assert missing_name(routine, row.arguments) == name
 
 
 @pytest.mark.parametrize("row", ROWS, ids=row_id)

@@ -106,11 +106,12 @@ def replace_in(monkeypatch, module_name, **replaced):
 class OnlyAttributes:
     """Another object's attributes as far as they are allowed; any other raises `Looked`."""
 
-    def __init__(self, base, allowed):
+    def __init__(self, name, base, allowed):
+        self._name = name
         self._base = base
         self._allowed = allowed
 
     def __getattr__(self, name):
         if name not in self._allowed:
-            raise Looked(name)
+            raise Looked("{}.{}".format(self._name, name))
         return getattr(self._base, name)

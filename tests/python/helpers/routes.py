@@ -13,7 +13,8 @@ import gc
 import io
 import re
 import sys
-from typing import Any, Dict, List, Optional, Sequence, Tuple
+import types
+from typing import Any, Callable, Dict, List, Optional, Sequence, Tuple
 
 from .comparison import Tally, find_owner, find_routine, module, outcome, replaced, show_call
 from .replacements import Overlay
@@ -23,34 +24,38 @@ FLAG = re.compile("invalid value encountered in (not_)?equal$")
 
 
 class _Instances(type):
-    """Stands for another class wherever instances are told by it."""
+    """Replaces a class in isinstance() and issubclass()."""
 
     def __instancecheck__(cls, value: Any) -> bool:
         return isinstance(value, cls.real)  # type: ignore[attr-defined]
 
+    def __subclasscheck__(cls, other: type) -> bool:
+        return issubclass(other, cls.real)  # type: ignore[attr-defined]
 
-def _plain_value(dotted: str) -> Any:
+
+def pass_through(dotted: str, wrap: Callable[[Any], Any] = functools.partial) -> Any:
+    """Another object of the same behaviour as the one that has this name.
+
+    A `functools.partial` is called from C without a frame of its own, so that a profiler sees the
+    calls of the interpreter route alone.
+    """
     owner, name = find_owner(module, dotted)
-    return getattr(owner, name)
-
-
-def pass_through(dotted: str) -> Any:
-    """Another object of the same behaviour as the one that stands under the name."""
-    value = _plain_value(dotted)
+    value = getattr(owner, name)
     if dotted == "np.nan":
         return float("nan")
     if dotted == "six.string_types":
         return value + value
-    if dotted == "numbers.Integral":
-        return _Instances("Integral", (), {"real": value})
-    if dotted in ("np", "pd", "six", "numbers", "hashlib", "FC", "FCplus"):
+    if isinstance(value, list):
+        return list(value)
+    if isinstance(value, types.ModuleType) or dotted in ("FC", "FCplus"):
         return Overlay(value)
     if dotted == "pd.Series":
         return type("Series", (value,), {})
     if dotted == "pd.Series.unique":
         return lambda series: value(series)
-    # Called from C without a frame of its own, so that profilers see the interpreter route alone.
-    passed = functools.partial(value)
+    if dotted in ("np.ndarray", "np.integer", "np.bool_", "np.float", "numbers.Integral"):
+        return _Instances(name, (), {"real": value})
+    passed = wrap(value)
     return staticmethod(passed) if dotted.startswith(("FC.", "FCplus.")) else passed
 
 
@@ -107,8 +112,16 @@ def compare_routes(
     return plain
 
 
-def events_of(name: str, args: Sequence[Any], by: Optional[str] = None) -> List[Tuple[str, str]]:
-    """The calls that a profiler sees while the routine runs, as (event, function)."""
+def events_of(
+    name: str,
+    args: Sequence[Any],
+    by: Optional[str] = None,
+    replacement: Any = None,
+) -> List[Tuple[str, str]]:
+    """The calls that a profiler sees while the routine runs, as (event, function).
+
+    The name `by`, if there is one, is replaced by a pass-through or by the given object.
+    """
     seen: List[Tuple[str, str]] = []
 
     def note(frame: Any, event: str, arg: Any) -> None:
@@ -119,7 +132,9 @@ def events_of(name: str, args: Sequence[Any], by: Optional[str] = None) -> List[
         elif event == "c_call":
             seen.append((event, getattr(arg, "__name__", repr(arg))))
 
-    names = {} if by is None else {by: pass_through(by)}
+    if by is not None and replacement is None:
+        replacement = pass_through(by)
+    names = {} if by is None else {by: replacement}
     with replaced(module, names), contextlib.redirect_stdout(io.StringIO()):
         routine = find_routine(module, name)
         gc.disable()  # Hypothesis hangs a function of its own on the collector.
