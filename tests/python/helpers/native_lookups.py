@@ -82,6 +82,11 @@ def with_owners(names: List[str]) -> List[str]:
     return sorted({*names, *(name.partition(".")[0] for name in names)})
 
 
+# numpy and pandas read it for themselves, to compare dtypes: another object changes their results.
+NOT_NEUTRAL = ["np.bool_"]
+
+
 def names_for(routine: str) -> Any:
-    """Strategy: a name that forces the interpreter route of the routine."""
-    return st.sampled_from([name for name in with_owners(declared(routine)) if is_bound(name)])
+    """Strategy: a name that forces the interpreter route of the routine, and changes no result."""
+    names = [name for name in with_owners(declared(routine)) if is_bound(name)]
+    return st.sampled_from([name for name in names if name not in NOT_NEUTRAL])
