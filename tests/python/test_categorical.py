@@ -1,4 +1,4 @@
-"""The rule of distinct values, and what is printed when they cannot be found."""
+"""The rule of distinct values, and the report printed if they cannot be determined."""
 
 from __future__ import annotations
 
@@ -75,7 +75,7 @@ def test_the_rows_of_a_matrix_are_counted():
 
 
 class Counted:
-    """Something with a length, whose readings are noted by name."""
+    """An object with a length; records each read by name."""
 
     def __init__(self, log, name, *lengths):
         self.log, self.name, self.lengths = log, name, list(lengths)
@@ -86,7 +86,7 @@ class Counted:
 
 
 class Bound:
-    """A threshold; notes what is compared with it and whether the truth of its answer is taken."""
+    """A threshold; records what is compared with it and whether `bool()` of the answer is taken."""
 
     def __init__(self, log, name, answer):
         self.log, self.name, self.answer = log, name, answer
@@ -169,7 +169,7 @@ def test_a_column_without_length(monkeypatch):
     assert str(excinfo.value) == message_of(TypeError, len, 5)
 
 
-# What is printed when the distinct values cannot be found.
+# The report if the distinct values cannot be determined.
 
 
 def printed(*values):
@@ -216,7 +216,7 @@ def unique_fails(monkeypatch, failure):
 
 
 class Nulls:
-    """A column that tells whether any cell is null."""
+    """A column with `isnull()`."""
 
     def __init__(self, answer):
         self.answer = answer

@@ -39,7 +39,7 @@ NAN = np.nan
         (distinct_numbers(400, 50), None, False),
         (distinct_numbers(400, 50).astype(float), None, False),
         (distinct_numbers(1000, 50).astype(float), None, True),
-        # Without the marker a hundred rows with ten values are left: a tenth is too much.
+        # Without the marker, 100 rows with 10 distinct values remain: 10 % is too much.
         (np.append(distinct_numbers(100, 10), [-9] * 20), [-9], False),
         (np.append(distinct_numbers(101, 10), [-9]), [-9], True),
         (np.append(distinct_numbers(100, 10), [-9] * 20), [8888], True),
@@ -60,12 +60,12 @@ def test_columns(y, markers, expected, capsys):
 
 
 def classified(monkeypatch, misslist, dtype_str):
-    """Make the classifier answer this for every column."""
+    """Make the classifier return this for every column."""
     return record(monkeypatch, "numpy_whatis", lambda *args: (misslist, dtype_str))
 
 
 def judged(monkeypatch, answer):
-    """Make the rule of distinct values answer this for every column."""
+    """Make the rule of distinct values return this for every column."""
     return record(monkeypatch, "is_num_column_categorical", lambda *args, **kwargs: answer, FCplus)
 
 
@@ -84,7 +84,7 @@ def test_the_kind_decides(monkeypatch, kind, misslist):
 
 
 class Kind:
-    """A kind that equals one text; notes with what it is compared."""
+    """A kind that equals one text; records what it is compared with."""
 
     def __init__(self, text):
         self.text, self.asked = text, []
@@ -123,7 +123,7 @@ def test_a_column_without_markers_is_judged_itself(monkeypatch, kind):
 
 
 class Cells:
-    """A column that notes which rows are read."""
+    """A column that records which rows are read."""
 
     def __init__(self, *cells):
         self.cells, self.shape, self.asked = cells, (len(cells),), []
@@ -222,7 +222,7 @@ def test_the_classifier_must_give_a_pair(monkeypatch, answer, words):
 
 
 def categorical(monkeypatch, answer):
-    """Make `is_column_categorical` answer this, or what a function says of the column."""
+    """Make `is_column_categorical` return this, or the result of a function of the column."""
     function = answer if callable(answer) else lambda column: answer
     return record(
         monkeypatch,

@@ -1,4 +1,4 @@
-"""The category labels of selected columns, text labels compressed where they are no words."""
+"""The category labels of selected columns; labels of text with white space are compressed."""
 
 from __future__ import annotations
 
@@ -22,7 +22,7 @@ KINDS = [
 
 
 def classified(monkeypatch, labels, misslist=(), dtype_str="char_str"):
-    """Make the classifier answer this for every column."""
+    """Make the classifier return this for every column."""
     answer = (list(misslist), dtype_str, {"unique_values": labels})
     return record(monkeypatch, "numpy_whatis", lambda *args, **kwargs: answer)
 
@@ -107,7 +107,7 @@ def test_what_cannot_append_fails_at_the_first_column():
 
 
 class Table:
-    """Two dimensions, whose columns are named by their index; notes what is read."""
+    """A table whose column j is a text of j; records what is read."""
 
     ndim = 2
 
@@ -121,7 +121,7 @@ class Table:
 
 
 class Indices:
-    """A container that is searched only."""
+    """A container with `__contains__` only."""
 
     def __init__(self, *indices):
         self.indices = indices
@@ -210,7 +210,7 @@ def test_fixed_width_labels_keep_their_width(monkeypatch):
 
 
 class Label(str):
-    """A label whose tests are noted in a log that several share."""
+    """A label that records its tests in a log shared by all labels."""
 
     log = []
 

@@ -1,4 +1,4 @@
-"""Numeric conversions: values, what is printed, what changes in place, what is returned itself."""
+"""Conversions to numbers and booleans to floats: values, output, changes in place, identity."""
 
 from __future__ import annotations
 
@@ -24,7 +24,7 @@ DEFAULT = exportable_utils.global_missing_values_reference_list
 
 
 class Unreadable:
-    """A value that no float can be made of, with words of its own."""
+    """A value whose `float()` raises its own message."""
 
     def __init__(self, failure):
         self.failure = failure
@@ -37,7 +37,7 @@ class Unreadable:
 
 
 def set_to_nan(*cells):
-    """What is printed of texts that are no floats."""
+    """The output for texts that are not floats."""
     return "".join(
         "{}\nSetting value {} to NaN\n".format(message_of(ValueError, float, cell), cell)
         for cell in cells
@@ -374,7 +374,7 @@ def test_the_fast_conversion_is_that_of_astype(X, args):
 
 
 class Half(float):
-    """A float that takes itself for whole."""
+    """A float whose `is_integer()` is true."""
 
     def is_integer(self):
         return True

@@ -1,4 +1,4 @@
-"""The six tests that pass a column straight on to ``FC``."""
+"""The six tests that pass a column to ``FC``."""
 
 from __future__ import annotations
 
@@ -36,7 +36,7 @@ every_delegation = pytest.mark.parametrize("method, test, args, kwargs, received
 
 
 class Answer:
-    """An object that must come back untouched."""
+    """A result that must be returned unchanged: every operation raises."""
 
     def __bool__(self):
         raise AssertionError("the answer's truth value was taken")
@@ -45,7 +45,7 @@ class Answer:
 
 
 class Untouchable:
-    """A column that only FC may look at."""
+    """A column that the routine may not read."""
 
     def __getattribute__(self, name):
         raise AssertionError("the column was looked at: " + name)

@@ -97,7 +97,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
 @pytest.mark.parametrize(
     "X, reference, expected",
     [
-        # No null among the reference values: membership alone.
+        # No null among the references: only membership.
         (objects("a", "?", "b"), ["?", ""], mask(0, 1, 0)),
         (np.array(["a", "?", "b"]), ["?", ""], mask(0, 1, 0)),
         (objects("a", None, NAN), ["?", ""], mask(0, 0, 0)),
@@ -108,7 +108,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
         (objects(1, "1"), [1, "?"], mask(1, 0)),
         (objects("a", "?"), [], mask(0, 0)),
         (objects("a", "?"), ("?", "b"), mask(0, 1)),
-        # Nothing but nulls: null cells, and no membership.
+        # Only nulls: null cells, no membership.
         (np.array([1.0, np.nan, 3.0]), [np.nan], mask(0, 1, 0)),
         (objects("a", None, NAN, pd.NaT, "nan"), [np.nan], mask(0, 1, 1, 1, 0)),
         (objects("a", None, NAN), [None, float("nan"), pd.NaT], mask(0, 1, 1)),
@@ -123,7 +123,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
         (np.array([1.0, np.nan, 3.0]), [3, np.nan], mask(0, 1, 1)),
         (objects(True, 1, "1"), [1, None], mask(1, 1, 0)),
         (objects("a", None, "b"), [pd.NaT, "a"], mask(1, 1, 0)),
-        # A mixed list takes one dtype on its way: beside a text the number 1 becomes a text.
+        # A mixed list is converted to one dtype: with a text in it, the number 1 becomes a text.
         (objects(1, "1", "?"), [1, "?", np.nan], mask(0, 1, 1)),
         (objects(1, "1", "?"), [1, "?", None], mask(1, 0, 1)),
         (objects(1.0, "1.0", "True"), [True, np.nan], mask(1, 0, 0)),
@@ -151,7 +151,7 @@ def test_a_series_of_text(dtype):
 
 
 def test_any_nan_is_null():
-    # NaN objects differ from each other, so membership alone would find none of these cells.
+    # NaN objects are not equal, so membership finds none of these cells.
     assert numpy_isin(objects(float("nan"), np.float32("nan")), [np.nan]).tolist() == [True, True]
 
 

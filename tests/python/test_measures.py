@@ -118,7 +118,7 @@ def test_a_frame_with_a_cell_is_needed(detect, dfc):
         (FCplus.is_column_height, [66.4 + 11.7, 66.4 - 11.7], True),
         (FCplus.is_column_height, [66.4 + 11.8], False),
         (FCplus.is_column_height, [66.4 - 11.8], False),
-        # The factor multiplies, so it is small numbers that it makes a height of.
+        # The factor multiplies: small numbers become heights.
         (FCplus.is_column_height, [25, 26.5, 30], True),
         (FCplus.is_column_height, [25, 66], False),
         (FCplus.is_column_height, [170, 180], False),
@@ -184,7 +184,7 @@ def test_the_classifier_gets_the_first_row_and_the_markers(monkeypatch, given, p
         ([45.5, 30], None, False),
         ([30, NAN], None, True),
         ([True, 30], None, False),
-        # A first row that holds but a marker is no integer.
+        # A first row that is a marker is not an integer.
         ([30, 40], [30], False),
         ([30, 40], [40], True),
     ],
@@ -278,7 +278,7 @@ def test_the_column_has_the_label_0():
 
 
 class Value:
-    """A distinct value that equals one text; notes with what it is compared."""
+    """A distinct value that equals one text; records what it is compared with."""
 
     def __init__(self, log, name, text):
         self.log, self.name, self.text = log, name, text

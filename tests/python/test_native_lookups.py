@@ -1,7 +1,8 @@
-"""Each routine declares the names that its native route depends on: all of them, and each counts.
+"""Each routine declares the names that its native route depends on.
 
-The interpreter route looks names up when it runs. A native route may be taken only while they have
-their first values, so a name that it forgets would let a replacement go unnoticed.
+The interpreter route looks names up when it runs. The native route may be taken only while all of
+them have the values bound at start-up. If a routine did not declare one of its names, a replacement
+of this name would have no effect.
 """
 
 from __future__ import annotations
@@ -74,7 +75,7 @@ def test_declaration_is_complete(routine):
     "routine, name", [(routine, name) for routine in ROUTINES for name in observed(routine)]
 )
 def test_a_forgotten_name_is_found(routine, name):
-    """The check above does fail: a declaration without a name gives exactly that name."""
+    """A mutation of the check above: it reports exactly the name removed from the declaration."""
     rest = [other for other in declared(routine) if other != name]
     assert forgotten(rest, observed(routine)) == [name]
 
@@ -89,7 +90,7 @@ NAMES = sorted(
 
 @pytest.mark.parametrize("routine, name", NAMES)
 def test_each_declared_name_forces_the_interpreter_route(routine, name):
-    """The profiler sees other calls than before, in one of the calls at least."""
+    """A profiler sees other events than on the native route, for at least one call."""
 
     def forces(arguments):
         plain = events_of(routine, arguments())

@@ -1,4 +1,4 @@
-"""One question about one column: dates, markers, signs, numbers of categories, text."""
+"""Predicates of one column that call FC: signs, repeated integers, dates, timestamps."""
 
 from __future__ import annotations
 
@@ -16,7 +16,7 @@ from quorin_libs.utils.exportable_utils import FCplus
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 
-# Routine, the test of FC behind its guard, whether the answer is converted by its bool().
+# Routine, the test of FC that it calls, whether the answer is converted by its bool().
 GUARDED = [
     (FCplus.is_column_positive, "is_positive", True),
     (FCplus.is_column_non_negative, "is_non_negative", True),
@@ -33,7 +33,7 @@ def set_fc(monkeypatch, **tests):
 
 
 class Truth:
-    """An answer that is passed on as it is, or through `bool`."""
+    """An answer that is returned as it is, or converted by `.bool()`."""
 
     def __init__(self, answer=None):
         self.bool = Recorder(lambda: answer)
@@ -64,7 +64,7 @@ def test_a_column_of_text_is_not_positive(monkeypatch):
 
 
 class Column:
-    """A column whose values are read by index only; notes what is read."""
+    """A column whose values can only be indexed; records the reads."""
 
     def __init__(self, first=5):
         self.asked, self.first = [], first
@@ -205,7 +205,7 @@ def test_columns(cells, expected):
 
 
 class Half:
-    """One of the two answers; notes with what it is joined."""
+    """One of two operands of `|`; records the other one."""
 
     def __init__(self, name, log):
         self.name, self.log = name, log
@@ -356,7 +356,7 @@ def test_the_classifier_gets_column_and_markers(monkeypatch, predicate, markers)
 
 
 class Asked:
-    """A half of the classifier's answer; notes what is asked of it."""
+    """A half of the classifier's answer; records its operations."""
 
     def __init__(self, answer):
         self.answer, self.asked = answer, []
@@ -439,7 +439,7 @@ def test_any_pair_can_be_unpacked(monkeypatch, predicate, kind):
         (np.array([1, 2] * 50), None, False, False),
         (np.array([0.5, 1.5, 2.5]), None, False, True),
         (np.arange(400) % 50, None, False, True),
-        # A marker is a distinct value like any other.
+        # A marker counts as a distinct value.
         (objects("a", "b", "?"), ["?"], True, False),
         (np.array([1, 2, -9] * 50), [-9], True, False),
     ],

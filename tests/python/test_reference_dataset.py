@@ -13,7 +13,7 @@ from helpers.tracing import Trace
 
 
 class Table:
-    """A table that can be extended column by column, and notes how."""
+    """A table that records the columns added to it."""
 
     def __init__(self, columns, content):
         self.columns = columns
@@ -29,7 +29,7 @@ class Table:
 
 
 def held(side, names, missing, function):
-    """What a holder holds after the call, and the error that ended it."""
+    """The content of a holder after the call, and its error."""
     table = Table(names, {name: [i, i + 1] for i, name in enumerate(names) if name != missing})
     holder = side.DatasetS(table)
     assert holder.df is table

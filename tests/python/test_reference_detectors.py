@@ -50,7 +50,7 @@ CELLS = {
 
 @st.composite
 def frames(draw):
-    """A frame of one or two columns whose cells lie around the detectors' limits."""
+    """A frame of one or two columns with cells around the limits of the detectors."""
     cells = CELLS[draw(st.sampled_from(sorted(CELLS)))]
     width = draw(st.sampled_from([1, 1, 1, 2]))
     rows = draw(
@@ -119,7 +119,7 @@ def test_check_statistics(dfc, mean, std, low, high, num_stds, factors):
 
 
 class Answer:
-    """An answer of FC that can be asked for its truth value."""
+    """An answer of FC with a `bool` method."""
 
     def __init__(self, value):
         self.value = value

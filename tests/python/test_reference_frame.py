@@ -16,7 +16,7 @@ from helpers.tracing import Trace
 
 
 def caught(error: Exception, depth: int) -> Exception:
-    """The error with a traceback of its own."""
+    """The error with a traceback."""
     try:
         if depth:
             raise error from caught(KeyError("cause"), depth - 1)
@@ -108,7 +108,7 @@ def test_set_value_or_default_hands_back_the_very_object():
 
 
 class RecordingFC:
-    """Answers every test with what it was told to, and notes what it was asked."""
+    """Returns the given answer from every test, and records the calls."""
 
     def __init__(self, answer: Any) -> None:
         self.answer = answer

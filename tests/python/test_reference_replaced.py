@@ -1,4 +1,4 @@
-"""Model and module agree when names are replaced by something odd, or are gone."""
+"""Model and module agree if names are replaced by odd objects or deleted."""
 
 from __future__ import annotations
 
@@ -71,8 +71,8 @@ def test_odd_answers(case, name, stand_in, routine):
     compare(routine, args, kwargs, stand_ins={name: as_method})
 
 
-# Which of several names a routine needs first is settled by the order of its steps; these are the
-# names whose turn comes at one place only.
+# The order of the steps decides which of several missing names is reported. These names are looked
+# up at one place only.
 NAMES = ["FC", "FCplus", "pd", "six", "time", "logger", "global_missing_values_reference_list"]
 SAMPLES = [
     column(["1", "?", "a"], "O", "plain"),

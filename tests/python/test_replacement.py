@@ -1,4 +1,4 @@
-"""Values replaced where a mask, or a list of reference values, says so."""
+"""Values replaced at the places of a mask or of reference values."""
 
 from __future__ import annotations
 
@@ -235,7 +235,7 @@ def test_an_array_of_values_has_no_truth():
 
 
 class Grid:
-    """Stands in for the new array: notes what is read from and written into it."""
+    """Replaces the new array; records reads and writes."""
 
     def __init__(self, rows=9):
         self.asked = []
@@ -249,7 +249,7 @@ class Grid:
 
 
 class Columns:
-    """Two dimensions; column j is the text of j."""
+    """A table whose column j is the text of j."""
 
     ndim = 2
     shape = (5, 2)

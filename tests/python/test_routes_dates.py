@@ -1,4 +1,4 @@
-"""A date test that is not the module's own is asked, with exactly the least distinct values."""
+"""A replaced date test is called with exactly the least distinct values."""
 
 from __future__ import annotations
 
@@ -37,7 +37,7 @@ MAKERS = {
 
 
 def column_of(kind, count):
-    """All values twice in no order, and the distinct ones ascending."""
+    """A shuffled column with each value twice, and its distinct values in ascending order."""
     maker, dtype = MAKERS[kind]
     values = [maker(i) for i in range(count)]
     twice = values + values

@@ -1,4 +1,4 @@
-"""Every name that a routine looks up is honoured on columns that it could answer from memory."""
+"""A replaced name takes effect on columns that the native route answers."""
 
 from __future__ import annotations
 
@@ -65,7 +65,7 @@ FLATTEN = [
     ("numpy_flatten_column", always(objects("zz", "1"))),
     ("np.ndarray", object),
 ]
-# A routine, its arguments, and pairs of a name and something that answers differently.
+# A routine, its arguments, and pairs of a name and a replacement that changes the outcome.
 GUARDS = [
     ("indicator_mask", ({"?"}, WORDS), MASK),
     (
@@ -330,7 +330,7 @@ def skip_unless_there(by):
 
 @pytest.fixture
 def alias():
-    """The name that old numpy has and new numpy has not, bound to what it always meant."""
+    """Binds np.float, which new numpy lacks, to what it meant."""
     with unittest.mock.patch.dict(vars(np), {"float": float}):
         yield
 
@@ -344,7 +344,7 @@ def test_other_answer_counts(name, args, by, other):
     assert shown(name, args, {}, {}) == before
 
 
-# The categories come from the classifier's statistics, for which FC is asked about dates.
+# numpy_get_categories calls the classifier with statistics, which call the date test of FC.
 SILENT = [row for row in ROWS if row.values[0] != "numpy_get_categories"]
 
 
@@ -440,7 +440,7 @@ def test_the_way_numpy_prints(fast):
         assert compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast)) == plain
 
 
-# A name can be bound in more than one way.
+# Ways of binding a name.
 WAYS = {
     "setattr": lambda value: setattr(module, "isint", value),
     "item": lambda value: vars(module).__setitem__("isint", value),

@@ -1,4 +1,4 @@
-"""The native route is taken where it should be, and leaves nothing behind."""
+"""The native route is taken for the columns that it should answer, and leaks nothing."""
 
 from __future__ import annotations
 
@@ -18,7 +18,7 @@ from helpers.native_lookups import DATASET_CHECKS
 from helpers.route_columns import SHAPES
 from helpers.routes import events_of, pass_through
 
-# A profiler sees every step of numpy and pandas that the interpreter route takes in these.
+# Calls whose interpreter route is visible to a profiler, by functions of numpy and pandas.
 CASES = [
     pytest.param(name, more, column, id="{} {} {} {}".format(name, i, len(more), kind))
     for i, (name, more, columns) in enumerate(TAKEN)
@@ -36,7 +36,7 @@ ROWS = 4000
 
 
 def peak_of(name, arguments, by=None):
-    """The most memory that a call takes beside what is there already."""
+    """The peak of the memory that a call allocates."""
     names = {} if by is None else {by: pass_through(by)}
     with replaced(module, names):
         routine = find_routine(module, name)
@@ -50,7 +50,7 @@ def peak_of(name, arguments, by=None):
 
 
 CONVERTED = dict(NUMBER_COLUMNS, floats=COLUMNS["floats"])
-# Integers cannot be marked as missing, and a copy of booleans takes next to nothing.
+# Integers cannot be marked as missing, and a copy of booleans is small.
 del CONVERTED["integers"], CONVERTED["booleans"]
 
 
@@ -79,19 +79,19 @@ def test_in_every_layout(name, kind, shape):
     assert events_of(name, (column, MARKERS)) == []
 
 
-# The statistics tell what the date test answered, so it is asked, whosesoever it is.
+# The statistics report the result of the date test, so it is called on the native route, too.
 OF_A_REPLACEMENT = "helpers.replacements."
 OF_THE_DATE_TEST = ("quorin_libs.utils.fc_methods.", "quorin_libs.utils._date_text.")
 
 
 def without_date_test(events):
-    """The events of Python functions that are none of the date test's, numpy's among them."""
+    """The Python functions called, without those of the date test."""
     return [
         name for event, name in events if event == "call" and not name.startswith(OF_THE_DATE_TEST)
     ]
 
 
-# Which booleans are distinct is numpy's affair where their bytes are.
+# For booleans of any byte, numpy decides which are distinct.
 @pytest.mark.parametrize(
     "shape", sorted(set(SHAPES) - {"byte-swapped", "true by bytes of any value"})
 )
@@ -167,15 +167,16 @@ def test_references_are_given_back(monkeypatch, name, kind, more):
     if name == "numpy_putmask":
         more = (np.resize([bool(more), False], len(OBJECTS[kind])), "".join(["fill", "ing"]))
     column = OBJECTS[kind].copy() if name in WRITING else OBJECTS[kind]
-    # None is counted by whoever handles a log record meanwhile.
+    # Handling a log record changes the reference count of None.
     cells = [cell for cell in OBJECTS[kind].tolist() + MARKERS + [MARKERS] if cell is not None]
     routine = find_routine(module, name)
-    repeat(lambda: routine(column, *more), 2)  # what writes does it the first time
+    # Routines that write in place do so in the first call.
+    repeat(lambda: routine(column, *more), 2)
     before = [sys.getrefcount(cell) for cell in cells]
     assert not leaks_blocks(lambda: routine(column, *more), REPEATS)
     after = [sys.getrefcount(cell) for cell in cells]
     for cell, a, b in zip(cells, after, before):
-        # Short texts, small integers and truth values are others' as well.
+        # The interpreter itself shares short texts, small integers and booleans.
         shared = type(cell) in (bool, int) or (type(cell) is str and len(cell) < 2)
         assert abs(a - b) < REPEATS if shared else a == b, repr(cell)
 

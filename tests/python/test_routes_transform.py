@@ -1,4 +1,4 @@
-"""Both routes of a conversion, a replacement and a compression show the same."""
+"""Both routes of a conversion, a replacement and a compression have the same outcome."""
 
 from __future__ import annotations
 
@@ -102,7 +102,7 @@ fillings = st.sampled_from(
 
 @st.composite
 def masks_for(draw, X):
-    """Mostly a mask of the shape of X, in memory in any way."""
+    """Mostly a mask of the shape of X, in any memory layout."""
     bits = draw(st.integers(0, 2**64 - 1))
     shape = draw(st.sampled_from(["plain", "strided", "reversed", "read only"]))
     kind = draw(st.sampled_from(["bool", "bool", "bool", "bool", "int", "list", "short", "none"]))
@@ -159,7 +159,7 @@ labels = st.one_of(
 
 @st.composite
 def label_columns(draw):
-    """Labels with and without white space, some of them beside numbers and nulls."""
+    """Labels with and without white space, some with numbers and nulls among them."""
     cells = draw(st.lists(labels, min_size=1, max_size=12))
     if draw(st.booleans()):
         other = st.sampled_from([None, np.nan, 1.5, 7, True, "?", "nan", "None", 10**30])

@@ -1,4 +1,4 @@
-"""The routine object: what it says of itself, how it is called, kept, copied and bound."""
+"""The routine object: attributes, binding, pickling."""
 
 from __future__ import annotations
 
@@ -252,7 +252,7 @@ class Text(str):
 
 
 def spelled(name):
-    """An equal text that is another object, as a keyword from a file would be."""
+    """An equal text with another identity: keywords are compared by identity first."""
     return "".join(list(name))
 
 
@@ -351,7 +351,7 @@ def test_six_parameters_in_any_spelling(monkeypatch):
 
 @every_routine
 def test_arguments_are_not_kept(row):
-    """A call that is refused leaves its keyword dictionary as it was."""
+    """A call that raises does not change its keyword dictionary."""
     kwargs = {"unexpected": 1}
     with pytest.raises(TypeError):
         routine(eu, row)(*[0] * row.required, **kwargs)
@@ -420,7 +420,7 @@ WRONG_CALLS = [
 
 
 def written(call, args, kwargs):
-    """Call as source code would, with the keywords written out."""
+    """Call with the keywords written in source code."""
     if not all(name.isidentifier() for name in kwargs):
         return call(*args, **kwargs)
     words = ["a[{}]".format(i) for i in range(len(args))]

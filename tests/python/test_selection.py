@@ -135,7 +135,7 @@ def test_an_empty_list_has_no_column_to_select():
 
 
 class Index(int):
-    """An index with comparisons of its own, noted as they are made."""
+    """An index that records its comparisons."""
 
     below = False
     beyond = False

@@ -1,4 +1,4 @@
-"""A table is what it says: texts, in columns of one length, under names of their own."""
+"""A table: columns of texts of equal length, with distinct names."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Every exception that leaves a routine says through which routines it came."""
+"""The traceback of an exception names the routines that it passed."""
 
 from __future__ import annotations
 
@@ -110,7 +110,7 @@ FAILURES = [
     ("AddNewColumns", (5, len), AttributeError, []),
     ("GetTargetType", (5,), AttributeError, []),
 ]
-# They hand on what they get, or turn every failure into an answer.
+# They return their argument, or handle every failure.
 CANNOT_FAIL = {
     "setValueOrDefault",
     "numpy_is_column_monotonic_increasing",
@@ -144,7 +144,7 @@ def test_entries_name_the_routines(name, args, kind, through):
     entries = native_entries(caught.value)
     assert [entry[2] for entry in entries] == [name] + through
     for file, line, entry_name, _ in entries:
-        # A long body goes on in a neighbour of its file.
+        # A long body may continue in another file of the folder.
         owner = name if entry_name == "<lambda>" else entry_name
         folder = ROW_OF[owner].family.partition("/")[0]
         assert file.startswith("src/{}/".format(folder))
@@ -171,7 +171,7 @@ def test_entry_of_a_wrong_call(row):
 
 
 def test_lines_tell_failures_apart():
-    """The line is where the call failed: two steps of one routine give two lines."""
+    """The line is that of the failing step: two steps give two lines."""
     lines = set()
     for args in [([],), ([np.array(5)],)]:
         with pytest.raises(IndexError) as caught:

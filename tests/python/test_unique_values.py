@@ -1,4 +1,4 @@
-"""Distinct values: exclusions, the retry as text, everything else reported as an exception."""
+"""Distinct values: exclusions, the retry as text; other failures are reported as exceptions."""
 
 from __future__ import annotations
 
@@ -90,7 +90,7 @@ def test_a_series_of_text(dtype):
 
 
 def refusal(y, *flags):
-    """What numpy says of values that it cannot sort."""
+    """The message of numpy for values that it cannot sort."""
     return message_of(TypeError, np.unique, y, *flags)
 
 

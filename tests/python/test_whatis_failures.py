@@ -107,7 +107,7 @@ def test_what_cannot_be_unpacked_at_all(monkeypatch, name):
 
 
 class Counted:
-    """What has a dtype and a part, and rows unless it is among those that have lost count."""
+    """A column with a dtype and slices; its shape raises if its name is in `lost`."""
 
     dtype = np.dtype(object)
 

@@ -1,4 +1,4 @@
-"""The classifier's statistics: keys in order, exact types, flags, identity, the date question."""
+"""The statistics of the classifier: keys in order, exact types, flags, identity, the date test."""
 
 from __future__ import annotations
 
@@ -31,7 +31,7 @@ KINDS = [
 
 
 def counts(**found):
-    """All ten kinds in their order, 0 where nothing was found."""
+    """All ten kinds in order, 0 if none was found."""
     return {kind: found.get(kind, 0) for kind in KINDS}
 
 
@@ -73,7 +73,7 @@ def test_the_whole_dictionary(monkeypatch):
 @pytest.mark.parametrize(
     "X, plain, weighted",
     [
-        # A lone sign ends the scan: neither it nor what follows is counted.
+        # A lone text ends the scan: neither it nor later values are counted.
         (
             objects("!", "1", "1", "~", "~", "é"),
             {"char_str": 1, "int_str": 1},
@@ -98,7 +98,7 @@ def test_the_whole_dictionary(monkeypatch):
 def test_counts_of_values_and_of_rows(X, plain, weighted):
     statistics = statistics_of(X)
     assert typed(statistics["dtypes_cnt"]) == typed(counts(**plain))
-    # Rows are counted in numpy's integers, except the missing ones.
+    # Counts are numpy integers, except that of missing rows.
     expected = {
         kind: rows if kind == "missing" else np.intp(rows) for kind, rows in weighted.items()
     }
@@ -205,7 +205,7 @@ def test_monotonic_and_contiguous_are_never_true(X):
     "X, flag",
     [
         (objects("a", "b"), True),
-        # The running class decides, not the kind that is reported.
+        # The running class decides, not the reported kind.
         (objects("1", "a"), True),
         (objects("!", "#", "1"), False),
         (objects("1", "2.5", "x", "y"), False),

@@ -1,4 +1,4 @@
-"""Every routine of the module as data: what a caller may rely on before reading a body.
+"""The interface of every routine as data: name, owner, parameters, defaults, annotations.
 
 The rows stand in the order in which start-up defines them. ``family`` is the C++ source of the
 routine below ``src/``, without its suffix; it is what a traceback entry of the routine names.
@@ -329,7 +329,7 @@ ROWS = [
     _row(64, "DatasetS.GetTargetType", "dataset/dataset", "y"),
 ]
 
-# The rows that a user can reach: two definitions give way to later ones of the same name.
+# The rows that a user can reach: a later definition replaces two earlier ones of the same name.
 PRESENT = [row for row in ROWS if not row.replaced]
 
 

@@ -27,7 +27,7 @@ OBJECTS = {
     "floats and nulls": objects(2.0, np.nan, 1.0, float("nan")),
     "numbers of numpy": objects(np.float64(2.5), np.float64(1.0), np.int64(7)),
 }
-# What numpy can sort without its markers.
+# Columns that numpy can sort once the markers are removed.
 OBJECT_NUMBERS = [
     "Python floats", "Python integers", "Python booleans", "Python numbers",
     "integers and marker texts", "floats and nulls", "numbers of numpy",
@@ -62,7 +62,7 @@ BESIDE_NUMBERS = {
     "numbers": objects(-999, 1.5, 2, None, "?"),
 }
 
-# A routine, what comes after the column, and the columns that it answers from memory.
+# A routine, the arguments after the column, and columns that the native route answers.
 TAKEN = [
     ("numpy_whatis", (), NO_MARKERS_INSIDE),
     ("numpy_whatis", (MARKERS,), COLUMNS),

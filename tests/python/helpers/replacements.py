@@ -10,11 +10,11 @@ from .recipes import build
 
 
 class Looked(BaseException):
-    """Raised by a replaced name; no ``except Exception`` of a routine may swallow it."""
+    """Raised by a replaced name. Not an Exception, so no routine can handle it."""
 
 
 class Recorder:
-    """Stands in for a routine: notes the arguments of each call and passes the call on."""
+    """Records the arguments of each call and returns what `answer` returns for them."""
 
     def __init__(self, answer):
         self.answer = answer
@@ -31,7 +31,7 @@ class Recorder:
 
 
 class Overlay:
-    """Another object's attributes, some of them replaced; notes which are read."""
+    """Another object's attributes, some of them replaced; records which are read."""
 
     def __init__(self, base, **replaced):
         self._base = base
@@ -49,7 +49,7 @@ class Overlay:
 
 
 class FixedAnswer:
-    """Answers every call in the same way, each time with a fresh object."""
+    """Returns a new object of the same value from every call, or raises the given exception."""
 
     def __init__(self, answer: Any) -> None:
         self.answer = answer
@@ -64,7 +64,7 @@ class FixedAnswer:
 
 
 class Clock:
-    """Stands in for `time`. Every reading doubles, so a difference tells which two were taken."""
+    """Replaces `time`. Each reading is twice the last, so a difference identifies two readings."""
 
     def __init__(self):
         self.readings = 0

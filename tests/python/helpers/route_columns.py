@@ -14,7 +14,7 @@ from .column_strategies import GROWING, PALETTES, marked, markers
 from .recipes import Recipe, call, one_object_each
 
 
-# Shapes and strides in which one column can lie in memory.
+# Memory layouts of one column.
 def _every_other(flat: np.ndarray) -> np.ndarray:
     wide = np.empty(2 * flat.shape[0], dtype=flat.dtype)
     wide[::2], wide[1::2] = flat, flat[::-1]
@@ -33,7 +33,7 @@ def _in_table(flat: np.ndarray, order: str) -> np.ndarray:
 
 
 def _true_by_many_bytes(array: np.ndarray) -> np.ndarray:
-    # As a mask read from a file of bytes may be.
+    # Like a mask read from a file: any byte but 0 is true.
     if array.dtype != bool:
         return array
     bytes_of_true = 1 + np.arange(array.size).reshape(array.shape) % 255
@@ -55,7 +55,7 @@ SHAPES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
     "true by bytes of any value": _true_by_many_bytes,
     "byte-swapped": lambda flat: flat.astype(flat.dtype.newbyteorder()),
 }
-# Edges of blocks, of look-ahead and of the capped samples.
+# Around the sizes of blocks, of look-ahead and of samples.
 LENGTHS = [1, 2, 3, 5, 8, 16, 31, 32, 33, 49, 50, 51, 63, 64, 65, 95, 96, 97, 127, 128, 129, 160,
            255, 256, 257, 300, 400, 1023, 1024, 1025]  # fmt: skip
 NUMBER_KINDS = [
@@ -73,7 +73,7 @@ NUMBER_KINDS = [
 ]
 
 SHORT = LENGTHS[:16]
-# What all texts of a column may have in common at their start or end.
+# Common prefixes and suffixes of the texts of a column.
 STARTS = ["", "", "0", "\u00e9", ".5", "x" * 7, "x" * 8, "x" * 40, "9" * 20, "a\x00", "\u6f22" * 4,
           "\U0001d7d8" * 5, "\ud800", " "]  # fmt: skip
 
@@ -83,7 +83,7 @@ class Twins(Recipe):
 
 
 def twin(value: Any) -> Any:
-    """An equal object of its own, where the interpreter does not keep only one."""
+    """An equal object with another identity, unless the interpreter keeps a single one."""
     if type(value) is str:
         return value[:1] + value[1:] if len(value) > 1 else value
     if type(value) is float:
@@ -92,7 +92,7 @@ def twin(value: Any) -> Any:
 
 
 def spread(values: List[Any], dtype: str, shape: str, twins: bool = False) -> Recipe:
-    """A column recipe; content that does not fit the dtype is held as objects."""
+    """A column recipe; dtype object if the cells do not fit the dtype."""
     if twins:
         values = [twin(value) if i % 2 else value for i, value in enumerate(values)]
     else:
@@ -116,7 +116,7 @@ def spread(values: List[Any], dtype: str, shape: str, twins: bool = False) -> Re
 
 @st.composite
 def long_columns(draw: Any, kinds: Any = None, lengths: Any = LENGTHS) -> Recipe:
-    """A column of one of many lengths: few distinct values or only such, surprises at its edges."""
+    """A column of one of many lengths, few or all cells distinct, odd cells at its ends."""
     kind = draw(st.sampled_from(sorted(PALETTES) if kinds is None else kinds))
     content, dtypes = PALETTES[kind]
     palette = draw(st.lists(content, min_size=1, max_size=8))
@@ -145,7 +145,7 @@ plain_markers = st.lists(
     st.sampled_from(["?", "", "-", "N/A", "na", "1", "1.5", "a", "\u00e9", None, np.nan]),
     max_size=4,
 )
-# Numbers mark cells of any type that equal them.
+# A number as reference matches equal cells of any type.
 number_markers = st.lists(
     st.sampled_from([0, 1, -999, True, 1.0, 2.5, -0.0, 2**53, 2.0**53, 1e300, "?", None, np.nan]),
     min_size=1,
@@ -157,7 +157,7 @@ route_markers = st.one_of(
 
 
 def cases(kinds: Any = None, lengths: Any = LENGTHS) -> Any:
-    """A column and markers, some of them the column's own cells."""
+    """A column and references, some of them cells of the column."""
     return marked(long_columns(kinds, lengths), st.one_of(st.none(), route_markers))
 
 
@@ -176,7 +176,7 @@ TABLES: Dict[str, Callable[[np.ndarray], np.ndarray]] = {
 
 @st.composite
 def tables(draw: Any, kinds: Any = None) -> Recipe:
-    """A table made of the cells of a column, a row of them at a time."""
+    """A table of the cells of a column, row by row."""
     cells = draw(long_columns(kinds, SHORT))
     width = draw(st.integers(1, 4))
     layout = draw(st.sampled_from(sorted(TABLES)))
@@ -200,7 +200,7 @@ def frame_of(recipe: Recipe) -> Recipe:
 
 
 def framed(columns: Any) -> Any:
-    """Frames of such columns, without those of dates that pandas has no room for."""
+    """Frames of such columns, without dates that pandas cannot represent."""
 
     def fits(recipe: Recipe) -> bool:
         try:
@@ -212,7 +212,7 @@ def framed(columns: Any) -> Any:
     return columns.map(frame_of).filter(fits)
 
 
-# How the columns of a table can lie in memory.
+# Memory layouts of a table.
 def _wide(table: np.ndarray) -> np.ndarray:
     wide = np.empty((table.shape[0], 2 * table.shape[1]), dtype=table.dtype)
     wide[:, ::2], wide[:, 1::2] = table, table[::-1]
@@ -234,7 +234,7 @@ TABLE_DTYPES = ["f8", "f8", "f4", "i8", "u1", "?", "O", "U3", "f2"]
 
 @st.composite
 def number_tables(draw: Any) -> Recipe:
-    """A table of numbers, few of its cells missing; long enough to make more than one block."""
+    """A table of numbers with few missing cells; the longest ones take more than one block."""
     dtype, shape = draw(st.sampled_from(TABLE_DTYPES)), draw(st.sampled_from(sorted(TABLE_SHAPES)))
     rows = draw(st.sampled_from([1, 2, 3, 50, 51, 1500, 4200] if dtype[0] == "f" else [1, 2, 51]))
     columns = draw(st.integers(1, 5))

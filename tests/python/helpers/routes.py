@@ -60,9 +60,9 @@ def pass_through(dotted: str, wrap: Callable[[Any], Any] = functools.partial) ->
 
 
 def without_places(description: Any) -> Any:
-    """The description of a result that does not tell one of several equal objects from another.
+    """The description of a result without the identity of texts and numbers.
 
-    Which of them stands for the others is left to numpy's sort, which is not stable.
+    numpy's sort is not stable: it may return any of several equal objects.
     """
     if not isinstance(description, (tuple, list)):
         return description
@@ -79,10 +79,10 @@ def shown(
     names: Dict[str, Any],
     trace: Any = None,
 ) -> Dict[str, Any]:
-    """All that one call shows while some names are replaced.
+    """The outcome of a call while some names are replaced.
 
-    Whether the comparison of a fraction with NaN, which is Python code, leaves the processor's flag
-    up for numpy to warn about depends on how warm the interpreter is, whatever the route.
+    Fraction.__eq__ with NaN is Python code that may leave the floating-point flag set, depending on
+    the state of the interpreter; numpy then warns, on both routes.
     """
     seen = outcome(module, name, args, kwargs, trace, names)
     if "Fraction(" in repr((args, kwargs)):
@@ -93,7 +93,7 @@ def shown(
 def compare_routes(
     name: str, by: str, args: Tuple[Any, ...], kwargs: Optional[Dict[str, Any]] = None
 ) -> Dict[str, Any]:
-    """Fail unless both routes show the same; hand back what they show."""
+    """Returns the outcome of a call; raises AssertionError if the two routes differ."""
     kwargs = kwargs or {}
     Tally.cases += 1
     plain = shown(name, args, kwargs, {})
@@ -137,7 +137,7 @@ def events_of(
     names = {} if by is None else {by: replacement}
     with replaced(module, names), contextlib.redirect_stdout(io.StringIO()):
         routine = find_routine(module, name)
-        gc.disable()  # Hypothesis hangs a function of its own on the collector.
+        gc.disable()  # Hypothesis has a callback on garbage collection.
         try:
             sys.setprofile(note)
             try:
@@ -147,5 +147,5 @@ def events_of(
         finally:
             sys.setprofile(None)
             gc.enable()
-    # Switching the profiler off is not the call's.
+    # setprofile() itself is the last event.
     return [event for event in seen if event != ("c_call", "setprofile")]

@@ -1,7 +1,7 @@
-"""Replacements: some that answer as they are told, some that pass on and take notes.
+"""Records the calls that a routine makes through names.
 
-With the latter a comparison also covers which routines, and which functions of numpy and pandas,
-are asked for by name at the moment of the call, in what order, and with what arguments.
+With a trace, a comparison covers which routines and which functions of numpy and pandas are called,
+in what order, and with what arguments.
 """
 
 from __future__ import annotations
@@ -17,7 +17,7 @@ FEATURES = [name for name, value in vars(model.FCplus).items() if isinstance(val
 
 
 class Library:
-    """A library whose functions are noted when called; its types stay what they are."""
+    """A library whose functions are recorded when called; its types are unchanged."""
 
     def __init__(self, name: str, real: Any, note: Callable[[str, Any], Any]) -> None:
         self._name = name
@@ -32,7 +32,7 @@ class Library:
 
 
 class Trace:
-    """Notes the calls of one side; `take` hands them over and starts anew."""
+    """Records the calls of one side; `take` returns and clears them."""
 
     def __init__(self, names: Any = None) -> None:
         self.calls: List[Any] = []

@@ -9,7 +9,7 @@ import pandas as pd
 
 
 def typed(value):
-    """A picture of a value in which types, dtypes and order count and NaN equals NaN."""
+    """A form of a value that compares types, dtypes and order; NaN equals NaN."""
     kind = type(value).__name__
     if isinstance(value, np.ndarray):
         return kind, str(value.dtype), value.shape, [typed(cell) for cell in value.ravel().tolist()]
@@ -25,7 +25,7 @@ def typed(value):
 
 
 def message_of(error, function, *args):
-    """The words with which the interpreter or a library at hand refuses this call."""
+    """The message of the exception that the call raises."""
     try:
         function(*args)
     except error as refusal:
@@ -34,7 +34,7 @@ def message_of(error, function, *args):
 
 
 def names_in_traceback(excinfo):
-    """The names of the traceback's entries, outermost first."""
+    """The function names of the traceback, outermost first."""
     return [entry.name for entry in traceback.extract_tb(excinfo.value.__traceback__)]
 
 
