@@ -14,23 +14,12 @@ from helpers.comparison import DELETED, Tally, find_owner, find_routine, module
 from helpers.native_lookups import names_for
 from helpers.property_tests import property_test
 from helpers.recipes import Recipe
+from helpers.replacements import always, refuse
 from helpers.route_columns import SHORT, Twins, cases
 from helpers.routes import compare_routes, events_of, pass_through, shown, without_places
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
-
-
-class Foreign(Exception):
-    """Raised by a replacement."""
-
-
-def refuse(*args, **kwargs):
-    raise Foreign
-
-
-def always(answer):
-    return lambda *args, **kwargs: answer
 
 
 def two(values, counts):
@@ -438,95 +427,3 @@ def test_the_way_numpy_prints(fast):
     assert short != plain
     with np.printoptions(precision=2, suppress=True, floatmode="fixed"):
         assert compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast)) == plain
-
-
-# Ways of binding a name.
-WAYS = {
-    "setattr": lambda value: setattr(module, "isint", value),
-    "item": lambda value: vars(module).__setitem__("isint", value),
-    "update": lambda value: vars(module).update(isint=value),
-    "gone and back": lambda value: (vars(module).pop("isint"), setattr(module, "isint", value)),
-    "exec": lambda value: exec("global isint; isint = value", vars(module), {"value": value}),
-    "__dict__": lambda value: object.__setattr__(module, "isint", value),
-}
-
-
-@pytest.mark.parametrize("way", sorted(WAYS))
-def test_however_it_is_bound(way):
-    column = objects("1", "2")
-    original = module.isint
-    order = list(vars(module))
-    assert module.numpy_whatis(column) == ([], "int_str")
-    try:
-        WAYS[way](always(False))
-        assert module.numpy_whatis(column) == ([], "char_str")
-        WAYS[way](original)
-        assert module.numpy_whatis(column) == ([], "int_str")
-        assert events_of("numpy_whatis", (column,)) == []
-    finally:
-        module.isint = original
-        for name in order:
-            vars(module)[name] = vars(module).pop(name)
-
-
-def test_members_of_classes_however_they_are_bound():
-    column = objects("a", "b")
-    for owner in (module.FC, module.FCplus):
-        name = (FC_TEST if owner is module.FC else FCPLUS_TEST).partition(".")[2]
-        original = vars(owner)[name]
-        for bind in (setattr, type.__setattr__):
-            bind(owner, name, staticmethod(refuse))
-            try:
-                with pytest.raises(Foreign):
-                    module.numpy_whatis(column)
-            finally:
-                bind(owner, name, original)
-            assert module.numpy_whatis(column) == ([], "char_str")
-            assert events_of("numpy_whatis", (column,)) == []
-
-
-def test_binding_the_same_object_changes_nothing():
-    column = objects("1", "2")
-    module.isint = module.isint
-    np.unique = np.unique
-    assert events_of("numpy_whatis", (column,)) == []
-
-
-def test_many_changes_one_after_another():
-    column = objects("1", "2")
-    original = module.isint
-    for _ in range(300):
-        module.isint = always(False)
-        assert module.numpy_whatis(column) == ([], "char_str")
-        module.isint = original
-        assert module.numpy_whatis(column) == ([], "int_str")
-
-
-def test_a_name_of_no_concern_leaves_the_native_route():
-    column = objects("1", "2")
-    module.not_a_name_of_ours = 1
-    try:
-        assert events_of("numpy_whatis", (column,)) == []
-    finally:
-        del module.not_a_name_of_ours
-    assert events_of("numpy_whatis", (column,)) == []
-
-
-@pytest.mark.parametrize("routine", ["getClasses", "is_column_categorical"])
-def test_list_of_markers_may_be_changed_in_place(routine):
-    column = objects(*["a", "b", "zz", "a"])
-    numbers = np.array([100.0] * 50 + [200.0] * 50 + list(range(10)))
-    ask = getattr(module.FCplus, routine)
-    markers = module.global_missing_values_reference_list
-    before = list(markers)
-    first = ask(column), ask(numbers)
-    try:
-        markers.append("zz")
-        markers.extend(float(i) for i in range(10))
-        changed = ask(column), ask(numbers)
-        own = [list(markers)] if routine == "is_column_categorical" else [True, list(markers)]
-        assert changed == (ask(column, *own), ask(numbers, *own))
-        assert changed != first
-    finally:
-        markers[:] = before
-    assert (ask(column), ask(numbers)) == first

@@ -115,3 +115,17 @@ class OnlyAttributes:
         if name not in self._allowed:
             raise Looked("{}.{}".format(self._name, name))
         return getattr(self._base, name)
+
+
+class Foreign(Exception):
+    """Raised by replaced functions."""
+
+
+def refuse(*args, **kwargs):
+    """Raises `Foreign`."""
+    raise Foreign
+
+
+def always(answer):
+    """A function that returns the answer, whatever its arguments."""
+    return lambda *args, **kwargs: answer
