@@ -67,6 +67,25 @@ def test_every_routine_has_a_row():
     assert {row.routine for row in ROWS} == {row.qualname for row in PRESENT}
 
 
+# The calls of the table that raise.
+RAISING = {
+    "QSR_raise_exception",
+    "QSR_raise_exception, with the traceback",
+    "get_unique_values, unsortable",
+    "numpy_whatis, bytes",
+}
+
+
+@pytest.mark.parametrize("row", ROWS, ids=row_id)
+def test_the_calls_return(row):
+    routine = find_routine(eu, row.routine)
+    if row_id(row) in RAISING:
+        with pytest.raises(Exception):
+            routine(*row.arguments())
+    else:
+        routine(*row.arguments())
+
+
 @pytest.mark.parametrize("row, name", LOOK_UPS)
 def test_replaced_name_is_used(monkeypatch, row, name):
     routine, expected = find_routine(eu, row.routine), result_of(row)

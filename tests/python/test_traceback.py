@@ -10,7 +10,7 @@ import pytest
 
 import quorin_libs.utils.exportable_utils as eu
 from helpers.arrays import objects
-from helpers.interface_table import PRESENT, routine, row_id
+from helpers.interface_table import PRESENT, SOURCES, routine, row_id
 
 
 class Interrupt(BaseException):
@@ -146,8 +146,7 @@ def test_entries_name_the_routines(name, args, kind, through):
     for file, line, entry_name, _ in entries:
         # A long body may continue in another file of the folder.
         owner = name if entry_name == "<lambda>" else entry_name
-        folder = ROW_OF[owner].family.partition("/")[0]
-        assert file.startswith("src/{}/".format(folder))
+        assert file.startswith(ROW_OF[owner].folder)
         assert line > 0
 
 
@@ -156,7 +155,7 @@ def test_entries_are_printed():
         eu.isint(None)
     except TypeError:
         text = traceback.format_exc()
-    assert '  File "src/frame/scalar_predicates.cpp", line ' in text
+    assert '  File "{}{}.cpp", line '.format(SOURCES, ROW_OF["isint"].family) in text
     assert ", in isint\n" in text
 
 
