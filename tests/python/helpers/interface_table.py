@@ -1,7 +1,7 @@
 """The interface of every routine as data: name, owner, parameters, defaults, annotations.
 
-The rows are in the order in which start-up defines them. ``family`` is the C++ source of the routine
-below ``SOURCES``, without its suffix; a traceback entry names a file of the same folder.
+The rows are in the order in which start-up defines them. ``family`` is the C++ source of the
+routine below ``SOURCES``, without its suffix; a traceback entry names a file of the same folder.
 """
 
 from __future__ import annotations
