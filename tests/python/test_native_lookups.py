@@ -21,7 +21,7 @@ from helpers.routes import events_of, pass_through
 ROUTINES = sorted(NATIVE_CALLS)
 
 
-class SpokenNan(float):
+class VisibleNan(float):
     """A NaN whose conversions are Python functions, so that a profiler sees them."""
 
     def __float__(self):
@@ -43,7 +43,7 @@ class SpokenNan(float):
 def visible(dotted):
     """A pass-through that a profiler sees when it is used."""
     if dotted == "np.nan":
-        return SpokenNan("nan")
+        return VisibleNan("nan")
     return pass_through(dotted, lambda value: lambda *args, **kwargs: value(*args, **kwargs))
 
 
