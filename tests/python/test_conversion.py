@@ -87,7 +87,7 @@ def test_every_value_that_is_no_marker_is_tested_once(monkeypatch):
     assert isfloat.calls == [(("1",), {}), (("x",), {}), ((2,), {})]
 
 
-def test_what_the_test_refuses_is_tried_all_the_same(monkeypatch, capsys):
+def test_what_isfloat_rejects_is_converted_nevertheless(monkeypatch, capsys):
     record(monkeypatch, "isfloat", lambda value: False)
     assert typed(numpy_floatstr2float(objects("1.5", 2))) == typed(np.array([1.5, 2.0]))
     assert capsys.readouterr().out == ""
@@ -184,7 +184,7 @@ def test_the_documentation_is_shared(routine, text):
     assert text in " ".join(routine.__doc__.split())
 
 
-def test_the_documentation_tells_the_columns_apart():
+def test_the_documentation_describes_the_columns():
     assert ":param X: 1-d numpy array of strings" in numpy_floatstr2float.__doc__
     assert ":param X: 1-d numpy array of booleans" in numpy_boolean2float.__doc__
 
@@ -322,7 +322,7 @@ class Flag:
         raise RuntimeError("asked")
 
 
-def test_the_flag_is_asked_only_for_other_dtypes():
+def test_the_flag_is_read_only_for_other_dtypes():
     assert convert_float32(np.array([1.5]), Flag()).dtype == np.float32
     with pytest.raises(RuntimeError, match="^asked$"):
         convert_float32(np.array([1]), force_flag=Flag())

@@ -199,7 +199,7 @@ def test_nulls_are_those_of_pandas(monkeypatch):
     assert isnull.calls[1][0][0] is column
 
 
-def test_np_any_and_np_asarray_are_asked(monkeypatch):
+def test_np_any_and_np_asarray_are_called(monkeypatch):
     replace_in(monkeypatch, "np", any=lambda nulls: True, asarray=lambda values: objects("b"))
     assert numpy_isin(objects("a", "b"), ["a"]).tolist() == [False, True]
 

@@ -162,7 +162,7 @@ def test_a_cell_that_cannot_be_multiplied():
     assert names.index("is_column_height") < names.index("check_statistics")
 
 
-# --- age: the classifier is asked about the first row -----------------------------------------
+# --- age: the classifier gets the first row ---------------------------------------------------
 
 
 @pytest.mark.parametrize(
@@ -189,7 +189,7 @@ def test_the_classifier_gets_the_first_row_and_the_markers(monkeypatch, given, p
         ([30, 40], [40], True),
     ],
 )
-def test_the_first_row_alone_tells_the_kind(cells, markers, expected):
+def test_only_the_first_row_decides_the_kind(cells, markers, expected):
     assert FCplus.is_column_age(object_frame(*cells), markers) is expected
     assert (
         FCplus.is_column_age(missing_values_reference_list=markers, dfc=object_frame(*cells))
@@ -208,7 +208,7 @@ def test_only_integers_are_ages(monkeypatch, kind):
     assert check.calls == []
 
 
-def test_the_classifier_is_asked_before_the_cell(monkeypatch):
+def test_the_classifier_is_called_before_the_cell_is_read(monkeypatch):
     failure = RuntimeError("asked")
 
     def whatis(*args):

@@ -396,7 +396,7 @@ def test_fc_not_bound_in_its_module_yet(tmp_path):
     assert run_fresh(code.format(module=MODULE), tmp_path) == "half made"
 
 
-def test_imports_are_asked_of_whoever_imports(tmp_path):
+def test_imports_use_the_built_ins_of_the_importing_code(tmp_path):
     code = """
     import builtins
     asked = []

@@ -51,7 +51,7 @@ class Text(str):
 
 @every_look
 @pytest.mark.parametrize("cell", ["x", "", "5", Text("x"), np.str_("x")])
-def test_a_first_cell_of_text_ends_the_question(monkeypatch, predicate, cell):
+def test_a_first_cell_of_text_ends_the_test(monkeypatch, predicate, cell):
     for name in "FC", "pd":
         monkeypatch.delattr(exportable_utils, name)
     assert predicate(object_frame(cell)) is False
@@ -266,12 +266,12 @@ def test_the_tests_of_pandas_itself_may_be_replaced(monkeypatch):
     "dtype, expected",
     [("M8[ns]", True), ("m8[ns]", True), ("M8[D]", False), ("i8", False), ("f8", False)],
 )
-def test_the_dtype_tells(dtype, expected):
+def test_the_dtype_decides(dtype, expected):
     series = SimpleNamespace(values=np.zeros((1, 1)), dtype=np.dtype(dtype))
     assert FCplus.is_column_timestamp(series) is expected
 
 
-def test_a_frame_has_no_dtype_to_tell():
+def test_a_frame_has_no_dtype():
     assert FCplus.is_column_timestamp(pd.DataFrame({"a": pd.to_datetime(["2020-01-01"])})) is False
 
 

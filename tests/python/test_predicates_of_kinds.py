@@ -229,7 +229,7 @@ def test_an_answer_without_a_truth(monkeypatch, predicate):
     assert predicate.__name__ in names_in_traceback(excinfo)
 
 
-def test_values_that_cannot_be_told_apart(monkeypatch):
+def test_values_that_cannot_be_compared(monkeypatch):
     categorical(monkeypatch, True)
     dfc = objects(1, "a")
     with pytest.raises(TypeError) as excinfo:

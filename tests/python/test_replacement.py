@@ -195,7 +195,7 @@ class Sublist(list):
         (np.array([5]), False),
     ],
 )
-def test_the_first_element_tells_whether_each_column_has_a_list(monkeypatch, values, per_column):
+def test_the_first_element_decides_whether_each_column_has_a_list(monkeypatch, values, per_column):
     X = np.array([[1, 2], [3, 4]])
     searched = lists_searched(monkeypatch, X, values, mask(0, 1))
     assert len(searched) == 2
@@ -323,7 +323,7 @@ def test_an_empty_column_has_no_first_row(monkeypatch):
     assert isin.calls == []
 
 
-def test_a_matrix_without_rows_is_asked_for_its_columns(monkeypatch):
+def test_the_columns_of_a_matrix_without_rows_are_read(monkeypatch):
     record(monkeypatch, "numpy_isin", lambda column, values: np.zeros(len(column), dtype=bool))
     Y = numpy_replace_values(np.empty((0, 2)), 0, [1])
     assert typed(Y) == typed(np.empty((0, 2), dtype=object))

@@ -76,7 +76,7 @@ def test_many_changes_one_after_another():
         assert module.numpy_whatis(column) == ([], "int_str")
 
 
-def test_a_name_of_no_concern_leaves_the_native_route():
+def test_a_new_name_does_not_end_the_native_route():
     column = objects("1", "2")
     module.not_a_name_of_ours = 1
     try:

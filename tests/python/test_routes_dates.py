@@ -87,7 +87,7 @@ def test_sample(name, count, kind, markers, stats):
 
 @pytest.mark.parametrize("name", NAMES)
 @pytest.mark.parametrize("cells", [["?"] * 9, ["?", None, "b", "a"] * 30, [float("nan"), 2.5] * 30])
-def test_missing_cells_are_no_part_of_the_sample(name, cells):
+def test_missing_cells_are_not_in_the_sample(name, cells):
     column = objects(*cells)
     expected = sorted({cell for cell in cells if cell in ("b", "a", 2.5)})
     _, sample = recorded(name, lambda: module.numpy_whatis(column, ["?", np.nan]))
@@ -97,7 +97,7 @@ def test_missing_cells_are_no_part_of_the_sample(name, cells):
 
 @pytest.mark.parametrize("name", NAMES)
 @pytest.mark.parametrize("routine", ["getClasses", "is_column_categorical", "is_numerical"])
-def test_routines_above_ask_as_well(name, routine):
+def test_calling_routines_call_the_date_test(name, routine):
     column, expected = column_of("texts", 70)
     _, sample = recorded(name, lambda: getattr(module.FCplus, routine)(column))
     check_sample(sample, column, expected)

@@ -222,7 +222,7 @@ BY_WAY_OF = "implement_array_function"
 @pytest.mark.parametrize("before", ["texts", "number texts", "floats"])
 @pytest.mark.parametrize("strange", ["noting", "noting text", "noting number", "Decimal"])
 @pytest.mark.parametrize("name", sorted(ROUTINES))
-def test_python_sees_no_other_calls(name, strange, before):
+def test_a_profiler_sees_no_other_calls(name, strange, before):
     column = last(before, strange).make(lambda inner: inner)
 
     def events(by=None):

@@ -358,7 +358,7 @@ def test_deleted_name_is_missed(name, args, by, other):
 
 
 @pytest.mark.parametrize("name, args", ABOVE)
-def test_measures_ask_for_the_statistics_check(name, args):
+def test_measures_call_the_statistics_check(name, args):
     before = shown(name, args, {}, {})
     for other in (refuse, always(before["result"] == (bool, "False"))):
         names = {"FCplus.check_statistics": staticmethod(other)}

@@ -19,7 +19,7 @@ def fresh(*words):
     return ["".join([word[:1], word[1:]]) for word in words]
 
 
-def test_markers_go_with_the_warning(monkeypatch):
+def test_the_logger_removes_the_markers(monkeypatch):
     """A column of texts and numbers is logged, and the logger can be replaced."""
     markers = fresh("missing", "unknown")
     logger = types.SimpleNamespace(warning=lambda text: markers.clear(), error=len)
@@ -76,7 +76,7 @@ CALLS = [
 @pytest.mark.skipif(sys.version_info >= (3, 12), reason="a call is not interrupted")
 @pytest.mark.parametrize("dtype", ["O", "U"])
 @pytest.mark.parametrize("name, kind, first_only", CALLS)
-def test_everything_goes_with_the_collector(name, kind, first_only, dtype):
+def test_garbage_collection_removes_everything(name, kind, first_only, dtype):
     routine = find_routine(module, name)
 
     def column_and_markers():

@@ -27,7 +27,7 @@ CASES = [
 
 
 @pytest.mark.parametrize("name, more, column", CASES)
-def test_nothing_of_python_runs(name, more, column):
+def test_no_python_code_runs(name, more, column):
     assert events_of(name, (column.copy(),) + more, by="numpy_isin")
     assert events_of(name, (column.copy(),) + more) == []
 
@@ -55,7 +55,7 @@ del CONVERTED["integers"], CONVERTED["booleans"]
 
 
 @pytest.mark.parametrize("kind", sorted(CONVERTED))
-def test_conversion_makes_nothing_but_its_result(kind):
+def test_conversion_allocates_only_its_result(kind):
     column = np.resize(CONVERTED[kind], ROWS)
     result = 8 * ROWS
     assert peak_of("numpy_floatstr2float", (column, MARKERS), by="isfloat") > 1.9 * result
@@ -97,7 +97,7 @@ def without_date_test(events):
 )
 @pytest.mark.parametrize("kind", sorted(dict(NUMBERS, **ALL_TEXT)))
 @pytest.mark.parametrize("by", [None, "FC.is_string_in_datetime_format", "FC"])
-def test_statistics_run_nothing_but_the_date_test(kind, shape, by):
+def test_statistics_run_only_the_date_test(kind, shape, by):
     column = SHAPES[shape](COLUMNS[kind].copy())
     arguments = (column, MARKERS, False, False, True, True)
     assert without_date_test(events_of("numpy_whatis", arguments, by="numpy_isin"))
@@ -125,7 +125,7 @@ def test_tables_of_numbers(routine, dtype, order):
 
 
 @pytest.mark.parametrize("kind", sorted(COLUMNS))
-def test_membership_runs_nothing_of_python(kind):
+def test_membership_runs_no_python_code(kind):
     arguments = ({"?", "a", "1"}, COLUMNS[kind])
     assert events_of("indicator_mask", arguments, by="np.vectorize")
     assert events_of("indicator_mask", arguments) == []

@@ -132,7 +132,7 @@ def test_a_failure_ends_the_innermost_loop(rows, factors, expected, read):
     assert log == read
 
 
-def test_a_frame_is_asked_once_for_its_values():
+def test_the_values_of_a_frame_are_read_once():
     class Column:
         asked = 0
 

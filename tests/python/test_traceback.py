@@ -169,7 +169,7 @@ def test_entry_of_a_wrong_call(row):
     assert line > 0
 
 
-def test_lines_tell_failures_apart():
+def test_lines_differ_between_steps():
     """The line is that of the failing step: two steps give two lines."""
     lines = set()
     for args in [([],), ([np.array(5)],)]:

@@ -159,7 +159,7 @@ def test_known_markers_are_reported_themselves():
 
 
 @pytest.mark.parametrize("stop, debug", [(False, False), (True, False), (0, ""), ("stop", 0)])
-def test_the_masks_are_asked_for_with_two_keywords(monkeypatch, stop, debug):
+def test_the_indicator_is_called_with_two_keywords(monkeypatch, stop, debug):
     X, markers = objects("?", "1"), ["?"]
     masks = record(monkeypatch, "numpy_compute_missing_indicator")
     numpy_whatis(X, markers, stop, debug)

@@ -124,7 +124,7 @@ def test_the_sign_that_ended_the_scan_is_listed(X, weird):
     assert typed(statistics_of(X)["weird_new_missing_values_list"]) == typed(weird)
 
 
-def test_the_running_class_is_reported_when_asked_for():
+def test_the_running_class_is_reported_without_the_flag():
     statistics = statistics_of(objects("?", "1", "a", "b"), use_dtype_str1_flag=False)
     assert statistics["dtype_str"] == "char_str"
     assert statistics["missing_values"] == ["?", "a", "b"]
@@ -228,7 +228,7 @@ def test_a_false_answer_is_reported_itself(monkeypatch, answer):
 
 @pytest.mark.parametrize("with_statistics", [True, False])
 @pytest.mark.parametrize("distinct, sampled", [(1, 1), (49, 49), (50, 50), (51, 50), (120, 50)])
-def test_fifty_distinct_values_are_asked_about(monkeypatch, distinct, sampled, with_statistics):
+def test_the_date_test_gets_fifty_distinct_values(monkeypatch, distinct, sampled, with_statistics):
     asked = date_test(monkeypatch, False)
     X = np.array([0] * 7 + list(range(distinct)))
     numpy_whatis(X, DEFAULT, return_stats_flag=with_statistics)
@@ -236,7 +236,7 @@ def test_fifty_distinct_values_are_asked_about(monkeypatch, distinct, sampled, w
     assert [(typed(args), kwargs) for args, kwargs in asked.calls] == [(typed((expected,)), {})]
 
 
-def test_no_distinct_value_is_asked_about_as_well(monkeypatch):
+def test_the_date_test_is_called_without_distinct_values(monkeypatch):
     asked = date_test(monkeypatch, False)
     numpy_whatis(objects("?"), DEFAULT)
     assert typed(asked.calls) == typed([((objects(),), {})])
