@@ -1,141 +1,17 @@
-"""What the classifier looks up when it is called, and the failures that leave it."""
+"""The failures that leave the classifier: its own and those of the routines that it calls."""
 
 from __future__ import annotations
 
-from decimal import Decimal
-
 import numpy as np
 import pytest
-from support import (
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import record
+from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
-UNSET = "local variable 'dtype_str_found' referenced before assignment"
-
-
-# --- names looked up at call time -------------------------------------------------------------
-
-
-def test_each_text_is_tested_as_integer_and_as_float(monkeypatch):
-    isint, isfloat = record(monkeypatch, "isint"), record(monkeypatch, "isfloat")
-    numpy_whatis(objects("1", "2.5", "?", "a"))
-    # The question mark after numbers ends the scan before it is tested.
-    assert isint.calls == isfloat.calls == [(("1",), {}), (("2.5",), {})]
-
-
-@pytest.mark.parametrize(
-    "isint, isfloat, text, kind",
-    [
-        (True, False, "a", "int_str"),
-        (True, False, "a.", "char_str"),
-        (False, True, "a", "char_str"),
-        (False, True, "a.", "float_str"),
-        (True, True, "a", "int_str"),
-        (True, True, ".", "float_str"),
-        ("yes", None, "a", "int_str"),
-        ([], 1, "a.", "float_str"),
-        (False, False, "1", "char_str"),
-        (False, False, "1.5", "char_str"),
-    ],
-)
-def test_the_point_decides_with_the_predicates(monkeypatch, isint, isfloat, text, kind):
-    record(monkeypatch, "isint", lambda value: isint)
-    record(monkeypatch, "isfloat", lambda value: isfloat)
-    assert numpy_whatis(objects(text)) == ([], kind)
-
-
-def test_six_says_what_text_is(monkeypatch):
-    replace_in(monkeypatch, "six", string_types=(bytes,))
-    with pytest.raises(UnboundLocalError) as excinfo:
-        numpy_whatis(objects("1"))
-    assert str(excinfo.value) == UNSET
-
-
-def test_numbers_says_what_an_integer_is(monkeypatch):
-    replace_in(monkeypatch, "numbers", Integral=Decimal)
-    assert numpy_whatis(objects(Decimal("1.5"))) == ([], "int_num")
-
-
-@pytest.mark.parametrize(
-    "replaced, kind",
-    [({"integer": Decimal}, "int_num"), ({"bool_": Decimal}, "boolean")],
-)
-def test_np_says_what_integers_and_booleans_are(monkeypatch, replaced, kind):
-    # With a `float` of its own the stand-in asks numpy for none, which old versions warn about.
-    replace_in(monkeypatch, "np", float=float, **replaced)
-    assert numpy_whatis(objects(Decimal("1.5"))) == ([], kind)
-
-
-@pytest.mark.parametrize("whole, kind", [(True, "float_int_num"), (False, "float_num")])
-def test_np_float_is_asked_beside_float(monkeypatch, whole, kind):
-    class Fixed:
-        def is_integer(self):
-            return whole
-
-    replace_in(monkeypatch, "np", float=Fixed)
-    assert numpy_whatis(objects(Fixed())) == ([], kind)
-    assert numpy_whatis(np.array([0.5])) == ([], "float_num")
-
-
-def test_a_float_says_itself_whether_it_is_whole(monkeypatch):
-    class Odd(float):
-        def is_integer(self):
-            raise RuntimeError("odd")
-
-    with pytest.raises(RuntimeError, match="^odd$"):
-        numpy_whatis(objects(Odd(1.0)))
-
-
-@pytest.mark.parametrize(
-    "name, args",
-    [
-        ("numpy_flatten_column", (objects("1"),)),
-        ("numpy_compute_missing_indicator", (objects("1"), ["?"])),
-        ("get_unique_values", (objects("1"), ["?"])),
-        ("get_unique_values", (objects("1"),)),
-        ("isint", (objects("a"),)),
-        ("isfloat", (objects("a"),)),
-        ("six", (objects("1"),)),
-        ("six", (np.array([1]),)),
-        ("numbers", (np.array([1.5]),)),
-        ("np", (objects("1"),)),
-        ("np", (np.array([True]), ["?"])),
-        ("FCplus", (objects("1"),)),
-        ("time", (objects("1"), None, False, True)),
-    ],
-)
-def test_a_name_that_is_gone_is_named(monkeypatch, name, args):
-    monkeypatch.delattr(exportable_utils, name)
-    with pytest.raises(NameError) as excinfo:
-        numpy_whatis(*args)
-    assert str(excinfo.value) == "name '{}' is not defined".format(name)
-
-
-@pytest.mark.parametrize(
-    "name, args",
-    [
-        ("isint", (np.array([1]),)),
-        ("isfloat", (np.array([1]),)),
-        ("numbers", (objects("1"),)),
-        ("numpy_compute_missing_indicator", (objects("1"),)),
-        ("numpy_compute_missing_indicator", (objects("1"), [])),
-        ("time", (objects("1"), ["?"])),
-    ],
-)
-def test_a_name_that_is_not_needed_may_be_gone(monkeypatch, name, args):
-    monkeypatch.delattr(exportable_utils, name)
-    assert numpy_whatis(*args)[1] in ("int_num", "int_str")
-
-
-# --- failures ---------------------------------------------------------------------------------
 
 
 @pytest.mark.parametrize(
@@ -231,7 +107,7 @@ def test_what_cannot_be_unpacked_at_all(monkeypatch, name):
 
 
 class Counted:
-    """What has a dtype and a part, and rows unless it is among those that have lost count."""
+    """A column with a dtype and slices; its shape raises if its name is in `lost`."""
 
     dtype = np.dtype(object)
 

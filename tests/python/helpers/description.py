@@ -1,7 +1,7 @@
-"""Descriptions that are equal exactly when two objects cannot be told apart.
+"""Descriptions that are equal if and only if two objects are indistinguishable.
 
-A description tells 1 from 1.0, True, np.int64(1), "1" and np.str_("1"), calls all NaN of one type
-equal, and says of every object whether it is one of the arguments or was met before.
+1, 1.0, True, np.int64(1), "1" and np.str_("1") have different descriptions; all NaN of one type
+have the same. The description of an object says whether it is an argument or occurred before.
 """
 
 from __future__ import annotations
@@ -15,7 +15,7 @@ CONTAINERS = (list, tuple, dict, set, frozenset)
 
 
 class Describer:
-    """Describes what one call was given and gave back; identities are named by first place."""
+    """Describes arguments and result of a call; an object is named after its first place."""
 
     def __init__(self) -> None:
         self.names: Dict[int, str] = {}
@@ -23,7 +23,7 @@ class Describer:
         self.arrays: List[Tuple[str, np.ndarray]] = []
 
     def register(self, args: Tuple[Any, ...], kwargs: Dict[str, Any]) -> None:
-        """Name the arguments and all that they hold."""
+        """Name the arguments and all objects inside them."""
         for i, arg in enumerate(args):
             self._register(arg, str(i))
         for key, arg in kwargs.items():
@@ -45,7 +45,7 @@ class Describer:
                 self._register(item, "{}[{}]".format(place, i))
 
     def _name(self, value: Any, place: str) -> bool:
-        """Remember the object under its place, unless it is known or one of those always shared."""
+        """Names the object after its place. Returns false if it is known or always shared."""
         if id(value) in self.names or is_shared(value):
             return False
         self.names[id(value)] = place
@@ -111,7 +111,7 @@ class Describer:
 
 
 def is_shared(value: Any) -> bool:
-    """Objects that the interpreter keeps one of, so that identity says nothing."""
+    """Whether the interpreter may keep a single object of this value: identity is not compared."""
     kind = type(value)
     if value is None or kind is bool or kind is type:
         return True

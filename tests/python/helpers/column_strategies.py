@@ -1,4 +1,4 @@
-"""Strategies of hypothesis: cells, columns, marker lists, flags."""
+"""Hypothesis strategies: cells, columns, lists of references, flags."""
 
 from __future__ import annotations
 
@@ -7,7 +7,9 @@ from typing import Any, Callable, Dict, List
 
 import numpy as np
 import pandas as pd
-from cell_values import (
+from hypothesis import strategies as st
+
+from .cell_values import (
     BOOLS,
     FLOATS,
     INTEGERS,
@@ -21,8 +23,7 @@ from cell_values import (
     SCALARS,
     Word,
 )
-from hypothesis import strategies as st
-from recipes import FLAT, PANDAS, SINGLE, TABLES, Recipe, column
+from .recipes import FLAT, PANDAS, SINGLE, TABLES, Recipe, column
 
 texts = st.one_of(
     st.sampled_from(NUMBER_TEXTS),
@@ -70,13 +71,13 @@ flags = st.sampled_from(
     ]
 )
 
-# What the distinct values of one column are drawn from, and the dtypes that may hold them.
+# For each kind of column: the strategy of its distinct values, and the dtypes that can hold them.
 TEXT_DTYPES = ["O", "O", "O", "O", "U", "S"]
 INTEGER_DTYPES = ["O", "i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8", "f8", "M8[D]", "m8[s]"]
 FLOAT_DTYPES = ["O", "f8", "f8", "f4", "f8", "f2", "g", "c16"]
-# Text markers, nulls and a number that is none, as they stand among numbers.
+# Markers that occur in columns of numbers: texts, nulls, a number.
 MARKING: List[Any] = ["?", "", "-", None, np.nan, -999]
-# Scalars of numpy that equal, hash and sort as Python's own numbers do, some just so.
+# Scalars of numpy that equal, hash and sort like Python's numbers; some at the limit of exactness.
 AGREEING: List[Any] = [
     np.float64(1.0), np.float64(2.5), np.float64(-0.0), np.float64(2.0**53), np.int64(1),
     np.int64(2), np.int64(2**53), np.int64(2**53 + 1), np.bool_(True), np.bool_(False),
@@ -105,7 +106,7 @@ PALETTES = {
     "text and numbers": (st.one_of(texts, numbers), ["O"]),
     "anything": (cells, ["O"]),
 }
-# The kinds of PALETTES that are texts, with nothing beside them but what is missing.
+# The kinds of PALETTES that hold only texts and nulls.
 TEXT_KINDS = [
     "numbers as text",
     "numbers and lone signs",
@@ -115,7 +116,7 @@ TEXT_KINDS = [
     "any text",
     "text and missing",
 ]
-# Kinds that may be given many more distinct values, around the module's limit of 50.
+# Kinds that can have many distinct values: some columns get about 50, a limit of the module.
 GROWING: Dict[str, Callable[[int], Any]] = {
     "numbers as text": str,
     "numbers and lone signs": str,
@@ -137,7 +138,7 @@ layouts = st.one_of(
 array_layouts = st.one_of(
     st.just("plain"), st.sampled_from(FLAT + SINGLE), st.sampled_from(FLAT + TABLES)
 )
-# How often a column is repeated; 40 and more rows pass the limits of 30 and 50.
+# Repetitions of a column: rows below and above the limits of 30 and 50.
 repeats = st.sampled_from([1] * 12 + [2, 2, 2, 5, 5, 20, 20, 40, 40, 150])
 
 
@@ -186,7 +187,7 @@ optional_markers = st.one_of(st.none(), markers)
 
 
 def other_forms(value: Any) -> List[Any]:
-    """The value and what equals it in another type."""
+    """The value, and equal values of other types."""
     forms = [value]
     if isinstance(value, str):
         forms += [np.str_(value), Word(value)]
@@ -197,7 +198,7 @@ def other_forms(value: Any) -> List[Any]:
 
 @st.composite
 def marked(draw: Any, columns: Any = columns(), markers: Any = optional_markers) -> Any:
-    """A column and a marker list that often holds some of the column's own cells."""
+    """A column and a list of references, which often contains cells of the column."""
     X = draw(columns)
     values = draw(markers)
     if type(values) is list and X.values and draw(st.booleans()):

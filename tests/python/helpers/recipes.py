@@ -1,8 +1,8 @@
-"""Arguments as recipes, so that each side of a comparison gets objects of its own.
+"""Arguments as recipes: each side of a comparison gets objects of its own.
 
-A recipe is built once for the model and once for the module: layouts, read-only flags and objects
-shared between arguments come out the same on both sides, and what one side writes into its array
-the other never sees.  Values that cannot change are shared by both.
+A recipe is built once for the model and once for the module. Layouts, read-only flags and objects
+shared between arguments are the same on both sides; an array written to by one side is not seen by
+the other. Immutable values are shared by both sides.
 """
 
 from __future__ import annotations
@@ -13,13 +13,15 @@ from typing import Any, Callable, Dict, List, Sequence, Tuple
 import numpy as np
 import pandas as pd
 
+from .arrays import array_of
+
 
 class Tagged(np.ndarray):
     """An array subclass without behaviour of its own."""
 
 
 class Recipe:
-    """How to make one argument; `text` is the expression that a reader would type."""
+    """How to make one argument; `text` is an expression for it."""
 
     def __init__(
         self, text: str, make: Callable[[Callable[[Any], Any]], Any], values: Sequence[Any] = ()
@@ -51,16 +53,6 @@ def _make(value: Any, made: Dict[int, Any]) -> Any:
     return value
 
 
-def array_of(values: List[Any], dtype: Any = object) -> np.ndarray:
-    """A one-dimensional array, also where the values are sequences themselves."""
-    if np.dtype(dtype) == object:
-        result = np.empty(len(values), dtype=object)
-        for i, value in enumerate(values):
-            result[i] = value
-        return result
-    return np.array(values, dtype=dtype)
-
-
 def _strided(flat: np.ndarray) -> np.ndarray:
     wide = np.repeat(flat, 2, axis=0)
     return wide[::2]
@@ -75,8 +67,8 @@ def _packed(flat: np.ndarray) -> np.ndarray:
 
 
 def _category_series(flat: np.ndarray) -> pd.Series:
-    # A lone surrogate has no UTF-8, by which older releases of pandas tell texts apart: now and
-    # then they make two categories of two equal ones and then refuse what they made.
+    # A lone surrogate cannot be encoded. Older releases of pandas hash texts as UTF-8: they
+    # sometimes make two categories of two equal texts, and then raise.
     for cell in flat.tolist():
         if isinstance(cell, str):
             cell.encode()
@@ -142,7 +134,7 @@ TOLD_BY_IDENTITY = (str, int, float, np.str_, np.int64, np.float64)
 
 
 def _written(cell: Any) -> str:
-    """The text that stands for a cell once a mixed column has been made one of texts."""
+    """The text of a cell after its mixed column was converted to text."""
     try:
         return str(int(cell)) if isinstance(cell, float) and cell.is_integer() else str(cell)
     except Exception:
@@ -150,10 +142,10 @@ def _written(cell: Any) -> str:
 
 
 def one_object_each(cells: List[Any]) -> List[Any]:
-    """One object in place of equal ones that nothing else tells apart.
+    """Replaces objects that differ only by identity by one of them.
 
-    Which of several a sort hands on is the sort's affair.  Equal are also a text and the number
-    that is written so, where a mixed column is sorted by its texts: the number stands for both.
+    A sort that is not stable returns any of several equal objects. A text and the number with the
+    same text are equal, too, if a mixed column is sorted as text: the number replaces both.
     """
     kept: Dict[Tuple[type, Any], Any] = {}
     written = {_written(cell): cell for cell in cells if not isinstance(cell, str)}
@@ -163,14 +155,14 @@ def one_object_each(cells: List[Any]) -> List[Any]:
             cell = written.get(cell, cell)
         if type(cell) not in TOLD_BY_IDENTITY or cell != cell:
             return cell
-        # The zeros of both signs are told apart.
+        # 0.0 and -0.0 have different keys.
         return kept.setdefault((type(cell), repr(cell) if isinstance(cell, float) else cell), cell)
 
     return [the_one(cell) for cell in cells]
 
 
 def column(values: List[Any], dtype: str, layout: str) -> Recipe:
-    """A column recipe; content that does not fit the dtype or layout falls back step by step."""
+    """A column recipe; with dtype object or the plain layout if the cells do not fit others."""
     for try_dtype, try_layout in ((dtype, layout), ("O", layout), ("O", "plain")):
         recipe = _column(values, try_dtype, try_layout)
         try:
@@ -187,7 +179,7 @@ def _column(values: List[Any], dtype: str, layout: str) -> Recipe:
 
     def make(inner: Callable[[Any], Any]) -> Any:
         cells = [inner(value) for value in values]
-        # Up to so many are sorted so that the first of several equal objects stays the first.
+        # numpy sorts up to this many cells by insertion, which is stable.
         if len(cells) > LONGEST_STABLE:
             cells = one_object_each(cells)
         return shape(array_of(cells, dtype))
@@ -196,7 +188,7 @@ def _column(values: List[Any], dtype: str, layout: str) -> Recipe:
 
 
 def call(args: Tuple[Any, ...], kwargs: Dict[str, Any]) -> Tuple[Tuple[Any, ...], Dict[str, Any]]:
-    """The built arguments of one call."""
+    """Build the arguments of one call."""
     made: Dict[int, Any] = {}
     with warnings.catch_warnings():
         warnings.simplefilter("ignore")

@@ -1,4 +1,4 @@
-"""Run the model and the module on the same arguments and say where they differ."""
+"""Runs the model and the module on equal arguments and reports the differences."""
 
 from __future__ import annotations
 
@@ -11,16 +11,16 @@ import time
 import warnings
 from typing import Any, Dict, Iterator, List, Optional, Tuple
 
-from description import Describer
-from recipes import call
+import quorin_libs.utils.exportable_utils as module
 from reference import ns as model
 
-import quorin_libs.utils.exportable_utils as module
+from .description import Describer
+from .recipes import call
 
 ADDRESS = re.compile(r"(?<= at )0x[0-9a-fA-F]{6,16}")
 TRACEBACK = "Traceback (most recent call last):\n"
 TAIL = "\nExiting ..."
-# Old numpy warns where its aliases of built-in types are looked up; both sides may avoid that.
+# Old numpy warns when its aliases of built-in types are read. Either side may avoid reading them.
 ALIAS = re.compile(r"`np\.(float|int|bool)` is a deprecated alias")
 
 
@@ -28,7 +28,7 @@ DELETED = object()
 
 
 class Tally:
-    """How many comparisons this process has made."""
+    """The number of comparisons made in this process."""
 
     cases = 0
 
@@ -43,7 +43,7 @@ class Records(logging.Handler):
 
 
 class Clock:
-    """Stands for `time.time`: every reading is a quarter of a second later."""
+    """Replaces `time.time`; each call returns 0.25 s more."""
 
     def __init__(self) -> None:
         self.now = 1000.0
@@ -54,7 +54,7 @@ class Clock:
 
 
 def normal_text(text: str) -> str:
-    """Without addresses, and of an appended traceback only its frame and its last line."""
+    """The text without addresses; an appended traceback keeps only its head and its last line."""
     if TRACEBACK in text and text.endswith(TAIL):
         head, _, body = text[: -len(TAIL)].partition(TRACEBACK)
         text = head + TRACEBACK + "..." + body.rstrip("\n").rpartition("\n")[2] + "\n" + TAIL
@@ -63,7 +63,7 @@ def normal_text(text: str) -> str:
 
 @contextlib.contextmanager
 def replaced(namespace: Any, names: Dict[str, Any]) -> Iterator[None]:
-    """Put other objects under some names (`FC` or `FCplus.is_numerical`) for a while."""
+    """Binds other objects to some names (`FC`, `FCplus.is_numerical`) inside the with block."""
     before: List[Tuple[Any, str, Any]] = []
     order = list(vars(namespace))
     try:
@@ -83,7 +83,7 @@ def replaced(namespace: Any, names: Dict[str, Any]) -> Iterator[None]:
 
 
 def restore_order(namespace: Dict[str, Any], order: List[str]) -> None:
-    """A name that was gone for a while came back last; other tests look at the order."""
+    """A restored name is the last of its dictionary; other tests check the order."""
     for name in order:
         namespace[name] = namespace.pop(name)
 
@@ -100,7 +100,7 @@ def find_routine(namespace: Any, dotted: str) -> Any:
 
 @contextlib.contextmanager
 def observed(frozen: bool) -> Iterator[Dict[str, Any]]:
-    """Collect what is printed, logged and warned about; stop the clock when asked to."""
+    """Collects output, log records and warnings; `frozen` replaces the clock."""
     seen: Dict[str, Any] = {}
     records = Records()
     root = logging.getLogger()
@@ -136,7 +136,7 @@ def outcome(
     trace: Optional[Any] = None,
     stand_ins: Optional[Dict[str, Any]] = None,
 ) -> Dict[str, Any]:
-    """All that one call shows: result or error, output, log, warnings, arguments afterwards."""
+    """What is observable of a call: result or error, output, log, warnings, arguments after it."""
     built_args, built_kwargs = call(args, kwargs)
     describer = Describer()
     describer.register(built_args, built_kwargs)
@@ -179,7 +179,7 @@ def compare(
     trace: Optional[Any] = None,
     stand_ins: Optional[Dict[str, Any]] = None,
 ) -> Dict[str, Any]:
-    """Fail unless model and module show the same; hand back what they show."""
+    """Returns the outcome of a call; raises AssertionError if model and module differ."""
     kwargs = kwargs or {}
     Tally.cases += 1
     expected = outcome(model, name, args, kwargs, trace, stand_ins)

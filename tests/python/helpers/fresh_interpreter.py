@@ -1,4 +1,4 @@
-"""Code that must run in an interpreter of its own."""
+"""Runs code in a new interpreter."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""What cells are made of: texts near numbers, numbers near texts, missing values, odd objects."""
+"""Cells of drawn columns: number texts and their neighbours, numbers, nulls, odd objects."""
 
 from __future__ import annotations
 
@@ -9,11 +9,12 @@ from typing import Any, List
 
 import numpy as np
 import pandas as pd
-from recipes import Recipe
+
+from .recipes import Recipe
 
 
 class NotAFloat:
-    """Its `__float__` breaks the promise of its name."""
+    """`__float__` returns a text."""
 
     def __float__(self) -> Any:
         return "2"
@@ -23,7 +24,7 @@ class NotAFloat:
 
 
 class Anywhere:
-    """Below every number and above it as well."""
+    """Less than every number, and greater or equal as well."""
 
     def __lt__(self, other: object) -> bool:
         return True
@@ -36,7 +37,7 @@ class Anywhere:
 
 
 class Convertible:
-    """A number by its methods alone."""
+    """No number type, but `int()` and `float()` accept it."""
 
     def __int__(self) -> int:
         return 7
@@ -57,7 +58,7 @@ class Whole(int):
 
 
 class Refusing:
-    """Raises from every conversion, in the way asked for."""
+    """Raises the given exception from every conversion."""
 
     def __init__(self, error: type) -> None:
         self.error = error
@@ -73,7 +74,7 @@ class Refusing:
 
 
 class Agreeable:
-    """Equal to whatever it is compared with."""
+    """Equal to every other object."""
 
     def __eq__(self, other: object) -> bool:
         return True
@@ -86,7 +87,7 @@ class Agreeable:
 
 
 class Hostile:
-    """Cannot be compared."""
+    """Raises from `==`."""
 
     def __eq__(self, other: object) -> bool:
         raise RuntimeError("no comparison")
@@ -111,7 +112,7 @@ class Unhashable:
 
 
 class Sly(str):
-    """A text that says it is neither alphanumeric nor different from a question mark."""
+    """A text that is not alphanumeric and equals a question mark."""
 
     def isalnum(self) -> bool:
         return False
@@ -123,7 +124,7 @@ class Sly(str):
         return hash("?")
 
 
-# The interpreter's limit on digits (4300 where there is one) is approached from both sides.
+# Both sides of the interpreter's limit on digits (4300 where it exists).
 LONG_DIGITS = ["9" * 40, "1" * 4300, "1" * 4301, "-" + "7" * 4300]
 NUMBER_TEXTS = [
     "0", "1", "2", "3", "10", "12", "-1", "+1", "007", "1_0", "99999999999999999999",

@@ -1,7 +1,7 @@
-"""Every routine of the module as data: what a caller may rely on before reading a body.
+"""The interface of every routine as data: name, owner, parameters, defaults, annotations.
 
-The rows stand in the order in which start-up defines them. ``family`` is the C++ source of the
-routine below ``src/``, without its suffix; it is what a traceback entry of the routine names.
+The rows are in the order in which start-up defines them. ``family`` is the C++ source of the
+routine below ``SOURCES``, without its suffix; a traceback entry names a file of the same folder.
 """
 
 from __future__ import annotations
@@ -11,6 +11,7 @@ from typing import Any, Dict, List, NamedTuple, Tuple
 import numpy as np
 
 MODULE = "quorin_libs.utils.exportable_utils"
+SOURCES = "src/exportable_utils/"
 
 
 class _Required:
@@ -34,6 +35,10 @@ class Row(NamedTuple):
     @property
     def qualname(self) -> str:
         return self.name if self.owner == "module" else self.owner + "." + self.name
+
+    @property
+    def folder(self) -> str:
+        return SOURCES + self.family.rpartition("/")[0] + "/"
 
     @property
     def names(self) -> List[str]:
@@ -329,7 +334,7 @@ ROWS = [
     _row(64, "DatasetS.GetTargetType", "dataset/dataset", "y"),
 ]
 
-# The rows that a user can reach: two definitions give way to later ones of the same name.
+# The rows that a user can reach: a later definition replaces two earlier ones of the same name.
 PRESENT = [row for row in ROWS if not row.replaced]
 
 

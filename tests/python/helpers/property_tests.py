@@ -8,7 +8,7 @@ from typing import Any, Callable
 import hypothesis
 from hypothesis import HealthCheck, given, settings
 
-CASES = int(os.environ.get("QUORIN_CASES", "200"))
+CASES = int(os.environ.get("QUORIN_CASES", "25"))
 SEED = int(os.environ.get("QUORIN_SEED", "20240601"))
 
 

@@ -1,7 +1,7 @@
-"""Replacements: some that answer as they are told, some that pass on and take notes.
+"""Records the calls that a routine makes through names.
 
-With the latter a comparison also covers which routines, and which functions of numpy and pandas,
-are asked for by name at the moment of the call, in what order, and with what arguments.
+With a trace, a comparison covers which routines and which functions of numpy and pandas are called,
+in what order, and with what arguments.
 """
 
 from __future__ import annotations
@@ -9,7 +9,6 @@ from __future__ import annotations
 import types
 from typing import Any, Callable, Dict, List
 
-from recipes import build
 from reference import ns as model
 
 LIBRARIES = ("np", "pd", "FC")
@@ -18,7 +17,7 @@ FEATURES = [name for name, value in vars(model.FCplus).items() if isinstance(val
 
 
 class Library:
-    """A library whose functions are noted when called; its types stay what they are."""
+    """A library whose functions are recorded when called; its types are unchanged."""
 
     def __init__(self, name: str, real: Any, note: Callable[[str, Any], Any]) -> None:
         self._name = name
@@ -32,23 +31,8 @@ class Library:
         return value
 
 
-class StandIn:
-    """Answers every call in the same way, each time with a fresh object."""
-
-    def __init__(self, answer: Any) -> None:
-        self.answer = answer
-
-    def __call__(self, *args: Any, **kwargs: Any) -> Any:
-        if isinstance(self.answer, Exception):
-            raise self.answer
-        return build(self.answer, {})
-
-    def __repr__(self) -> str:
-        return "StandIn({!r})".format(self.answer)
-
-
 class Trace:
-    """Notes the calls of one side; `take` hands them over and starts anew."""
+    """Records the calls of one side; `take` returns and clears them."""
 
     def __init__(self, names: Any = None) -> None:
         self.calls: List[Any] = []
