@@ -6,7 +6,7 @@ import re
 import timeit
 from typing import Any, Callable, Iterator, NamedTuple, Optional, Sequence
 
-from benchmarks import table
+from benchmarks import records, table
 from benchmarks.columns import MARKERS, ColumnSpec, build
 from benchmarks.peers import PEERS
 from benchmarks.timing import route
@@ -61,9 +61,22 @@ class Answer(NamedTuple):
     seconds: float
     beside: dict[str, float]
 
-    def as_json(self) -> dict[str, Any]:
-        """Return the answer as JSON holds it."""
-        return self._asdict()
+    @property
+    def peer(self) -> Optional[str]:
+        """The name of the peer, if the question has one."""
+        return next((name for name in self.beside if name not in NO_PEERS), None)
+
+    def as_row(self) -> tuple[str, ...]:
+        """Return the answer as CSV holds it: nanoseconds per call, under `HEADER`."""
+        others = (*NO_PEERS, self.peer)
+        times = [self.beside[name] * 1e9 if name in self.beside else None for name in others]
+        interpreter, plain, builtin, peer = map(records.number, times)
+        own = records.number(self.seconds * 1e9)
+        return (self.name, own, interpreter, plain, builtin, self.peer or "", peer)
+
+
+NO_PEERS = ("interpreter", "plain def", "len")
+HEADER = ("call", "native", "interpreter", "plain_def", "len", "peer", "peer_time")
 
 
 def _scalars() -> Iterator[Question]:
@@ -150,17 +163,14 @@ def _ratio(answer: Answer, name: Optional[str]) -> str:
 
 def as_text(answers: Sequence[Answer]) -> str:
     """Return nanoseconds per call and how many times as long the others take."""
-    rows = []
-    for answer in answers:
-        others = [name for name in answer.beside if name not in ("interpreter", "plain def", "len")]
-        peer = others[0] if others else None
-        rows.append(
-            (
-                answer.name,
-                "{:,.0f}".format(answer.seconds * 1e9),
-                *(_ratio(answer, name) for name in ("len", "plain def", "interpreter", peer)),
-                peer or "",
-            )
+    rows = (
+        (
+            answer.name,
+            "{:,.0f}".format(answer.seconds * 1e9),
+            *(_ratio(answer, name) for name in ("len", "plain def", "interpreter", answer.peer)),
+            answer.peer or "",
         )
+        for answer in answers
+    )
     header = ("call", "ns", "len", "plain def", "interpreter", "peer", "peer's name")
     return table.align(header, rows, left=("call", "peer's name"))

@@ -6,9 +6,9 @@ import contextlib
 import ctypes
 import pathlib
 import re
-from typing import Any, Callable, NamedTuple, Optional, Sequence
+from typing import Any, Callable, Mapping, NamedTuple, Optional, Sequence
 
-from benchmarks import table
+from benchmarks import records, table
 from benchmarks.columns import MARKERS, ColumnSpec, build
 from benchmarks.timing import Contestant, compare
 from quorin_libs.utils import exportable_utils as eu
@@ -50,6 +50,21 @@ class Point(NamedTuple):
     nanoseconds_per_element: float
     memory: Optional[int]
 
+    def as_row(self) -> tuple[str, ...]:
+        """Return the point as CSV holds it, under `HEADER`."""
+        memory = "" if self.memory is None else str(self.memory)
+        cost = records.number(self.nanoseconds_per_element)
+        return (self.case, str(self.rows), cost, memory)
+
+    @classmethod
+    def from_row(cls, line: Mapping[str, str]) -> Point:
+        """Return the point of a line of CSV."""
+        memory = int(line["peak_bytes"]) if line["peak_bytes"] else None
+        return cls(line["case"], int(line["rows"]), float(line["native"]), memory)
+
+
+HEADER = ("case", "rows", "native", "peak_bytes")
+
 
 def peak_memory(call: Callable[[Any], Any], subject: Any) -> Optional[int]:
     """Return by how much the process grew at most while the call ran, its result included.
@@ -88,8 +103,8 @@ def run(lengths: Sequence[int], repeat: int, filters: Sequence[str]) -> list[Poi
             column = build(spec, rows)
             # Before anything is timed: that would leave freed memory behind.
             memory = peak_memory(call, column)
-            (times,) = compare([Contestant(case, call, column)], repeat)
-            points.append(Point(case, rows, times.least / rows * 1e9, memory))
+            (seconds,) = compare([Contestant(case, call, column)], repeat)
+            points.append(Point(case, rows, seconds / rows * 1e9, memory))
             del column
     progress.show("")
     return points

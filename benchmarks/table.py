@@ -4,51 +4,49 @@ from __future__ import annotations
 
 import platform
 import sys
-from typing import Any, Iterable, NamedTuple, Optional, Sequence, TextIO
+from typing import Iterable, NamedTuple, Optional, Sequence, TextIO
 
 import numpy as np
 import pandas as pd
 
+from benchmarks import records
 from benchmarks.cases import Case, elements
 from benchmarks.columns import build
-from benchmarks.timing import Contestant, Times, compare, geometric_mean
+from benchmarks.timing import Contestant, compare, geometric_mean
 
 
 class Line(NamedTuple):
-    """A case at one length, beside one peer or none; times in seconds per call."""
+    """A case at one length with at most one peer; times in seconds per call."""
 
     case: str
     rows: int
     elements: int
-    native: Times
-    interpreter: Times
+    native: float
+    interpreter: float
     peer: Optional[str]
-    peer_times: Optional[Times]
+    peer_time: Optional[float]
     note: str
 
     @property
     def over_interpreter(self) -> float:
-        """How many times the interpreter route takes as long."""
-        return self.interpreter.least / self.native.least
+        """Time of the interpreter route divided by the routine's."""
+        return self.interpreter / self.native
 
     @property
     def over_peer(self) -> Optional[float]:
-        """How many times the peer takes as long."""
-        return self.peer_times.least / self.native.least if self.peer_times else None
+        """Time of the peer divided by the routine's."""
+        return None if self.peer_time is None else self.peer_time / self.native
 
-    def as_json(self) -> dict[str, Any]:
-        """Return the line as JSON holds it."""
-        times = {"native": self.native, "interpreter": self.interpreter, "peer": self.peer_times}
-        return {
-            "case": self.case,
-            "rows": self.rows,
-            "elements": self.elements,
-            "seconds": {name: t._asdict() for name, t in times.items() if t},
-            "interpreter_over_native": self.over_interpreter,
-            "peer_over_native": self.over_peer,
-            "peer": self.peer,
-            "note": self.note,
-        }
+    def as_row(self) -> tuple[str, ...]:
+        """Return the line as CSV holds it: nanoseconds per element, under `HEADER`."""
+        native, interpreter, peer = (
+            records.number(None if seconds is None else seconds / self.elements * 1e9)
+            for seconds in (self.native, self.interpreter, self.peer_time)
+        )
+        return (self.case, str(self.rows), native, interpreter, self.peer or "", peer, self.note)
+
+
+HEADER = ("case", "rows", "native", "interpreter", "peer", "peer_time", "note")
 
 
 class Progress:
@@ -132,7 +130,7 @@ def as_text(lines: Sequence[Line]) -> str:
             (
                 line.case,
                 "{:,}".format(line.rows),
-                "{:.4g}".format(line.native.least / line.elements * 1e9),
+                "{:.4g}".format(line.native / line.elements * 1e9),
                 ratio(line.over_interpreter),
                 ratio(line.over_peer),
                 line.peer or "",

@@ -32,13 +32,6 @@ class Contestant(NamedTuple):
     forced: bool = False
 
 
-class Times(NamedTuple):
-    """Seconds per call."""
-
-    least: float
-    median: float
-
-
 @contextlib.contextmanager
 def interpreter_route() -> Iterator[None]:
     """Put a pass-through where a routine looks up another one.
@@ -81,8 +74,8 @@ def _sample(contestant: Contestant, calls: int) -> float:
     return (clock() - start) / calls
 
 
-def compare(contestants: Sequence[Contestant], repeat: int) -> list[Times]:
-    """Time all of them `repeat` times in turns: A B C, A B C, and so on."""
+def compare(contestants: Sequence[Contestant], repeat: int) -> list[float]:
+    """Time all of them in turns (A B C, A B C) and return the least seconds per call of each."""
     calls = []
     for contestant in contestants:
         with route(forced=contestant.forced):
@@ -102,7 +95,7 @@ def compare(contestants: Sequence[Contestant], repeat: int) -> list[Times]:
     finally:
         if collecting:
             gc.enable()
-    return [Times(min(seconds), float(np.median(seconds))) for seconds in samples]
+    return [min(seconds) for seconds in samples]
 
 
 def geometric_mean(ratios: Sequence[float]) -> float:
