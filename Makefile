@@ -1,6 +1,6 @@
 # make run         profile the example table
-# make kernels     the kernel tests alone
-# make test        the kernel tests, the whole Python suite, the examples in docstrings
+# make core-tests     the tests of the core alone
+# make test        the tests of the core, the whole Python suite, the examples in docstrings
 # make lint        every formatter, linter and type checker; each must be silent
 # make matrix      the suite on every CPython from 3.7 on that this machine has (ROWS="3.7.16 3.13.0")
 # make asan        the suites under AddressSanitizer and UndefinedBehaviorSanitizer
@@ -30,11 +30,11 @@ export PATH := $(CURDIR)/$(BIN):$(PATH)
 export PIP_DISABLE_PIP_VERSION_CHECK := 1
 
 .DELETE_ON_ERROR:
-.PHONY: run test kernels kernel-cost lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs bench matrix asan coverage fuzz clean
+.PHONY: run test core-tests kernel-cost lint lint-ruff lint-format lint-types lint-stub lint-tidy format docs bench matrix asan coverage fuzz clean
 $(shell mkdir -p build)
 
 SOURCES := $(shell find src -name "*.cpp" -o -name "*.hpp")
-CXX_FILES := $(SOURCES) $(wildcard tests/kernels/*.[ch]pp)
+CXX_FILES := $(SOURCES) $(wildcard tests/core/*.[ch]pp)
 
 # ---- the environment, a stamp for each layer --------------------------------------------------
 
@@ -61,14 +61,14 @@ $(VENV)/.test $(VENV)/.dev $(VENV)/.docs $(VENV)/.bench: $(VENV)/.%: $(VENV)/.to
 run: $(VENV)/.package
 	$(BIN)/quorin-profile examples/elements.csv
 
-test: $(VENV)/.package $(VENV)/.test kernels
+test: $(VENV)/.package $(VENV)/.test core-tests
 	$(BIN)/pytest $(PYTEST_ARGS)
 	$(BIN)/pytest --doctest-modules --pyargs quorin_libs
 
-kernels: $(VENV)/.tools
-	cmake --preset kernels > build/kernels.log || { cat build/kernels.log; exit 1; }
-	cmake --build --preset kernels
-	build/kernels/tests/kernels/kernel_tests
+core-tests: $(VENV)/.tools
+	cmake --preset core > build/core.log || { cat build/core.log; exit 1; }
+	cmake --build --preset core
+	build/core/tests/core/core_tests
 
 fuzz: $(VENV)/.package $(VENV)/.test
 	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) \
@@ -125,7 +125,7 @@ bench: $(VENV)/.package $(VENV)/.bench
 kernel-cost: $(VENV)/.tools
 	cmake --preset kernel-cost > build/kernel-cost.log || { cat build/kernel-cost.log; exit 1; }
 	cmake --build --preset kernel-cost --target kernel_cost
-	scripts/kernel_cost $(COST_ARGS) build/kernel-cost/tests/kernels/kernel_cost
+	scripts/kernel_cost $(COST_ARGS) build/kernel-cost/tests/core/kernel_cost
 
 clean:
 	rm -rf $(VENV) build dist .pytest_cache .mypy_cache .ruff_cache .hypothesis

@@ -103,7 +103,7 @@ ROWS = [
         axis=None,
     ),
     _row(5, "numpy_floatstr2float", "transform/conversion", "X" + _WITH_MARKERS, **_MISSING),
-    _row(6, "setValueOrDefault", "frame/scalar_predicates", "variable def_value", def_value=None),
+    _row(6, "setValueOrDefault", "services/scalar_predicates", "variable def_value", def_value=None),
     _row(7, "numpy_boolean2float", "transform/conversion", "X" + _WITH_MARKERS, **_MISSING),
     _row(
         8,
@@ -136,7 +136,7 @@ ROWS = [
     ),
     _row(13, "numpy_get_categories", "classify/categories", _CATEGORIES, categories_list2=None),
     _row(14, "numpy_remove_second_dim", "transform/selection", "X"),
-    _row(15, "isint", "frame/scalar_predicates", "value"),
+    _row(15, "isint", "services/scalar_predicates", "value"),
     _row(16, "numpy_is_column_monotonic_increasing", "classify/order", "column"),
     _row(17, "numpy_is_column_monotonic_decreasing", "classify/order", "column"),
     _row(18, "numpy_isintstr", "classify/number_check", "X" + _WITH_MARKERS, **_MISSING),
@@ -162,7 +162,7 @@ ROWS = [
         return_counts=False,
         fast_str_conversion_flag=True,
     ),
-    _row(23, "isfloat", "frame/scalar_predicates", "value"),
+    _row(23, "isfloat", "services/scalar_predicates", "value"),
     _row(
         24,
         "numpy_column_float2str",
@@ -173,7 +173,7 @@ ROWS = [
     _row(
         25,
         "QSR_raise_exception",
-        "frame/raise_exception",
+        "services/raise_exception",
         "error_message exception_type exception_obj exception_trace_flag logger_error_flag",
         error_message=None,
         exception_type="Exception",

@@ -362,7 +362,7 @@ def test_traceback_entry_of_a_failing_import(tmp_path):
     """
     ((file, line, name),) = run_fresh(code.format(MODULE), tmp_path)
     assert name == "init " + MODULE
-    assert file == "src/module.cpp"
+    assert file == "src/exportable_utils/module.cpp"
     assert line > 0
 
 

@@ -152,7 +152,7 @@ def test_entries_name_the_routines(name, args, kind, through):
         # A long body goes on in a neighbour of its file.
         owner = name if entry_name == "<lambda>" else entry_name
         folder = ROW_OF[owner].family.partition("/")[0]
-        assert file.startswith("src/{}/".format(folder))
+        assert file.startswith("src/exportable_utils/{}/".format(folder))
         assert line > 0
 
 
@@ -161,7 +161,7 @@ def test_entries_are_printed():
         eu.isint(None)
     except TypeError:
         text = traceback.format_exc()
-    assert '  File "src/frame/scalar_predicates.cpp", line ' in text
+    assert '  File "src/exportable_utils/services/scalar_predicates.cpp", line ' in text
     assert ", in isint\n" in text
 
 

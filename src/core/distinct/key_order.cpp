@@ -1,0 +1,49 @@
+#include "core/distinct/key_order.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace quorin::core {
+
+namespace {
+
+constexpr std::size_t digits = 8;  // of a byte each
+constexpr std::size_t values = 256;
+using Histogram = std::array<std::uint32_t, values>;
+
+std::size_t digit_of(std::uint64_t key, std::size_t place) noexcept {
+    return static_cast<std::size_t>(key >> (8 * place)) & (values - 1);
+}
+
+}  // namespace
+
+// From the last digit to the first, each round keeping the order of the one before. A digit that all keys share costs
+// nothing but its count.
+void sort_by_key(std::vector<Keyed>& entries) {
+    constexpr std::size_t few = 512;
+    if (entries.size() < few) {
+        std::sort(entries.begin(), entries.end(), [](const Keyed& left, const Keyed& right) {
+            return left.key != right.key ? left.key < right.key : left.number < right.number;
+        });
+        return;
+    }
+    std::array<Histogram, digits> histograms{};
+    for (const Keyed& entry : entries) {
+        for (std::size_t place = 0; place < digits; ++place) ++histograms[place][digit_of(entry.key, place)];
+    }
+    std::vector<Keyed> sorted(entries.size());
+    for (std::size_t place = 0; place < digits; ++place) {
+        Histogram& starts = histograms[place];
+        if (starts[digit_of(entries.front().key, place)] == entries.size()) continue;
+        std::uint32_t start = 0;
+        for (std::uint32_t& entry : starts) {
+            const std::uint32_t size = entry;
+            entry = start;
+            start += size;
+        }
+        for (const Keyed& entry : entries) sorted[starts[digit_of(entry.key, place)]++] = entry;
+        entries.swap(sorted);
+    }
+}
+
+}  // namespace quorin::core

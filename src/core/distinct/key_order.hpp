@@ -1,0 +1,28 @@
+// Sorting by 64-bit keys.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <vector>
+
+namespace quorin::core {
+
+struct Keyed {
+    std::uint64_t key;
+    std::uint32_t number;
+};
+
+// Ascending by key. The numbers come ascending, and stay so where keys are equal.
+void sort_by_key(std::vector<Keyed>& entries);
+
+// Keys that sort as the numbers do. No NaN; 0.0 and -0.0 share one.
+constexpr std::uint64_t sign_bit = std::uint64_t{1} << 63U;
+inline std::uint64_t key_of_whole(std::int64_t value) noexcept {
+    return static_cast<std::uint64_t>(value) ^ sign_bit;
+}
+inline std::uint64_t key_of_real(double value) noexcept {
+    const auto pattern = std::bit_cast<std::uint64_t>(value == 0.0 ? 0.0 : value);
+    return (pattern & sign_bit) != 0 ? ~pattern : pattern | sign_bit;
+}
+
+}  // namespace quorin::core

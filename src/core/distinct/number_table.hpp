@@ -1,0 +1,66 @@
+// Finding equal numbers among many.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+#include <vector>
+
+namespace quorin::core {
+
+// The same 64 bits exactly for equal numbers of one type: NaN counts as one number, 0.0 and -0.0 as the same.
+std::uint64_t pattern_of(double value) noexcept;
+
+template <class Number>
+std::uint64_t key_of(Number value) noexcept {
+    if constexpr (std::is_floating_point_v<Number>) return pattern_of(static_cast<double>(value));
+    return static_cast<std::uint64_t>(value);
+}
+
+// Open addressing with 64-bit keys; what stands under a key is the caller's number for it.
+class NumberTable {
+  public:
+    NumberTable() : slots_(initial_slots, empty) {}
+
+    // The number under which the key stands, or `next`, under which it stands from now on.
+    std::uint32_t find_or_add(std::uint64_t key, std::uint32_t next) {
+        std::size_t slot = place_of(key);
+        while (slots_[slot].number != none) {
+            if (slots_[slot].key == key) return slots_[slot].number;
+            slot = (slot + 1) & (slots_.size() - 1);
+        }
+        slots_[slot] = {key, next};
+        if (2 * ++size_ > slots_.size()) grow();
+        return next;
+    }
+
+    [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
+        // A small table stays near by itself.
+        if (slots_.size() > small) __builtin_prefetch(&slots_[place_of(key)]);
+    }
+
+  private:
+    static constexpr std::uint32_t none = 0xffffffffU;
+    static constexpr std::size_t initial_slots = 256;
+    static constexpr std::size_t small = 4096;
+    struct Slot {
+        std::uint64_t key;
+        std::uint32_t number;
+    };
+    static constexpr Slot empty{0, none};
+
+    // Neighbouring numbers and the patterns of short fractions both spread over the table: the product is folded.
+    [[nodiscard]] std::size_t place_of(std::uint64_t key) const noexcept {
+        __extension__ using Product = unsigned __int128;
+        const Product product = static_cast<Product>(key) * 0x9e3779b97f4a7c15ULL;
+        return static_cast<std::size_t>(static_cast<std::uint64_t>(product) ^
+                                        static_cast<std::uint64_t>(product >> 64U)) &
+               (slots_.size() - 1);
+    }
+    void grow();
+
+    std::vector<Slot> slots_;
+    std::size_t size_ = 0;
+};
+
+}  // namespace quorin::core

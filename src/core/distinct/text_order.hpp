@@ -1,0 +1,14 @@
+// Sorting different texts.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "core/distinct/text_table.hpp"
+
+namespace quorin::core {
+
+// The numbers of the texts in ascending order by code point.
+std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts);
+
+}  // namespace quorin::core

@@ -1,0 +1,149 @@
+#include "core/distinct/text_table.hpp"
+
+#include <algorithm>
+#include <bit>
+
+namespace quorin::core {
+
+namespace {
+
+__extension__ using Product = unsigned __int128;
+
+// The hash of no text is that of an empty slot.
+constexpr std::uint32_t never_zero = 0x80000000U;
+
+// Two odd numbers without a pattern.
+constexpr std::uint64_t first_salt = 0x9e3779b97f4a7c15ULL;
+constexpr std::uint64_t second_salt = 0xd1b54a32d192ed03ULL;
+
+std::uint64_t mixed(std::uint64_t a, std::uint64_t b) noexcept {
+    const Product product = static_cast<Product>(a ^ first_salt) * (b ^ second_salt);
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+std::uint32_t four_bytes(const std::uint8_t* at) noexcept {
+    std::uint32_t bytes = 0;
+    std::memcpy(&bytes, at, sizeof bytes);
+    return bytes;
+}
+
+// The last eight bytes and the eight before them; where there are fewer, they are the highest of these numbers.
+struct LastSixteen {
+    std::uint64_t before;
+    std::uint64_t last;
+};
+
+std::uint64_t up_to_eight(const std::uint8_t* bytes, std::size_t size) noexcept {
+    if (size == 8) return eight_bytes(bytes);
+    if (size >= 4) {
+        const std::uint64_t first = std::uint64_t{four_bytes(bytes)} << (64 - 8 * size);
+        return first | std::uint64_t{four_bytes(bytes + size - 4)} << 32U;
+    }
+    std::uint64_t found = 0;
+    for (std::size_t i = 0; i < size; ++i) found |= std::uint64_t{bytes[i]} << (64 - 8 * (size - i));
+    return found;
+}
+
+LastSixteen last_sixteen(const std::uint8_t* bytes, std::size_t size) noexcept {
+    if (size >= 16) return {eight_bytes(bytes + size - 16), eight_bytes(bytes + size - 8)};
+    if (size > 8) return {up_to_eight(bytes, size - 8), eight_bytes(bytes + size - 8)};
+    return {0, up_to_eight(bytes, size)};
+}
+
+// The same, with what lies before the text taken out.
+LastSixteen last_sixteen_of_compact(const std::uint8_t* bytes, std::size_t size) noexcept {
+    const EndMasks& masks = end_masks[size < 16 ? size : 16];
+    return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
+}
+
+// Not worth a call for each text of a block.
+[[gnu::always_inline]] inline std::uint32_t hash_of(const TextView& text) noexcept {
+    const auto* bytes = static_cast<const std::uint8_t*>(text.characters);
+    const std::size_t size = text.length * static_cast<std::size_t>(text.width);
+    const LastSixteen end = text.compact ? last_sixteen_of_compact(bytes, size) : last_sixteen(bytes, size);
+    std::uint64_t hash = mixed(end.last + size, end.before);
+    for (std::size_t i = 0; i + 16 < size; i += 16) {
+        hash = mixed(hash + eight_bytes(bytes + i), eight_bytes(bytes + i + 8));
+    }
+    return static_cast<std::uint32_t>(hash >> 32U) | never_zero;
+}
+
+}  // namespace
+
+std::uint32_t hash_text(const TextView& text) noexcept {
+    return hash_of(text);
+}
+
+// At most half full, so that a free slot is never far. Small tables double; once they are no longer small, what was
+// seen so far tells how many different texts there may be, and a table that is copied once is cheaper than one that is
+// copied at each doubling. Never more than so much at once: the first rows need not be like the others.
+void TextTable::grow(std::size_t rows_so_far) {
+    constexpr std::size_t small = 4096;
+    constexpr std::size_t most_at_once = 64;
+    std::size_t size = slots_.size() * 2;
+    if (size > small) {
+        const double expected =
+            static_cast<double>(entries_.size()) * static_cast<double>(rows_) / static_cast<double>(rows_so_far);
+        const auto slots = static_cast<std::size_t>(2 * expected) + 2 * block;
+        size = std::bit_ceil(std::clamp(slots, size, slots_.size() * most_at_once));
+        entries_.reserve(size / 2);
+    }
+    std::vector<Slot> old(size, empty);
+    old.swap(slots_);
+    for (const Slot& entry : old) {
+        if (entry.number == none) continue;
+        std::size_t slot = entry.hash & (slots_.size() - 1);
+        while (slots_[slot].number != none) slot = (slot + 1) & (slots_.size() - 1);
+        slots_[slot] = entry;
+    }
+}
+
+// For texts that do not stand where they are looked for first.
+std::uint32_t TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
+    std::size_t slot = hash & (slots_.size() - 1);
+    for (; slots_[slot].number != none; slot = (slot + 1) & (slots_.size() - 1)) {
+        if (slots_[slot].hash != hash) continue;
+        DistinctText& entry = entries_[slots_[slot].number];
+        if (!same(entry.text, text)) continue;
+        ++entry.count;
+        return slots_[slot].number;
+    }
+    const auto number = static_cast<std::uint32_t>(entries_.size());
+    slots_[slot] = {number, hash};
+    entries_.push_back({text, row, 1});
+    return number;
+}
+
+std::uint32_t TextTable::add(const TextView& text, std::size_t row) {
+    if (2 * (entries_.size() + 1) > slots_.size()) grow(row + 1);
+    return find_or_add(text, hash_of(text), row);
+}
+
+void TextTable::add(const Block& texts) {
+    // The slots and entries of fewer texts are at hand.
+    constexpr std::size_t at_hand = 1024;
+    const std::size_t size = texts.size;
+    if (size == 0) return;
+    if (2 * (entries_.size() + size) > slots_.size()) grow(texts.rows[size - 1] + 1);
+    std::array<std::uint32_t, block> hashes;
+    const Slot* const slots = slots_.data();
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_of(texts.texts[i]);
+    if (entries_.size() > at_hand) {
+        for (std::size_t i = 0; i < size; ++i) __builtin_prefetch(&slots[hashes[i] & mask]);
+        for (std::size_t i = 0; i < size; ++i) {
+            const Slot slot = slots[hashes[i] & mask];
+            if (slot.hash == hashes[i]) __builtin_prefetch(&entries_[slot.number]);
+        }
+    }
+    for (std::size_t i = 0; i < size; ++i) {
+        const Slot slot = slots[hashes[i] & mask];
+        if (slot.hash == hashes[i] && same(entries_[slot.number].text, texts.texts[i])) {
+            ++entries_[slot.number].count;
+        } else {
+            find_or_add(texts.texts[i], hashes[i], texts.rows[i]);
+        }
+    }
+}
+
+}  // namespace quorin::core

@@ -1,0 +1,82 @@
+// Finding equal texts: which different ones a column holds, where each stands first, how often it occurs.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "core/cells/cells.hpp"
+
+namespace quorin::core {
+
+// Equal for equal texts of the same width, and never 0.
+std::uint32_t hash_text(const TextView& text) noexcept;
+
+struct DistinctText {
+    TextView text;
+    std::size_t row;  // of its first occurrence
+    std::int64_t count;
+};
+
+// Open addressing, for columns whose equal texts are of the same width. Texts come in blocks, so that while one is
+// looked up the memory that the next ones need is on its way. Their characters stay with the caller.
+class TextTable {
+  public:
+    static constexpr std::size_t block = 32;
+    static constexpr std::size_t most_rows = 0x7fffffff;
+    // For texts of so many rows. Entries have numbers of 32 bits: whoever looks up more rows than `most_rows` stops at
+    // some number of entries.
+    explicit TextTable(std::size_t rows) : rows_(rows), slots_(initial_slots, empty) {}
+    struct Block {
+        std::array<TextView, block> texts;
+        std::array<std::size_t, block> rows;  // ascending
+        std::size_t size = 0;
+    };
+    void add(const Block& texts);
+    // One text by itself. Gives the number of its entry.
+    std::uint32_t add(const TextView& text, std::size_t row);
+    // In the order of their first occurrence.
+    [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }
+
+  private:
+    static constexpr std::uint32_t none = 0xffffffffU;
+    static constexpr std::size_t initial_slots = 256;
+    struct Slot {
+        std::uint32_t number;  // of the entry
+        std::uint32_t hash;
+    };
+    static constexpr Slot empty{none, 0};
+
+    void grow(std::size_t rows_so_far);
+    std::uint32_t find_or_add(const TextView& text, std::uint32_t hash, std::size_t row);
+
+    std::size_t rows_;
+    std::vector<Slot> slots_;
+    std::vector<DistinctText> entries_;
+};
+
+// The texts of all rows that are not skipped. False where any other cell is no text.
+template <class Cells, class Skip>
+bool add_all(TextTable& table, const Cells& cells, Skip skip) {
+    const std::size_t rows = cells.size();
+    TextTable::Block block;
+    for (std::size_t row = 0; row < rows;) {
+        std::size_t size = 0;
+        for (; row < rows && size < TextTable::block; ++row) {
+            cells.prefetch(row + prefetch_distance);
+            if (skip(row)) continue;
+            if (cells.read(row, block.texts[size]) != Cell::text) return false;
+            block.rows[size++] = row;
+        }
+        block.size = size;
+        table.add(block);
+    }
+    return true;
+}
+
+template <class Cells>
+bool add_all(TextTable& table, const Cells& cells) {
+    return add_all(table, cells, [](std::size_t) { return false; });
+}
+
+}  // namespace quorin::core

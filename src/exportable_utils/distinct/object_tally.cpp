@@ -1,0 +1,92 @@
+#include "exportable_utils/distinct/object_tally.hpp"
+
+#include <bit>
+#include <cmath>
+
+namespace quorin::distinct {
+
+namespace {
+
+// The first whole number that a signed 64-bit integer does not hold.
+constexpr double beyond_64_bits = 9223372036854775808.0;
+
+bool told_apart(const ObjectNumber& left, const ObjectNumber& right) noexcept {
+    return left.type != right.type || left.scalar != right.scalar ||
+           std::signbit(left.real) != std::signbit(right.real);
+}
+
+}  // namespace
+
+void ObjectTally::count(std::uint32_t number, std::size_t row, const ObjectNumber& value) {
+    last_number_ = number;
+    if (number == next()) {
+        entries_.push_back({row, 1, value, bit_of(value.type), true});
+        return;
+    }
+    Entry& entry = entries_[number];
+    ++entry.count;
+    entry.types |= bit_of(value.type);
+    entry.alike = entry.alike && !told_apart(entry.number, value);
+}
+
+bool ObjectTally::add(std::size_t row) {
+    cells_.prefetch(row + core::prefetch_distance);
+    PyObject* value = column_.object(row);
+    if (value == nullptr) return false;
+    // Neighbours are often the same object.
+    if (value == last_) {
+        ++entries_[last_number_].count;
+        return true;
+    }
+    core::TextView text{};
+    if (cells_.read(row, text) == core::Cell::text) {
+        add_text(row, text, false);
+    } else if (const ObjectNumber number = object_number_of(value); number.type != NumberType::none) {
+        if (!add_number(row, number)) return false;
+    } else if (value == Py_None) {
+        add_object(row, number);
+    } else if (is_plain_text(value)) {
+        const std::optional<core::TextView> scalar = text_view_of(value);
+        if (!scalar) return false;
+        add_text(row, *scalar, true);
+    } else {
+        return false;
+    }
+    last_ = value;
+    return true;
+}
+
+void ObjectTally::add_object(std::size_t row, const ObjectNumber& number) {
+    nulls_ = true;
+    const auto key = reinterpret_cast<std::uintptr_t>(column_.object(row));
+    count(objects_.find_or_add(key, next()), row, number);
+}
+
+// A numpy scalar rounds the integers that it is compared with.
+bool ObjectTally::add_number(std::size_t row, const ObjectNumber& number) {
+    if (number.type == NumberType::large) return false;
+    scalars_ = scalars_ || number.scalar;
+    beyond_exact_ = beyond_exact_ || number.beyond_exact();
+    if (scalars_ && beyond_exact_) return false;
+    const auto count_whole = [&](std::int64_t key) {
+        count(wholes_.find_or_add(static_cast<std::uint64_t>(key), next()), row, number);
+    };
+    if (number.type != NumberType::real) {
+        count_whole(number.whole);
+    } else if (std::isnan(number.real)) {
+        add_object(row, number);
+    } else if (-beyond_64_bits <= number.real && number.real < beyond_64_bits && is_whole(number.real)) {
+        count_whole(static_cast<std::int64_t>(number.real));
+    } else {
+        count(others_.find_or_add(std::bit_cast<std::uint64_t>(number.real), next()), row, number);
+    }
+    return true;
+}
+
+void ObjectTally::add_text(std::size_t row, core::TextView text, bool scalar) {
+    const std::uint32_t found = text_table_.add(text, row);
+    if (found == text_entries_.size()) text_entries_.push_back(next());
+    count(text_entries_[found], row, {NumberType::none, scalar, 0, 0});
+}
+
+}  // namespace quorin::distinct

@@ -1,0 +1,143 @@
+// Whether a column holds a person's sex.
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "exportable_utils/features/classifier_calls.hpp"
+#include "exportable_utils/features/features.hpp"
+#include "python/indexing.hpp"
+#include "python/inputs/array_column.hpp"
+#include "python/lookup_guard.hpp"
+#include "python/module_names.hpp"
+#include "python/operations.hpp"
+
+namespace quorin::features {
+
+namespace {
+
+core::TextView view(std::string_view text) noexcept {
+    return {text.data(), text.size(), 1};
+}
+
+// What the library's search for distinct texts, which reads them up to the first zero, would take for another text.
+bool holds_zero(core::TextView text) noexcept {
+    for (std::size_t i = 0; i < text.length; ++i) {
+        if (core::character(text, i) == 0) return true;
+    }
+    return false;
+}
+
+struct SexWord {
+    std::string_view text;
+    std::uint64_t characters;  // the first one lowest
+};
+
+consteval SexWord sex_word(std::string_view text) {
+    constexpr unsigned bits = 8;
+    std::uint64_t characters = 0;
+    for (std::size_t i = text.size(); i-- > 0;) characters = characters << bits | static_cast<unsigned char>(text[i]);
+    return {text, characters};
+}
+
+constexpr SexWord male = sex_word("male");
+constexpr SexWord female = sex_word("female");
+constexpr SexWord m = sex_word("m");
+constexpr SexWord f = sex_word("f");
+constexpr std::uint32_t long_pair = 0b0011;
+constexpr std::uint32_t short_pair = 0b1100;
+
+// The bit of the word that a text is, or 0. Which one it is cannot be predicted, and so nothing jumps on it.
+class SexWords {
+  public:
+    SexWords() noexcept {
+        for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
+    }
+    [[nodiscard]] std::uint32_t find(core::TextView text) const noexcept {
+        if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
+        const std::uint64_t characters = core::short_text(text);
+        const auto is = [&](const SexWord& word) {
+            return static_cast<std::uint32_t>((characters == word.characters) & (text.length == word.text.size()));
+        };
+        return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
+    }
+
+  private:
+    core::ReferenceTexts words_;
+};
+
+// Whether the distinct values of a column of texts and nulls are one of the two pairs, in any order.
+std::optional<bool> native_sex(Object series) {
+    if (!originals_in_place()) return std::nullopt;
+    if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return std::nullopt;
+    const Ref values = series.attr("values"_py);
+    const std::optional<ArrayColumn> column = flat_column(values, Storage::objects);
+    if (!column) return std::nullopt;
+    const SexWords words;
+    const ObjectCells cells(*column);
+    std::uint32_t found = 0;
+    bool others = false;
+    for (std::size_t row = 0; row < column->rows; ++row) {
+        cells.prefetch(row + core::prefetch_distance);
+        core::TextView text{};
+        const core::Cell cell = cells.read(row, text);
+        if (cell == core::Cell::other) return std::nullopt;
+        const std::uint32_t sex = cell == core::Cell::text ? words.find(text) : 0;
+        found |= sex;
+        if (sex != 0) continue;
+        if (cell == core::Cell::text && holds_zero(text)) return std::nullopt;
+        others = true;
+    }
+    return !others && (found == long_pair || found == short_pair);
+}
+
+}  // namespace
+
+constinit const Definition is_column_sex{
+    .name = "is_column_sex",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents sex.
+
+It does when its distinct values are exactly "male" and "female", or "m" and "f", written so.
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    With a column labelled 0. Positional only.
+
+Returns
+-------
+bool
+
+Raises
+------
+IndexError
+    For an empty frame.
+KeyError
+    For text in a frame without a column labelled 0.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_sex(pd.DataFrame({0: ["f", "m", "f"]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (!first_cell_is_text(dfc)) return Ref::truth(false);
+        const Ref series = item(dfc, 0);
+        if (const auto answer = native_sex(series)) return Ref::truth(*answer);
+        const Ref values = series.attr("unique"_py)();
+        if (length(values) != 2) return Ref::truth(false);
+        const auto are = [&](Name first, Name second) {
+            return equal(item(values, 0), first) && equal(item(values, 1), second);
+        };
+        const auto are_reversed = [&](Name first, Name second) {
+            return equal(item(values, 1), first) && equal(item(values, 0), second);
+        };
+        return Ref::truth(are("male"_py, "female"_py) || are_reversed("male"_py, "female"_py) || are("m"_py, "f"_py) ||
+                          are_reversed("m"_py, "f"_py));
+    },
+};
+
+}  // namespace quorin::features

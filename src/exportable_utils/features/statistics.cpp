@@ -1,0 +1,327 @@
+// Whether a column looks like a person's height, weight or age.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "core/gather/within_limits.hpp"
+#include "exportable_utils/features/classifier_calls.hpp"
+#include "exportable_utils/features/features.hpp"
+#include "python/indexing.hpp"
+#include "python/inputs/array_column.hpp"
+#include "python/lookup_guard.hpp"
+#include "python/module_names.hpp"
+#include "python/operations.hpp"
+
+namespace quorin::features {
+
+namespace {
+
+struct Bounds {
+    Object mean_value;
+    Object std_value;
+    Object min_value;
+    Object max_value;
+    Object num_stds;
+};
+
+// NaN fails none of the three tests, since no comparison with it holds.
+bool fails(Object elt, const Bounds& bounds) {
+    const Ref deviation = absolute(subtract(elt, bounds.mean_value));
+    const Ref allowed = multiply(bounds.num_stds, bounds.std_value);
+    return greater(deviation, allowed) || greater(elt, bounds.max_value) || less(elt, bounds.min_value);
+}
+
+bool vector_passes(Object X, Object k, const Bounds& bounds) {
+    const Py_ssize_t rows = count(row_count(X));
+    for (Py_ssize_t i = 0; i < rows; ++i) {
+        if (fails(multiply(k, item(X, i)), bounds)) return false;
+    }
+    return true;
+}
+
+// A failing value ends its row only: the rows behind it are looked at as well.
+bool matrix_passes(Object X, Object k, const Bounds& bounds) {
+    bool flag = true;
+    const Py_ssize_t rows = count(row_count(X));
+    for (Py_ssize_t i = 0; i < rows; ++i) {
+        const Py_ssize_t columns = count(column_count(X));
+        for (Py_ssize_t j = 0; j < columns; ++j) {
+            if (fails(multiply(k, item(X, tuple({i, j}))), bounds)) {
+                flag = false;
+                break;
+            }
+        }
+    }
+    return flag;
+}
+
+constexpr double modest_limit = 1e15;
+
+// A number whose arithmetic a 64-bit float does as the interpreter does it, rounding included: none is so large that an
+// integer would stay exact where a float is rounded.
+std::optional<double> modest_number(Object value) noexcept {
+    double number = 0.0;
+    if (PyFloat_CheckExact(value.get())) {
+        number = PyFloat_AS_DOUBLE(value.get());
+    } else if (PyLong_CheckExact(value.get())) {
+        int overflow = 0;
+        number = static_cast<double>(PyLong_AsLongLongAndOverflow(value.get(), &overflow));
+        if (overflow != 0) return std::nullopt;
+    } else {
+        return std::nullopt;
+    }
+    if (!(std::fabs(number) <= modest_limit)) return std::nullopt;
+    return number;
+}
+
+// The numbers of a column, and how far the arithmetic of the kernels is that of the interpreter: exact, and without a
+// warning.
+struct Measured {
+    enum class As { float64, float32, whole, boolean } as;
+    double most;         // larger numbers are the interpreter's
+    double most_factor;  // and so are larger factors
+};
+
+std::optional<Measured> measured(const ArrayColumn& values) noexcept {
+    // Products of integers stay below the first that a float does not hold.
+    constexpr double most_whole = 1e9;
+    constexpr double most_whole_factor = 1e6;
+    switch (values.storage) {
+        case Storage::float64:
+            return Measured{Measured::As::float64, modest_limit, modest_limit};
+        case Storage::float32:
+            return Measured{Measured::As::float32, modest_limit, modest_limit};
+        case Storage::boolean:
+            return Measured{Measured::As::boolean, 1.0, most_whole_factor};
+        case Storage::integer:
+            // Narrow integers and those without a sign overflow in ways of their own.
+            if (values.width != sizeof(std::int64_t) || !PyTypeNum_ISSIGNED(PyArray_TYPE(values.array))) break;
+            return Measured{Measured::As::whole, most_whole, most_whole_factor};
+        case Storage::objects:
+        case Storage::fixed_text:
+            break;
+    }
+    return std::nullopt;
+}
+
+// Since numpy 2 a product or a difference of a float32 and a Python number is a float32, before that it may be a
+// float64: what the numpy in use does is seen best on the first element.
+bool stays_float32(const ArrayColumn& values) {
+    const Ref first = Ref::take(PyArray_Scalar(const_cast<char*>(values.data), PyArray_DESCR(values.array),
+                                               reinterpret_cast<PyObject*>(values.array)));
+    const auto is_float32 = [](const Ref& number) { return Py_TYPE(number.get()) == &PyFloatArrType_Type; };
+    return is_float32(multiply(1, first)) && is_float32(multiply(1.0, first)) && is_float32(subtract(first, 1)) &&
+           is_float32(subtract(first, 1.0));
+}
+
+template <class Number>
+std::optional<bool> passes(const ArrayColumn& values, const Measured& kind, const std::vector<double>& factors,
+                           const core::Limits& limits) {
+    if (core::any_beyond<Number>(values.data, values.stride, values.rows, kind.most)) return std::nullopt;
+    return std::any_of(factors.begin(), factors.end(), [&](double factor) {
+        return core::all_within<Number>(values.data, values.stride, values.rows, factor, limits);
+    });
+}
+
+std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
+    if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
+    const std::optional<ArrayColumn> values = single_column(X);
+    if (!values) return std::nullopt;
+    const std::optional<Measured> kind = measured(*values);
+    const auto mean = modest_number(bounds.mean_value);
+    const auto deviation = modest_number(bounds.std_value);
+    const auto min = modest_number(bounds.min_value);
+    const auto max = modest_number(bounds.max_value);
+    const auto stds = modest_number(bounds.num_stds);
+    if (!kind || !mean || !deviation || !min || !max || !stds) return std::nullopt;
+    const core::Limits limits{*mean, *stds * *deviation, *min, *max};
+    if (std::fabs(limits.allowed) > modest_limit) return std::nullopt;
+    std::vector<double> factors;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
+        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        if (!factor || std::fabs(*factor) > kind->most_factor) return std::nullopt;
+        factors.push_back(*factor);
+    }
+    switch (kind->as) {
+        case Measured::As::float64:
+            return passes<double>(*values, *kind, factors, limits);
+        case Measured::As::float32:
+            if (!stays_float32(*values)) return std::nullopt;
+            return passes<float>(*values, *kind, factors, limits);
+        case Measured::As::whole:
+            return passes<std::int64_t>(*values, *kind, factors, limits);
+        case Measured::As::boolean:
+            return passes<std::uint8_t>(*values, *kind, factors, limits);
+    }
+    return std::nullopt;
+}
+
+Ref check(Positional arguments) {
+    return global("FCplus"_py).attr("check_statistics"_py)(arguments);
+}
+
+}  // namespace
+
+constinit const Definition check_statistics{
+    .name = "check_statistics",
+    .parameters =
+        {{"dfc"}, {"mean_value"}, {"std_value"}, {"min_value"}, {"max_value"}, {"num_stds"}, {"unit_factors_list"}},
+    .doc = R"(Says whether all values of a column fit a known statistic in some unit.
+
+A value fits when, multiplied by the factor of the unit, it lies within `num_stds` standard deviations of the mean and
+within the range, both ends included. NaN fits.
+
+Parameters
+----------
+dfc : pandas.DataFrame or pandas.Series
+mean_value, std_value : float
+min_value, max_value : float
+num_stds : float
+unit_factors_list : list of float
+    Factors to try, in this order.
+
+Returns
+-------
+bool
+    Whether there is a factor with which every value fits; False for no factor at all.
+
+Raises
+------
+TypeError
+    For values that cannot be compared with numbers.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.check_statistics(pd.DataFrame({0: [170.0, 180.0]}), 66.4, 3.9, 21.5, 107.1, 3, [1, 1 / 2.54])
+True
+)",
+    .body = [](Object dfc, Object mean_value, Object std_value, Object min_value, Object max_value, Object num_stds,
+               Object unit_factors_list) -> Ref {
+        const Bounds bounds{mean_value, std_value, min_value, max_value, num_stds};
+        const Ref X = dfc.attr("values"_py);
+        if (const auto answer = native_check(X, bounds, unit_factors_list)) return Ref::truth(*answer);
+        bool flag = false;
+        const Ref factors = iterate(unit_factors_list);
+        while (const Ref k = next(factors)) {
+            flag = equal(X.attr("ndim"_py), 1) ? vector_passes(X, k, bounds) : matrix_passes(X, k, bounds);
+            if (flag) break;
+        }
+        return Ref::truth(flag);
+    },
+};
+
+constinit const Definition is_column_height{
+    .name = "is_column_height",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents height based on US statistics
+Men: 69.1 inches mean and 2.9 inches std
+Women: 63.7 inches and 2.7 inches std
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column. Positional only.
+
+Returns
+-------
+bool
+    False for text.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_height(pd.DataFrame({"inches": [62.0, 66.5, 71.0]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (first_cell_is_text(dfc)) return Ref::truth(false);
+        // The mean is that of the two means; the deviation is (2.9 ** 2 + 2.7 ** 2) / 4.
+        return check({dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, list({1, 2.54})});
+    },
+};
+
+constinit const Definition is_column_weight{
+    .name = "is_column_weight",
+    .parameters = {{"dfc"}},
+    .doc = R"(Infers whether column represents weight based on US statistics
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column. Positional only.
+
+Returns
+-------
+bool
+    False for text.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_weight(pd.DataFrame({"pounds": [125, 180, 240]}))
+True
+)",
+    .body = [](Object dfc) -> Ref {
+        if (first_cell_is_text(dfc)) return Ref::truth(false);
+        return check({dfc, 177.9, 40.9, 102, 300, 3, list({1, 0.453592})});
+    },
+};
+
+constinit const Definition is_column_age{
+    .name = "is_column_age",
+    .parameters = {{"dfc"}, {"missing_values_reference_list", None}},
+    .doc = R"(Infers whether column represents weight based on US statistics
+
+The column is an age when its first row is integer and every value lies from 0 to 80.
+
+Parameters
+----------
+dfc : pandas.DataFrame
+    One column.
+missing_values_reference_list : list, optional
+    Values that count as missing; the module's list by default.
+
+Returns
+-------
+bool
+    False for text and for anything but integers.
+
+Raises
+------
+IndexError
+    For an empty frame and for a Series.
+
+Examples
+--------
+>>> import pandas as pd
+>>> from quorin_libs.utils.exportable_utils import FCplus
+>>> FCplus.is_column_age(pd.DataFrame({"age": [18, 35, 62]}))
+True
+)",
+    .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
+        const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
+        // The first row stands for the column.
+        const auto [miss_values, dtype_str] =
+            Classifier()(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
+        if (first_cell_is_text(dfc) || truth(compare(dtype_str, Py_NE, "int_num"_py))) return Ref::truth(false);
+        return check({dfc, 40, 20, 0, 100, 2, list({1})});
+    },
+};
+
+}  // namespace quorin::features

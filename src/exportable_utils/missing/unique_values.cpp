@@ -1,0 +1,121 @@
+#include <optional>
+
+#include "exportable_utils/distinct/distinct_values.hpp"
+#include "exportable_utils/missing/missing.hpp"
+#include "exportable_utils/references/matching_rows.hpp"
+#include "python/errors.hpp"
+#include "python/lookup_guard.hpp"
+#include "python/module_names.hpp"
+#include "python/operations.hpp"
+
+namespace quorin::missing {
+
+namespace {
+
+// The sorting of texts beside values of another kind.
+bool is_mixed_text_failure(Object message) {
+    return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
+}
+
+// The distinct values that are not on the list, with their counts if they are wanted. Without counts newer releases of
+// numpy find those of floats by another way, where another one of several equal floats may stand for them.
+Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
+    if (!originals_in_place()) return {};
+    const std::optional<ArrayColumn> column = flat_column(y);
+    if (!column) return {};
+    const bool floats = column->storage == Storage::float64 || column->storage == Storage::float32;
+    if (floats && !return_counts) return {};
+    const std::optional<references::References> excluded = references::read_references(exclusion_list, *column);
+    if (!excluded || (excluded->null_bits != 0 && !references::unchanged_by_asarray(*excluded))) return {};
+    references::Members left_out;
+    if (!excluded->none()) {
+        std::optional<references::Members> found = references::find_members(*column, *excluded);
+        if (!found) return {};
+        left_out = std::move(*found);
+    }
+    const auto distinct = distinct::distinct_values(*column, {left_out.mask, left_out.marked});
+    if (!distinct) return {};
+    if (!return_counts) return Ref::share(distinct->values);
+    return tuple({distinct->values, distinct->counts});
+}
+
+}  // namespace
+
+constinit const Definition get_unique_values{
+    .name = "get_unique_values",
+    .parameters = {{"y", required, Annotation::ndarray},
+                   {"exclusion_list", None},
+                   {"return_index", false},
+                   {"return_inverse", false},
+                   {"return_counts", false},
+                   {"fast_str_conversion_flag", true}},
+    .doc = R"(Distinct values of a column, with exclusions.
+
+`numpy.unique` after the values of `exclusion_list` are taken out. A column that cannot be sorted because texts are
+mixed with other values is converted to text, with a warning in the log, and tried once more.
+
+Parameters
+----------
+y : numpy.ndarray of shape (n,)
+exclusion_list : list, optional
+    Values to leave out, matched by `numpy_isin`.
+return_index, return_inverse, return_counts : bool
+    As of `numpy.unique`; they refer to the column after exclusion.
+fast_str_conversion_flag : bool
+    `fast_conversion_flag` of `numpy_column_float2str`, should the column have to become text.
+
+Returns
+-------
+numpy.ndarray, or tuple of numpy.ndarray
+    What `numpy.unique` gives.
+
+Raises
+------
+Exception
+    For any other failure of `numpy.unique`, with its traceback in the text.
+
+Examples
+--------
+>>> import numpy as np
+>>> from quorin_libs.utils.exportable_utils import get_unique_values
+>>> get_unique_values(np.array(["b", "?", "a", "b"], dtype=object), ["?"])
+array(['a', 'b'], dtype=object)
+)",
+    .body = [](Object y, Object exclusion_list, Object return_index, Object return_inverse, Object return_counts,
+               Object fast_str_conversion_flag) -> Ref {
+        const bool plain_question =
+            return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
+        if (plain_question) {
+            if (Ref result = native_unique(y, exclusion_list, return_counts.is(Py_True))) return result;
+        }
+        Ref y_to_process = Ref::share(y);
+        if (truth(exclusion_list)) {
+            const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
+            y_to_process = item(y, inverted(included_mask));
+        }
+        const auto unique = [&] {
+            if (plain_question) {
+                if (Ref result = native_unique(y_to_process, Py_None, return_counts.is(Py_True))) return result;
+            }
+            return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
+        };
+        try {
+            return unique();
+        } catch (const PythonError& error) {
+            if (!PythonError::matches(PyExc_Exception)) throw;
+            const Handling handling(error, "get_unique_values");
+            const Object e = handling.exception();
+            if (is_mixed_text_failure(text_of(e))) {
+                global("logger"_py).attr("warning"_py)({concat({text_of(e), ", Converting to string column"_py})});
+                y_to_process = global("numpy_column_float2str"_py)(
+                    {}, {{"X"_py, y_to_process}, {"fast_conversion_flag"_py, fast_str_conversion_flag}});
+                return unique();
+            }
+            global("QSR_raise_exception"_py)({}, {{"exception_obj"_py, e}, {"exception_trace_flag"_py, true}});
+        }
+        // Whoever put a routine that returns in its place is told that there is no result.
+        fail_unbound("result"_py);
+    },
+};
+
+}  // namespace quorin::missing

@@ -1,0 +1,62 @@
+#include "python/errors.hpp"
+
+#include "python/lifecycle.hpp"
+#include "python/module_names.hpp"
+
+#include <frameobject.h>
+
+namespace quorin {
+
+void Ref::failed(Where where) {
+    throw PythonError(where);
+}
+
+void raise(Object exception, Where where) {
+    PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.get())), exception.get());
+    throw PythonError(where);
+}
+
+void add_traceback(const char* routine, Where where) noexcept {
+    PyObject* type = nullptr;
+    PyObject* value = nullptr;
+    PyObject* traceback = nullptr;
+    PyErr_Fetch(&type, &value, &traceback);
+    const auto line = static_cast<int>(where.line());
+    PyCodeObject* code = PyCode_NewEmpty(where.file_name(), routine, line);
+    // A frame's globals are open to whoever reads the traceback. Before start-up there are none of ours, and another
+    // interpreter must not get at those of this one.
+    const Ref empty = Ref::adopt(PyDict_New());
+    Object globals = empty;
+    if (is_own_interpreter() && module_names()) globals = module_names();
+    PyFrameObject* frame = nullptr;
+    if (code != nullptr && empty) frame = PyFrame_New(PyThreadState_Get(), code, globals.get(), empty.get());
+    // An error while making the entry is dropped: the error that is under way matters more.
+    PyErr_Restore(type, value, traceback);
+    if (frame != nullptr) {
+#if PY_VERSION_HEX < 0x030B0000
+        frame->f_lineno = line;
+#endif
+        PyTraceBack_Here(frame);
+    }
+    Ref::adopt(reinterpret_cast<PyObject*>(frame));
+    Ref::adopt(reinterpret_cast<PyObject*>(code));
+}
+
+Handling::Handling(const PythonError& error, const char* routine) {
+    add_traceback(routine, error.where());
+    PyObject* type = nullptr;
+    PyObject* value = nullptr;
+    PyObject* traceback = nullptr;
+    PyErr_Fetch(&type, &value, &traceback);
+    PyErr_NormalizeException(&type, &value, &traceback);
+    if (traceback != nullptr) PyException_SetTraceback(value, traceback);
+    exception_ = Ref::share(value);
+    PyErr_GetExcInfo(&outer_type_, &outer_value_, &outer_traceback_);
+    PyErr_SetExcInfo(type, value, traceback);
+}
+
+Handling::~Handling() {
+    PyErr_SetExcInfo(outer_type_, outer_value_, outer_traceback_);
+}
+
+}  // namespace quorin

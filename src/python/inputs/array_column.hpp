@@ -1,0 +1,124 @@
+// A column as it lies in memory, for native routes.
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <optional>
+
+#include "core/cells/cells.hpp"
+#include "core/cells/fixed_width.hpp"
+#include "core/column.hpp"
+#include "core/gather/text_facts.hpp"
+#include "python/numpy.hpp"
+
+namespace quorin {
+
+using core::Storage;
+
+// A column of a numpy array. The array must stay alive and unchanged while this is in use.
+struct ArrayColumn : core::Column {
+    PyArrayObject* array;
+
+    [[nodiscard]] PyObject* object(std::size_t row) const noexcept {
+        return *reinterpret_cast<PyObject* const*>(at(row));
+    }
+};
+
+// The first column of X, which is an exact array of one dimension or more, if it is not empty and its dtype is known.
+std::optional<ArrayColumn> first_column(Object X) noexcept;
+
+// The column that numpy_flatten_column() makes of an array of shape (n,) or (n, 1); nothing for anything but an exact,
+// non-empty array of a known dtype.
+std::optional<ArrayColumn> single_column(Object X) noexcept;
+
+// The same for an array of one dimension only, and of one storage where that matters.
+std::optional<ArrayColumn> flat_column(Object X) noexcept;
+std::optional<ArrayColumn> flat_column(Object X, Storage storage) noexcept;
+
+// Rows that share memory would see what is written into one another.
+bool rows_are_disjoint(const ArrayColumn& column) noexcept;
+
+// Null as pandas means it, among the types that native routes know.
+inline bool is_exact_null(PyObject* value) noexcept {
+    return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));
+}
+
+inline bool is_exact_text(PyObject* value) noexcept {
+    return value != nullptr && PyUnicode_CheckExact(value);
+}
+
+// Elements of an object array, as far as kernels over texts know them.
+class ObjectCells {
+  public:
+    explicit ObjectCells(const ArrayColumn& column) noexcept : column_(column) {}
+    [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
+    // Of a compact ASCII text, the line of its header and that of its first characters, which may be one and the same.
+    // To gcc a call that does nothing but prefetch has no effect and can go, unless it is inlined before that is known.
+    [[gnu::always_inline]] void prefetch(std::size_t row) const noexcept {
+        if (row >= column_.rows) return;
+        const char* object = reinterpret_cast<const char*>(column_.object(row));
+        __builtin_prefetch(object);
+        __builtin_prefetch(object + sizeof(PyASCIIObject));
+    }
+    // A text that an old interpreter has yet to bring together has length 0 until then.
+    [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
+        PyObject* value = column_.object(row);
+        return value != nullptr && PyUnicode_CheckExact(value) &&
+               static_cast<std::size_t>(reinterpret_cast<const PyASCIIObject*>(value)->length) > length;
+    }
+    [[nodiscard]] bool glance(std::size_t row, core::ShortText& text) const noexcept {
+        PyObject* value = column_.object(row);
+        if (value == nullptr || !PyUnicode_CheckExact(value)) return false;
+        const auto* header = reinterpret_cast<const PyASCIIObject*>(value);
+        const auto length = static_cast<std::size_t>(header->length);
+        if (!(header->state.compact & header->state.ascii) || length - 1 >= 8) return false;
+        const char* end = reinterpret_cast<const char*>(value) + sizeof(PyASCIIObject) + length;
+        text = {core::eight_bytes(end - 8), length};
+        return std::endian::native == std::endian::little;
+    }
+    core::Cell read(std::size_t row, core::TextView& text) const noexcept {
+        PyObject* value = column_.object(row);
+        if (value != nullptr && PyUnicode_CheckExact(value)) {
+            // The characters of a compact text follow its header, which is longer unless all of them are ASCII.
+            const auto* header = reinterpret_cast<const PyASCIIObject*>(value);
+            if (header->state.compact) {
+                const bool ascii = header->state.ascii;
+                const char* characters = reinterpret_cast<const char*>(value) +
+                                         (ascii ? sizeof(PyASCIIObject) : sizeof(PyCompactUnicodeObject));
+                text = {characters, static_cast<std::size_t>(header->length), static_cast<int>(header->state.kind),
+                        ascii && std::endian::native == std::endian::little};
+                return core::Cell::text;
+            }
+        } else if (value != nullptr && is_exact_null(value)) {
+            return core::Cell::null;
+        }
+        const std::optional<core::TextView> uncommon = uncommon_text(value);
+        if (!uncommon) return core::Cell::other;
+        text = *uncommon;
+        return core::Cell::text;
+    }
+
+  private:
+    static std::optional<core::TextView> uncommon_text(PyObject* value) noexcept;
+    ArrayColumn column_;
+};
+
+// Elements of an array of fixed-width text.
+class ArrayTextCells : public core::FixedWidthText {
+  public:
+    explicit ArrayTextCells(const ArrayColumn& column) noexcept
+        : FixedWidthText(column.data, column.stride, column.rows, column.width / sizeof(std::uint32_t)) {}
+};
+
+// The view of an exact str, or nothing where its characters do not lie side by side.
+inline std::optional<core::TextView> text_view_of(PyObject* text) noexcept {
+#if PY_VERSION_HEX < 0x030C0000
+    if (!is_ready_text(text)) return std::nullopt;
+#endif
+    const Characters characters = characters_of(text);
+    return core::TextView{characters.data, static_cast<std::size_t>(characters.length), characters.width};
+}
+
+extern const core::CharacterTables character_tables;
+
+}  // namespace quorin

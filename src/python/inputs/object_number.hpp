@@ -1,0 +1,69 @@
+// Numbers that stand as objects in a column.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "python/numpy.hpp"
+
+namespace quorin {
+
+// Below this every whole number is exact as a 64-bit float.
+constexpr double exact_limit = 9007199254740992.0;
+constexpr long long exact_whole_limit = 1LL << 53U;
+
+// The types whose equality and order are known: the interpreter's own and the numpy scalars that agree with them.
+enum class NumberType : std::uint8_t {
+    none,
+    boolean,
+    integer,
+    large,  // an integer beyond 64 bits
+    real
+};
+
+struct ObjectNumber {
+    NumberType type = NumberType::none;
+    bool scalar = false;  // of a numpy type
+    long long whole = 0;  // of a boolean or an integer
+    double real = 0;
+
+    // Whether it is an integer that a 64-bit float might not hold.
+    [[nodiscard]] bool beyond_exact() const noexcept {
+        return type == NumberType::large || whole > exact_whole_limit || whole < -exact_whole_limit;
+    }
+};
+
+inline ObjectNumber object_number_of(PyObject* value) noexcept {
+    const PyTypeObject* type = Py_TYPE(value);
+    if (type == &PyFloat_Type) return {NumberType::real, false, 0, PyFloat_AS_DOUBLE(value)};
+    if (type == &PyLong_Type) {
+        int overflow = 0;
+        const long long whole = PyLong_AsLongLongAndOverflow(value, &overflow);
+        return {overflow == 0 ? NumberType::integer : NumberType::large, false, whole, 0};
+    }
+    if (type == &PyBool_Type) return {NumberType::boolean, false, value == Py_True ? 1 : 0, 0};
+    if (type == &PyDoubleArrType_Type)
+        return {NumberType::real, true, 0, reinterpret_cast<PyDoubleScalarObject*>(value)->obval};
+    if (type == &PyLongArrType_Type)
+        return {NumberType::integer, true, reinterpret_cast<PyLongScalarObject*>(value)->obval, 0};
+    if (type == &PyBoolArrType_Type)
+        return {NumberType::boolean, true, reinterpret_cast<PyBoolScalarObject*>(value)->obval != 0, 0};
+    return {};
+}
+
+// Whether it is a number of these types that surely has its place among all others: no NaN and no numpy scalar,
+// which rounds large integers.
+inline bool is_sortable_number(PyObject* value) noexcept {
+    const PyTypeObject* type = Py_TYPE(value);
+    if (type == &PyFloat_Type) return !std::isnan(PyFloat_AS_DOUBLE(value));
+    const ObjectNumber number = object_number_of(value);
+    return number.type != NumberType::none && number.type != NumberType::large && !number.scalar;
+}
+
+// Neither a fraction nor infinite. NaN is not whole.
+inline bool is_whole(double value) noexcept {
+    if (std::fabs(value) < exact_limit) return static_cast<double>(static_cast<std::int64_t>(value)) == value;
+    return std::isfinite(value);
+}
+
+}  // namespace quorin

@@ -1,0 +1,39 @@
+#define QUORIN_IMPORTS_NUMPY
+#include "python/numpy.hpp"
+
+#include "python/errors.hpp"
+#include "python/module_names.hpp"
+
+namespace quorin {
+
+void connect_numpy() {
+    if (_import_array() < 0) throw PythonError(Where::current());
+}
+
+Ref new_array(std::size_t size, PyArray_Descr* dtype) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    // PyArray_Empty() takes a reference over.
+    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
+    return Ref::take(PyArray_Empty(1, &shape, dtype, 0));
+}
+
+Ref new_array(std::size_t size, int type) {
+    const npy_intp shape = static_cast<npy_intp>(size);
+    return Ref::take(PyArray_SimpleNew(1, &shape, type));
+}
+
+Ref numpy_alias(At name, Object builtin) {
+    const Ref np = global(At("np"_py, name.where));
+    if (PyModule_Check(np.get())) {
+        PyObject* held = PyDict_GetItemWithError(PyModule_GetDict(np.get()), name.name.text);
+        if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(name.where);
+        return Ref::share(held == nullptr ? builtin : Object(held));
+    }
+    Ref held = Ref::adopt(PyObject_GetAttr(np.get(), name.name.text));
+    if (held) return held;
+    if (!PythonError::matches(PyExc_AttributeError)) throw PythonError(name.where);
+    PyErr_Clear();
+    return Ref::share(builtin);
+}
+
+}  // namespace quorin

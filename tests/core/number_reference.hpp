@@ -1,0 +1,25 @@
+// The number grammar once more, as two regular expressions: slow, and written from how int() and float() are documented
+// rather than from the kernel.
+#pragma once
+
+#include <regex>
+#include <string>
+
+#include "core/text/number_text.hpp"
+
+namespace quorin::tests {
+
+// For ASCII texts of fewer digits than any limit.
+inline core::NumberText number_by_reference(const std::string& text) {
+    static const std::string space = "[ \\t\\n\\v\\f\\r]*";
+    static const std::string digits = "[0-9](?:_?[0-9])*";
+    static const std::regex integer(space + "[-+]?" + digits + space);
+    static const std::regex real(space + "[-+]?(?:(?:" + digits + "(?:\\.(?:" + digits + ")?)?|\\." + digits +
+                                 ")(?:[eE][-+]?" + digits + ")?|[iI][nN][fF](?:[iI][nN][iI][tT][yY])?|[nN][aA][nN])" +
+                                 space);
+    if (std::regex_match(text, integer)) return core::NumberText::integer;
+    if (std::regex_match(text, real)) return core::NumberText::real;
+    return core::NumberText::none;
+}
+
+}  // namespace quorin::tests
