@@ -1,4 +1,4 @@
-"""Time the routines: `python -m benchmarks --help`."""
+"""The command `python -m benchmarks`."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""What a call costs: tests of single values, and columns of 10 and 100 elements."""
+"""Cost of a call: tests of single values, columns of 10 and 100 elements."""
 
 from __future__ import annotations
 
@@ -15,7 +15,7 @@ from quorin_libs.utils import exportable_utils as eu
 SHORTEST_SAMPLE = 0.005
 
 
-# The same bodies in Python, for what a call of one of them costs there.
+# The same bodies as Python functions.
 def plain_isint(value: Any) -> bool:
     """`isint` in Python."""
     try:
@@ -45,7 +45,7 @@ def plain_compress(s: str, compress_type: str = "string") -> Any:
 
 
 class Question(NamedTuple):
-    """A statement and what it is timed beside; `names` is what both of them see."""
+    """A statement, the statements to compare with, and the names that they use."""
 
     name: str
     statement: str
@@ -55,7 +55,7 @@ class Question(NamedTuple):
 
 
 class Answer(NamedTuple):
-    """Seconds per call; the statement's own, then each of the others'."""
+    """Seconds per call of the statement and of each of the others."""
 
     name: str
     seconds: float
@@ -144,7 +144,7 @@ def _measure(question: Question, repeat: int) -> Answer:
 
 
 def run(repeat: int, filters: Sequence[str]) -> list[Answer]:
-    """Time what the filters choose."""
+    """Time the questions that match the filters."""
     progress = table.Progress()
     answers = []
     for question in (*_scalars(), *_small_columns()):
@@ -162,7 +162,7 @@ def _ratio(answer: Answer, name: Optional[str]) -> str:
 
 
 def as_text(answers: Sequence[Answer]) -> str:
-    """Return nanoseconds per call and how many times as long the others take."""
+    """Return a table of nanoseconds per call and ratios of the others."""
     rows = (
         (
             answer.name,

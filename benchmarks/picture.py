@@ -1,4 +1,4 @@
-"""The curve of cost and memory by number of rows, as a picture."""
+"""A picture of cost and memory by number of rows."""
 
 from __future__ import annotations
 

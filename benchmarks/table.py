@@ -1,4 +1,4 @@
-"""Running cases and printing what came out as aligned columns."""
+"""Runs cases and prints a table."""
 
 from __future__ import annotations
 
@@ -50,20 +50,20 @@ HEADER = ("case", "rows", "native", "interpreter", "peer", "peer_time", "note")
 
 
 class Progress:
-    """A line on standard error that is written over, if a terminal shows it."""
+    """A line on standard error that is overwritten, if that is a terminal."""
 
     def __init__(self, stream: TextIO = sys.stderr):
         self._stream = stream if stream.isatty() else None
 
     def show(self, text: str) -> None:
-        """Write the text over the last one."""
+        """Replace the line by the text."""
         if self._stream:
             self._stream.write("\r\x1b[K" + text)
             self._stream.flush()
 
 
 def run(case: Case, rows: int, repeat: int) -> list[Line]:
-    """Time one case at one length: a line for each peer, or one alone."""
+    """Time one case at one length; return a line for each peer, at least one."""
     column = build(case.spec, rows)
     routine = case.routine
     native = Contestant("native", routine.call, case.subject(column), copied=routine.copied)
@@ -77,7 +77,7 @@ def run(case: Case, rows: int, repeat: int) -> list[Line]:
 
 
 def run_all(chosen: Sequence[tuple[Case, int]], repeat: int) -> list[Line]:
-    """Time the cases one after the other; an interrupt ends it and keeps what there is."""
+    """Time the cases; after an interrupt return the lines so far."""
     progress = Progress()
     lines: list[Line] = []
     try:
@@ -91,7 +91,7 @@ def run_all(chosen: Sequence[tuple[Case, int]], repeat: int) -> list[Line]:
 
 
 def align(header: Sequence[str], rows: Iterable[Sequence[str]], *, left: Sequence[str]) -> str:
-    """Return the table as text; columns named in `left` start, all others end, together."""
+    """Return the table as text; columns named in `left` are left-aligned, others right-aligned."""
     table = [list(header), *map(list, rows)]
     widths = [max(map(len, column)) for column in zip(*table)]
     table.insert(1, ["-" * width for width in widths])
@@ -112,7 +112,7 @@ def ratio(value: Optional[float]) -> str:
 
 
 def environment() -> dict[str, str]:
-    """Return what the times depend on besides the code."""
+    """Return the versions that the times depend on."""
     return {
         "python": platform.python_version(),
         "numpy": np.__version__,
@@ -143,11 +143,11 @@ def as_text(lines: Sequence[Line]) -> str:
 
 
 def summary(lines: Sequence[Line]) -> str:
-    """Return geometric means for each length, with the least ratio and whose it is."""
+    """Return the geometric mean and the least ratio with its case for each length."""
     rows = []
     for length in sorted({line.rows for line in lines}):
         there = [line for line in lines if line.rows == length]
-        # A case has a line for each of its peers but one interpreter route.
+        # A case has one interpreter route but a line for each peer.
         routes = {line.case: line.over_interpreter for line in there}
         peers = {
             "{}, {}".format(line.case, line.peer): line.over_peer
