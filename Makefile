@@ -70,7 +70,7 @@ run: $(VENV)/.package
 	$(BIN)/quorin-profile examples/elements.csv
 
 test: $(VENV)/.package $(VENV)/.test core-tests
-	$(BIN)/pytest --numprocesses $(JOBS) $(PYTEST_ARGS)
+	$(BIN)/pytest --numprocesses $(JOBS) --dist worksteal $(PYTEST_ARGS)
 	$(BIN)/pytest --doctest-modules --pyargs quorin_libs
 
 core-tests: $(VENV)/.package
@@ -78,7 +78,7 @@ core-tests: $(VENV)/.package
 	$(EDITABLE)/tests/core/core_tests
 
 fuzz: $(VENV)/.package $(VENV)/.test
-	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) $(BIN)/pytest --numprocesses $(JOBS) \
+	QUORIN_CASES=$(CASES) $(if $(SEED),QUORIN_SEED=$(SEED)) $(BIN)/pytest --numprocesses $(JOBS) --dist worksteal \
 	  $(wildcard tests/python/test_reference_*.py tests/python/test_routes*.py) $(PYTEST_ARGS)
 
 docs: $(VENV)/.package $(VENV)/.docs
