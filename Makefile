@@ -25,7 +25,7 @@ BENCH_ARGS ?=
 COST_ARGS ?=
 # Compiler warnings are errors; WERROR=OFF is for compilers with new warnings.
 WERROR ?= ON
-# Processes of pytest and of clang-tidy.
+# Processes of pytest and of clang-tidy; `make asan` and `make matrix` run pytest in one.
 export JOBS ?= $(shell nproc)
 
 VENV := .venv
