@@ -1,4 +1,5 @@
-// The interpreter's own operators and built-in types, on whatever the operands are.
+// The interpreter's operators and built-in types, on operands of any class. All of them are foreign code, except concat()
+// of exact texts and whole().
 #pragma once
 
 #include "python/ref.hpp"
@@ -10,7 +11,8 @@ namespace quorin {
 
 bool truth(Object value, Where where = Where::current());
 
-// `==` and its kin give an object; the tests below take its truth, with no short cut for identical operands.
+// A comparison returns an object. equal(), less() and greater() return its truth, without a short cut for identical
+// operands.
 Ref compare(const Operand& left, int operation, const Operand& right, Where where = Where::current());
 bool equal(const Operand& left, const Operand& right, Where where = Where::current());
 bool less(const Operand& left, const Operand& right, Where where = Where::current());
@@ -39,7 +41,8 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
-Ref list_holding(std::span<Ref> items, Where where = Where::current());  // a new list, which takes them over
+Ref list_holding(std::span<Ref> items, Where where = Where::current());  // a new list, which takes over the references
+Ref dictionary(Where where = Where::current());                          // an empty one
 Ref or_new_list(Object value);                                           // a new list in place of None
 Ref list_of(Object iterable, Where where = Where::current());            // list(iterable)
 Ref set_of(Object iterable, Where where = Where::current());             // set(iterable)
