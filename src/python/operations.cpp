@@ -194,6 +194,21 @@ Ref list_holding(std::span<Ref> items, Where where) {
     return made;
 }
 
+Ref untracked_pair(Ref first, Ref second, Where where) {
+    foreign_code_may_run(where);
+    Ref made = Ref::take(PyTuple_New(2), where);
+    PyTuple_SET_ITEM(made.get(), 0, first.give());
+    PyTuple_SET_ITEM(made.get(), 1, second.give());
+    PyObject_GC_UnTrack(made.get());
+    return made;
+}
+
+ListUnderConstruction::ListUnderConstruction(std::size_t size, Where where) {
+    foreign_code_may_run(where);
+    list_ = Ref::take(PyList_New(static_cast<Py_ssize_t>(size)), where);
+    PyObject_GC_UnTrack(list_.get());
+}
+
 Ref dictionary(Where where) {
     foreign_code_may_run(where);
     return Ref::take(PyDict_New(), where);

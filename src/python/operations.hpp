@@ -50,6 +50,27 @@ Ref slice(const Operand& start, const Operand& stop, Where where = Where::curren
 Ref whole(Py_ssize_t value, Where where = Where::current());  // an int
 void append(Object list, Object value, Where where = Where::current());
 
+// (first, second), not tracked by garbage collection: for elements that cannot be part of a reference cycle. Garbage
+// collection would stop tracking such a pair itself, but only after a first pass over it.
+Ref untracked_pair(Ref first, Ref second, Where where = Where::current());
+
+// A list of known size. Garbage collection does not see it before finish(), so that foreign code that runs meanwhile
+// cannot reach items that are null.
+class ListUnderConstruction {
+  public:
+    explicit ListUnderConstruction(std::size_t size, Where where = Where::current());
+    void append(Ref item) noexcept { PyList_SET_ITEM(list_.get(), filled_++, item.give()); }
+    // To be called when it has all items.
+    Ref finish() noexcept {
+        PyObject_GC_Track(list_.get());
+        return std::move(list_);
+    }
+
+  private:
+    Ref list_;
+    Py_ssize_t filled_ = 0;
+};
+
 // a, b, ... = value, with the interpreter's messages for a wrong number of values.
 void unpack_into(Ref* targets, Py_ssize_t expected, Object value, Where where);
 template <std::size_t N>
