@@ -44,8 +44,8 @@ constexpr SexWord male = sex_word("male");
 constexpr SexWord female = sex_word("female");
 constexpr SexWord m = sex_word("m");
 constexpr SexWord f = sex_word("f");
-constexpr std::uint32_t long_pair = 0b0011;
-constexpr std::uint32_t short_pair = 0b1100;
+constexpr core::ReferenceBits long_pair = 0b0011;
+constexpr core::ReferenceBits short_pair = 0b1100;
 
 class SexWords {
   public:
@@ -53,11 +53,12 @@ class SexWords {
         for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
     }
     // The bit of the word that the text equals, or 0. Without branches on the word: they could not be predicted.
-    [[nodiscard]] std::uint32_t find(core::TextView text) const noexcept {
+    [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
         if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
         const auto is = [&](const SexWord& word) {
-            return static_cast<std::uint32_t>((characters == word.characters) & (text.length == word.text.size()));
+            return static_cast<core::ReferenceBits>((characters == word.characters) &
+                                                    (text.length == word.text.size()));
         };
         return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
     }
@@ -77,7 +78,7 @@ class SexColumn {
             core::TextView text{};
             const core::Cell cell = cells.read(row, text);
             if (cell == core::Cell::other) return false;
-            const std::uint32_t sex = cell == core::Cell::text ? words_.find(text) : 0;
+            const core::ReferenceBits sex = cell == core::Cell::text ? words_.find(text) : 0;
             found_ |= sex;
             if (sex != 0) continue;
             if (cell == core::Cell::text && holds_zero(text)) return false;
@@ -90,7 +91,7 @@ class SexColumn {
 
   private:
     SexWords words_;
-    std::uint32_t found_ = 0;
+    core::ReferenceBits found_ = 0;
     bool others_ = false;
 };
 

@@ -42,7 +42,7 @@ class Rules {
     }
 
   private:
-    References missing_;
+    const References& missing_;
     bool squeezes_;
     bool digests_all_;
 };

@@ -101,9 +101,13 @@ std::optional<std::vector<Ref>> masks_of(const std::vector<ArrayColumn>& table, 
             values = references::read_references(list);
             if (!values || (values->null_bits != 0 && !references::unchanged_by_asarray(*values))) return std::nullopt;
         }
-        std::optional<Ref> mask = values ? references::membership_mask(table[j], *values) : std::nullopt;
+        const Object X = reinterpret_cast<PyObject*>(table[j].array);
+        const std::optional<ColumnSource> column = PyArray_NDIM(table[j].array) == 1
+                                                       ? ColumnSource::single(X)
+                                                       : ColumnSource::of_table(X, static_cast<npy_intp>(j));
+        Ref mask = values && column ? references::membership_mask(*column, *values) : Ref();
         if (!mask) return std::nullopt;
-        masks.push_back(std::move(*mask));
+        masks.push_back(std::move(mask));
     }
     return masks;
 }
