@@ -29,7 +29,8 @@ from quorin_libs.utils.exportable_utils import FCplus
 ROWS = 1500  # a mask of more than 1 KiB
 FEWER_ROWS = 1100
 THREADS = 8
-CALLS_OF_A_THREAD = 60
+WRITERS = 4
+CALLS_OF_A_THREAD = 600
 KINDS = {
     "missing", "char_str", "int_str", "float_str", "float_num", "float_int_num", "int_num",
     "boolean", "Unknown",
@@ -63,6 +64,7 @@ class Storm:
     def __init__(self, seed):
         rng = random.Random(seed)
         self.objects = {kind: column_of(cell, rng) for kind, cell in CELLS.items()}
+        self.first_cells = {kind: column.copy() for kind, column in self.objects.items()}
         words = column_of(CELLS["words"], rng)
         self.others = [
             np.array([str(word) for word in words]),
@@ -71,13 +73,17 @@ class Storm:
             np.arange(ROWS) % 2 == 0,
         ]
         self.cells_of_frame = np.array([["f"], ["m"]] * (ROWS // 2), dtype=object)
+        # numpy's own loops over objects do not survive this one, so that only routines whose
+        # interpreter route indexes the column row by row get it.
+        self.resized = column_of(CELLS["numbers as text"], rng)
         self.frame = pd.DataFrame(self.cells_of_frame, copy=False)
         self.table = np.array([self.others[1]] * 3).T.copy()
         self.markers = ["?", "", "-", float("nan")]
         self.replaced = []
+        self.done = False
         self.writers = [
-            self.clear_markers, self.fill_markers, self.write_cells, self.write_cells,
-            self.write_numbers, self.resize, self.rebind,
+            self.replace_markers, self.replace_markers, self.replace_markers,
+            self.replace_markers, self.write_cells, self.write_numbers, self.resize, self.rebind,
         ]  # fmt: skip
         self.changing = threading.local()
         self.random = rng
@@ -88,7 +94,7 @@ class Storm:
             return
         self.changing.now = True
         try:
-            if self.replaced and self.random.random() < 0.5:
+            if self.replaced and self.random.random() < 0.8:
                 self.restore()
             self.random.choice(self.writers)()
         except (ValueError, IndexError):
@@ -96,18 +102,22 @@ class Storm:
         finally:
             self.changing.now = False
 
-    def clear_markers(self):
-        del self.markers[:]
+    def change_until_done(self):
+        while not self.done:
+            self.change()
 
-    def fill_markers(self):
-        words = [fresh("word", self.random.randrange(40)) for _ in range(3)]
+    def replace_markers(self):
+        """The old markers end, and bytes of the same size take their memory."""
+        del self.markers[:]
+        self.junk = [b"junk" + bytes(size) for size in range(1, 24)] * 2
+        words = [fresh("word", self.random.randrange(40)) for _ in range(6)]
         self.markers[:] = ["?", "", "-", None, float("nan"), 1] + words
 
     def write_cells(self):
+        """Replace all cells by one text that nobody else holds, or by those of the beginning."""
         kind = self.random.choice(sorted(self.objects))
-        column = self.objects[kind]
-        column[self.random.randrange(2) :: 2] = [CELLS[kind](self.random)] * len(column[::2])
-        column[:] = column_of(CELLS[kind], self.random, len(column))
+        text = fresh("word" * self.random.choice([1, 60]), self.random.random())
+        self.objects[kind][:] = self.random.choice([text] + [self.first_cells[kind]] * 4)
 
     def write_numbers(self):
         self.others[1][self.random.randrange(FEWER_ROWS)] = np.nan
@@ -116,11 +126,10 @@ class Storm:
         self.cells_of_frame[self.random.randrange(ROWS), 0] = fresh("f", 1)
 
     def resize(self):
-        kind = self.random.choice(sorted(self.objects))
-        column = self.objects[kind]
-        rows = FEWER_ROWS if len(column) == ROWS else ROWS
-        column.resize(rows, refcheck=False)
-        column[FEWER_ROWS:] = "?"
+        if len(self.resized) == ROWS:
+            self.resized.resize(FEWER_ROWS, refcheck=False)
+        else:
+            self.resized = column_of(CELLS["numbers as text"], self.random)
 
     def rebind(self):
         name = self.random.choice(REBOUND)
@@ -131,6 +140,9 @@ class Storm:
         while self.replaced:
             name = self.replaced.pop()
             setattr(eu, name, ORIGINAL[name])
+
+    def resized_column(self, rng):
+        return rng.choice([self.resized, self.column(rng)])
 
     def column(self, rng):
         return rng.choice(list(self.objects.values()) + self.others)
@@ -151,14 +163,20 @@ def is_truth(result):
     return isinstance(result, (bool, np.bool_))
 
 
+def are_markers(found):
+    return type(found) is list and all(
+        marker is None or isinstance(marker, (str, float, int)) for marker in found
+    )
+
+
 def is_indicator(result):
     mask, masks, found = result
-    return is_mask(mask) and type(masks) is list and type(found) is list
+    return is_mask(mask) and type(masks) is list and are_markers(found)
 
 
 def is_classified(result):
     markers, kind = result
-    return type(markers) is list and kind in KINDS
+    return are_markers(markers) and kind in KINDS
 
 
 def is_unique(result):
@@ -203,13 +221,13 @@ CALLS = {
         lambda s, rng: (s.column(rng), s.markers, rng.random() < 0.5),
         is_indicator,
     ),
-    "numpy_floatstr2float": (lambda s, rng: (s.column(rng), s.markers), is_float64),
+    "numpy_floatstr2float": (lambda s, rng: (s.resized_column(rng), s.markers), is_float64),
     "numpy_get_categories": (
         lambda s, rng: (s.objects["words"].reshape(-1, 1), [0], s.markers),
         is_categories,
     ),
     "numpy_isin": (lambda s, rng: (s.column(rng), s.markers), is_mask),
-    "numpy_isintstr": (lambda s, rng: (s.column(rng), s.markers), is_truth),
+    "numpy_isintstr": (lambda s, rng: (s.resized_column(rng), s.markers), is_truth),
     "numpy_putmask": (
         lambda s, rng: (s.column(rng), np.arange(ROWS) % 2 == 0, "filling"),
         is_column,
@@ -267,7 +285,6 @@ def call_routines(storm, seed, results):
         name = rng.choice(names)
         arguments, is_well_formed = CALLS[name]
         Cell(storm)
-        storm.change()
         try:
             result = find_routine(name)(*arguments(storm, rng))
         except (SystemError, MemoryError) as error:
@@ -290,7 +307,7 @@ def writers_at_work(storm):
     signal.setitimer(signal.ITIMER_REAL, 0.01, 0.01)
     gc.callbacks.append(callback)
     gc.set_threshold(200)
-    sys.setswitchinterval(1e-5)
+    sys.setswitchinterval(1e-6)
     try:
         yield
     finally:
@@ -309,11 +326,15 @@ def run_storm(seed):
         threading.Thread(target=call_routines, args=(storm, "{} {}".format(seed, i), results))
         for i in range(THREADS - 1)
     ]
+    writers = [threading.Thread(target=storm.change_until_done) for _ in range(WRITERS)]
     with writers_at_work(storm):
-        for thread in threads:
+        for thread in threads + writers:
             thread.start()
         call_routines(storm, seed, results)
         for thread in threads:
+            thread.join()
+        storm.done = True
+        for thread in writers:
             thread.join()
     return results
 
@@ -337,7 +358,7 @@ def test_every_native_route_is_called():
 
 
 @pytest.mark.skipif(not hasattr(signal, "setitimer"), reason="no timer's signals")
-@pytest.mark.parametrize("seed", range(2))
+@pytest.mark.parametrize("seed", [1, 2, 3])
 def test_storm(seed):
     done = subprocess.run(
         [sys.executable, "-X", "faulthandler", os.path.abspath(__file__), str(seed)],
