@@ -31,7 +31,20 @@ Ref new_zeros(std::size_t size, int type, Where where) {
     return Ref::take(PyArray_ZEROS(1, &shape, type, 0), where);
 }
 
+Ref new_objects(PyArrayObject* like, Where where) {
+    foreign_code_may_run(where);
+    return Ref::take(PyArray_SimpleNew(PyArray_NDIM(like), PyArray_DIMS(like), NPY_OBJECT), where);
+}
+
+Ref new_fixed_text(std::size_t size, std::size_t length, Where where) {
+    foreign_code_may_run(where);
+    const npy_intp shape = static_cast<npy_intp>(size);
+    const int width = static_cast<int>(length * sizeof(Py_UCS4));
+    return Ref::take(PyArray_New(&PyArray_Type, 1, &shape, NPY_UNICODE, nullptr, nullptr, width, 0, nullptr), where);
+}
+
 Ref numpy_alias(At name, Object builtin) {
+    foreign_code_may_run(name.where);
     const Ref np = global(At("np"_py, name.where));
     if (PyModule_Check(np.get())) {
         PyObject* held = PyDict_GetItemWithError(PyModule_GetDict(np.get()), name.name.text);

@@ -9,16 +9,17 @@
 
 namespace quorin {
 
-// What the handler of a signal raised, such as KeyboardInterrupt. It ends the call: no other route is tried.
+// A signal handler raised an exception such as KeyboardInterrupt. It ends the call: the interpreter route is not tried.
 class Interrupted : public PythonError {
   public:
     using PythonError::PythonError;
 };
 
-// Runs the Python handlers of the signals that have arrived. They are foreign code. Throws Interrupted if one raises.
+// Runs the Python handlers of the signals that have arrived, which are foreign code; throws Interrupted if one raises.
+// Handlers run in the main thread only. In every other thread this lets the main thread have the GIL.
 void answer_signals(Where where = Where::current());
 
-// Answers signals at most every 20 ms, however often it is called.
+// Answers signals at most once in 20 ms. Reading the clock takes about 30 ns, so a loop polls every few thousand rows.
 class SignalTimer {
   public:
     void poll(Where where = Where::current());
@@ -28,9 +29,9 @@ class SignalTimer {
     Clock::time_point last_ = Clock::now();
 };
 
-// Calls block(first, last) for consecutive ranges of rows, and answers signals between them. `block` opens the column
-// anew in each call, since a handler may have changed it; it returns false to give up. A range takes a few
-// milliseconds at most, and short columns are one range.
+// Calls block(first, last) for consecutive ranges of rows [first, last) and answers signals between them. `block` opens
+// the column anew in each call, since a handler may have changed it, and returns false to give up: in_blocks() then
+// returns false. A column of up to rows_between_signals rows is one range, without a signal answered.
 constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
 
 template <class Block>
