@@ -34,12 +34,13 @@ class SignalTimer {
 constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
 
 template <class Block>
-bool in_blocks(std::size_t rows, Block block, Where where = Where::current()) {
-    if (rows <= rows_between_signals) return block(std::size_t{0}, rows);
+bool in_blocks(std::size_t rows, Block block, std::size_t most_rows = rows_between_signals,
+               Where where = Where::current()) {
+    if (rows <= most_rows) return block(std::size_t{0}, rows);
     SignalTimer timer;
-    for (std::size_t first = 0; first < rows; first += rows_between_signals) {
+    for (std::size_t first = 0; first < rows; first += most_rows) {
         if (first != 0) timer.poll(where);
-        if (!block(first, std::min(rows, first + rows_between_signals))) return false;
+        if (!block(first, std::min(rows, first + most_rows))) return false;
     }
     return true;
 }

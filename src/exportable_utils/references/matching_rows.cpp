@@ -181,6 +181,20 @@ std::optional<Members> find_members(const ArrayColumn& column, const References&
     return found;
 }
 
+std::optional<std::size_t> mark_members(const ArrayColumn& column, const References& values, std::uint8_t* out) {
+    if (can_only_be_null(column, values) && values.null_bits != 0) {
+        const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
+        return mark(column.data, column.stride, column.rows, reinterpret_cast<char*>(out));
+    }
+    std::size_t marked = 0;
+    const auto on_match = [&](std::size_t row, std::uint32_t) {
+        out[row] = 1;
+        ++marked;
+    };
+    if (!match_rows(column, values, on_match)) return std::nullopt;
+    return marked;
+}
+
 std::optional<Ref> membership_mask(const ArrayColumn& column, const References& values) {
     std::optional<Members> found = find_members(column, values);
     if (!found) return std::nullopt;

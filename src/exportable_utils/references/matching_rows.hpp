@@ -18,6 +18,10 @@ struct Members {
 // all of them.
 std::optional<Members> find_members(const ArrayColumn& column, const References& values, bool first_only = false);
 
+// Writes 1 for each row that equals a value into `out`, which is a byte for each row and 0 before. Allocates no array,
+// so the column may stay borrowed. Returns how many rows that are.
+std::optional<std::size_t> mark_members(const ArrayColumn& column, const References& values, std::uint8_t* out);
+
 // Their mask.
 std::optional<Ref> membership_mask(const ArrayColumn& column, const References& values);
 

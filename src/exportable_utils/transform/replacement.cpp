@@ -1,12 +1,158 @@
-#include "exportable_utils/transform/replacement_native.hpp"
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "exportable_utils/references/matching_rows.hpp"
+#include "exportable_utils/transform/object_table.hpp"
 #include "exportable_utils/transform/transform.hpp"
 #include "python/indexing.hpp"
+#include "python/inputs/column_blocks.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::transform {
 
 namespace {
+
+using references::References;
+
+// Whether numpy puts the value into every place of the mask as it is. It would iterate over a sequence.
+bool is_plain_filling(Object value) noexcept {
+    return value.is_none() || PyUnicode_CheckExact(value.get()) || PyFloat_CheckExact(value.get()) ||
+           PyLong_CheckExact(value.get()) || PyBool_Check(value.get());
+}
+
+bool is_mask_for(Object mask, Object X) noexcept {
+    if (!is_exact_array(mask) || PyArray_TYPE(as_array(mask)) != NPY_BOOL) return false;
+    PyArrayObject* array = as_array(X);
+    return PyArray_NDIM(as_array(mask)) == PyArray_NDIM(array) &&
+           PyArray_CompareLists(PyArray_DIMS(as_array(mask)), PyArray_DIMS(array), PyArray_NDIM(array)) != 0;
+}
+
+// astype() keeps the layout of X; the native route writes row by row.
+bool keeps_row_order(Object X) noexcept {
+    return PyArray_NDIM(as_array(X)) == 1 || PyArray_IS_C_CONTIGUOUS(as_array(X)) != 0;
+}
+
+// Calls work(table, first, last) for blocks of rows of X, and answers signals between them. Returns false if `work`
+// does, or if X no longer is the table that `memory` describes.
+template <class Work>
+bool in_table_blocks(Object X, const TableMemory& memory, Work work) {
+    const auto block = [&](std::size_t first, std::size_t last) {
+        const std::optional<Table> table = open_table(X);
+        return table && table->is_same_memory(memory) && work(*table, first, last);
+    };
+    return in_blocks(memory.first.rows, block, rows_in_block(memory));
+}
+
+std::optional<TableMemory> table_memory(Object X) noexcept {
+    const std::optional<Table> table = open_table(X);
+    if (!table) return std::nullopt;
+    return table->memory();
+}
+
+Ref native_putmask(Object X, Object mask, Object filling) {
+    return native_route([&]() -> Ref {
+        if (!is_plain_filling(filling)) return {};
+        const std::optional<TableMemory> memory = table_memory(X);
+        if (!memory || !keeps_row_order(X) || !is_mask_for(mask, X)) return {};
+        Ref Y = new_objects_like(X);
+        const bool done =
+            in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
+                if (!is_mask_for(mask, X)) return false;
+                PyArrayObject* array = as_array(mask);
+                const npy_intp column_stride = table.width == 1 ? 0 : PyArray_STRIDE(array, 1);
+                write_rows(table, {PyArray_BYTES(array), PyArray_STRIDE(array, 0), column_stride, false, filling}, Y,
+                           first, last);
+                return true;
+            });
+        return done ? std::move(Y) : Ref{};
+    });
+}
+
+// The elements of a table that equal a reference value, a byte for each, column by column.
+class TableMask {
+  public:
+    explicit TableMask(const TableMemory& memory) : memory_(memory), bytes_(memory.first.rows * memory.width) {}
+
+    // `lists` is one list of reference values, or a list of such lists, one for each column. Returns false to give up.
+    bool mark(Object X, Object lists) {
+        const Object first = PyList_GET_ITEM(lists.get(), 0);
+        if (!PyList_Check(first.get())) {
+            const std::optional<References> references = read(lists);
+            return references && mark_columns(X, [&](std::size_t /*j*/) { return &*references; });
+        }
+        std::optional<References> own;
+        return mark_columns(X, [&](std::size_t j) -> const References* {
+            // Read anew for each column: a signal handler may have changed the list.
+            const auto index = static_cast<Py_ssize_t>(j);
+            if (index >= PyList_GET_SIZE(lists.get())) return nullptr;
+            own = read(PyList_GET_ITEM(lists.get(), index));
+            return own ? &*own : nullptr;
+        });
+    }
+    [[nodiscard]] bool holds(bool marked) const noexcept {
+        return std::memchr(bytes_.data(), marked ? 1 : 0, bytes_.size()) != nullptr;
+    }
+    [[nodiscard]] Replacement replacement(bool inverted, Object filling) const noexcept {
+        const auto* mask = reinterpret_cast<const char*>(bytes_.data());
+        return {mask, 1, static_cast<std::ptrdiff_t>(memory_.first.rows), inverted, filling};
+    }
+
+  private:
+    static std::optional<References> read(Object list) {
+        if (!PyList_CheckExact(list.get())) return std::nullopt;
+        std::optional<References> references = references::read_references(list);
+        if (references && references->null_bits != 0 && !references::unchanged_by_asarray(*references)) {
+            references.reset();
+        }
+        return references;
+    }
+    template <class ReferencesOf>
+    bool mark_columns(Object X, ReferencesOf references_of) {
+        std::size_t unanswered = 0;  // elements since signals were answered
+        for (std::size_t j = 0; j < memory_.width; ++j, unanswered += memory_.first.rows) {
+            if (unanswered >= rows_between_signals) {
+                answer_signals();
+                unanswered = 0;
+            }
+            const References* references = references_of(j);
+            if (references == nullptr || !mark_column(X, j, *references)) return false;
+        }
+        return true;
+    }
+    bool mark_column(Object X, std::size_t j, const References& references) {
+        std::uint8_t* out = bytes_.data() + j * memory_.first.rows;
+        return in_blocks(memory_.first.rows, [&](std::size_t first, std::size_t last) {
+            const std::optional<Table> table = open_table(X);
+            return table && table->is_same_memory(memory_) &&
+                   references::mark_members(rows_of(table->column(j), first, last), references, out + first);
+        });
+    }
+    TableMemory memory_;
+    std::vector<std::uint8_t> bytes_;
+};
+
+Ref native_replace_values(Object X, Object filling, Object lists, Object invert_flag) {
+    return native_route([&]() -> Ref {
+        if (!is_plain_filling(filling) || !PyBool_Check(invert_flag.get())) return {};
+        if (!PyList_CheckExact(lists.get()) || PyList_GET_SIZE(lists.get()) == 0) return {};
+        const bool inverted = invert_flag.is(Py_True);
+        const std::optional<TableMemory> memory = table_memory(X);
+        if (!memory) return {};
+        TableMask mask(*memory);
+        if (!mask.mark(X, lists)) return {};
+        if (PyArray_NDIM(as_array(X)) == 1 && !mask.holds(!inverted)) return Ref::share(X);
+        Ref Y = new_objects_like(X);
+        const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
+            write_rows(table, mask.replacement(inverted, filling), Y, first, last);
+            return true;
+        });
+        return done ? std::move(Y) : Ref{};
+    });
+}
 
 Ref mask_of(Object Xcol, Object reference_values_list_col, Object invert_flag) {
     const bool invert = truth(invert_flag);

@@ -1,0 +1,157 @@
+#include "exportable_utils/transform/to_text.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "python/inputs/column_blocks.hpp"
+#include "python/native_route.hpp"
+#include "python/operations.hpp"
+
+namespace quorin::transform {
+
+namespace {
+
+using core::FloatText;
+
+// numpy stores the width of an element, in bytes, as an int.
+constexpr std::size_t longest_fixed = std::numeric_limits<int>::max() / sizeof(std::uint32_t);
+
+// The width, in characters, that numpy gives to the text of a float64.
+constexpr std::size_t float_width = 32;
+
+std::uint32_t* characters_in(Object array) noexcept {
+    return reinterpret_cast<std::uint32_t*>(PyArray_BYTES(as_array(array)));
+}
+
+// Fills an element with zeros after the text.
+void end_text(std::uint32_t* element, std::size_t length, std::size_t width) noexcept {
+    std::memset(element + length, 0, (width - length) * sizeof(std::uint32_t));
+}
+
+// The texts of an array of objects, in two walks: the first one finds the width, the second one writes. The array of
+// texts is allocated in between, so the objects may be others in the second walk; it relies on no length of the first.
+class ObjectTexts {
+  public:
+    explicit ObjectTexts(std::size_t rows) : made_lengths_(rows) { made_.reserve(rows * usual_length); }
+
+    // False if str() of an element is not known here.
+    bool measure(const ArrayColumn& part, std::size_t first) {
+        const ObjectCells cells(part);
+        FloatText room;
+        for (std::size_t row = 0; row < part.rows; ++row) {
+            cells.prefetch(row + core::prefetch_distance);
+            core::TextView text{};
+            if (cells.read(row, text) == core::Cell::text) {
+                width_ = std::max(width_, text.length);
+                continue;
+            }
+            PyObject* value = part.object(row);
+            const std::string_view made = value == nullptr ? std::string_view{} : scalar_text(value, room);
+            if (made.empty()) return false;
+            made_lengths_[first + row] = static_cast<std::uint8_t>(made.size());
+            made_.append(made);
+            width_ = std::max(width_, made.size());
+        }
+        return true;
+    }
+    [[nodiscard]] std::size_t width() const noexcept { return width_; }
+
+    // False if a row that held a text no longer does, or one that is longer than all before.
+    bool write(const ArrayColumn& part, std::size_t first, std::uint32_t* to) noexcept {
+        const ObjectCells cells(part);
+        for (std::size_t row = 0; row < part.rows; ++row, to += width_) {
+            std::size_t length = made_lengths_[first + row];
+            if (length != 0) {
+                core::widen(made_.data() + written_, length, to);
+                written_ += length;
+            } else {
+                core::TextView text{};
+                if (cells.read(row, text) != core::Cell::text || text.length > width_) return false;
+                length = text.length;
+                for (std::size_t i = 0; i < length; ++i) to[i] = core::character(text, i);
+            }
+            end_text(to, length, width_);
+        }
+        return true;
+    }
+
+  private:
+    static constexpr std::size_t usual_length = 20;
+    std::string made_;                        // the texts of all elements that are not texts themselves
+    std::vector<std::uint8_t> made_lengths_;  // by row; 0 for an element that is a text
+    std::size_t width_ = 1;
+    std::size_t written_ = 0;
+};
+
+Ref objects_to_texts(Object X, const core::Column& memory) {
+    ObjectTexts texts(memory.rows);
+    const auto measure = [&](const ArrayColumn& part, std::size_t first) { return texts.measure(part, first); };
+    if (!in_column_blocks(X, memory, measure) || texts.width() > longest_fixed) return {};
+    Ref Y = new_fixed_text(memory.rows, texts.width());
+    const auto write = [&](const ArrayColumn& part, std::size_t first) {
+        return texts.write(part, first, characters_in(Y) + first * texts.width());
+    };
+    if (!in_column_blocks(X, memory, write)) return {};
+    return Y;
+}
+
+Ref floats_to_texts(Object X, const core::Column& memory) {
+    if (!numpy_writes_all_digits()) return {};
+    Ref Y = new_fixed_text(memory.rows, float_width);
+    const auto write = [&](const ArrayColumn& part, std::size_t first) {
+        std::uint32_t* to = characters_in(Y) + first * float_width;
+        FloatText room;
+        for (std::size_t row = 0; row < part.rows; ++row, to += float_width) {
+            const std::size_t length = core::write_float(core::load<double>(part, row), room);
+            core::widen(room.data(), length, to);
+            end_text(to, length, float_width);
+        }
+        return true;
+    };
+    if (!in_column_blocks(X, memory, write)) return {};
+    return Y;
+}
+
+}  // namespace
+
+std::string_view scalar_text(PyObject* value, FloatText& room) {
+    if (PyFloat_CheckExact(value)) return {room.data(), core::write_float(PyFloat_AS_DOUBLE(value), room)};
+    if (value == Py_None) return "None";
+    if (PyBool_Check(value)) return value == Py_True ? "True" : "False";
+    if (!PyLong_CheckExact(value)) return {};
+    int overflow = 0;
+    const long long whole = PyLong_AsLongLongAndOverflow(value, &overflow);
+    if (overflow != 0) return {};
+    const char* end = std::to_chars(room.data(), room.data() + room.size(), whole).ptr;
+    return {room.data(), static_cast<std::size_t>(end - room.data())};
+}
+
+bool numpy_writes_all_digits() {
+    double many_digits = 0.12345678901234568;
+    FloatText room;
+    const std::string_view expected(room.data(), core::write_float(many_digits, room));
+    PyArray_Descr* dtype = PyArray_DescrFromType(NPY_DOUBLE);
+    const Ref owner = Ref::take(reinterpret_cast<PyObject*>(dtype));
+    const Ref number = Ref::take(PyArray_Scalar(&many_digits, dtype, nullptr));
+    const Ref text = text_of(number);
+    Py_ssize_t size = 0;
+    const char* characters = PyUnicode_AsUTF8AndSize(text.get(), &size);
+    if (characters == nullptr) throw PythonError(Where::current());
+    return std::string_view(characters, static_cast<std::size_t>(size)) == expected;
+}
+
+Ref native_text_array(Object X) {
+    return native_route([&]() -> Ref {
+        const std::optional<core::Column> memory = flat_memory(X);
+        if (!memory) return {};
+        if (memory->storage == Storage::objects) return objects_to_texts(X, *memory);
+        if (memory->storage == Storage::float64) return floats_to_texts(X, *memory);
+        return {};
+    });
+}
+
+}  // namespace quorin::transform
