@@ -213,7 +213,10 @@ class Compression {
 
     bool prepare() {
         if (!PyUnicode_CheckExact(compress_type_.get()) || !PyList_CheckExact(misslist_.get())) return false;
-        if (!open()) return false;
+        const std::optional<core::Column> memory = writable_memory(X_);
+        if (!memory) return false;
+        memory_ = *memory;
+        if (memory_.storage != Storage::objects && memory_.storage != Storage::fixed_text) return false;
         missing_ = references::read_references(misslist_);
         if (!missing_) return false;
         rules_.emplace(*missing_, compress_type_);
@@ -242,12 +245,6 @@ class Compression {
     }
 
   private:
-    bool open() {
-        const std::optional<ArrayColumn> column = flat_column(X_);
-        if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !rows_are_disjoint(*column)) return false;
-        memory_ = *column;
-        return column->storage == Storage::objects || column->storage == Storage::fixed_text;
-    }
     // A signal handler changed X: the other rows are written as the interpreter route writes them.
     void write_slowly(std::size_t first) {
         if (objects_) {

@@ -64,22 +64,30 @@ class FloatWriter {
     double* out_;
 };
 
-// The interpreter route writes NaN into a copy of the column's own dtype: this raises for integers, and writes true
-// into booleans.
+// NaN for the numbers that are listed. The interpreter route writes it into a copy of the column's own dtype: this
+// raises for integers, and writes true into booleans.
+template <class Number>
+bool unlisted_to_floats(const ArrayColumn& part, const References& missing, double* out) {
+    // How a float32 compares with a Python number depends on the version of numpy.
+    if (std::is_same_v<Number, float>) return false;
+    for (std::size_t row = 0; row < part.rows; ++row) {
+        double value = static_cast<double>(core::load<Number>(part, row));
+        if (references::is_listed(value, missing)) {
+            if (part.storage == Storage::integer) return false;
+            value = part.storage == Storage::boolean ? 1.0 : nan;
+        }
+        out[row] = value;
+    }
+    return true;
+}
+
 bool numbers_to_floats(const ArrayColumn& part, const References& missing, double* out) {
     return core::with_number_type(part, [&](auto type) {
         using Number = decltype(type);
-        const bool compared = !missing.numbers.empty();
-        // How a float32 compares with a Python number depends on the version of numpy.
-        if (compared && std::is_same_v<Number, float>) return false;
-        for (std::size_t row = 0; row < part.rows; ++row) {
-            const Number number = core::load<Number>(part, row);
-            double value = static_cast<double>(number);
-            if (compared && references::is_listed(value, missing)) {
-                if (part.storage == Storage::integer) return false;
-                value = part.storage == Storage::boolean ? 1.0 : nan;
-            }
-            out[row] = value;
+        if (!missing.numbers.empty()) return unlisted_to_floats<Number>(part, missing, out);
+        const core::StridedMemory numbers = part;
+        for (std::size_t row = 0; row < numbers.rows; ++row) {
+            out[row] = static_cast<double>(core::load<Number>(numbers, row));
         }
         return true;
     });

@@ -36,7 +36,7 @@ void end_text(std::uint32_t* element, std::size_t length, std::size_t width) noe
 // texts is allocated in between, so the objects may be others in the second walk; it relies on no length of the first.
 class ObjectTexts {
   public:
-    explicit ObjectTexts(std::size_t rows) : made_lengths_(rows) { made_.reserve(rows * usual_length); }
+    explicit ObjectTexts(std::size_t rows) noexcept : rows_(rows) {}
 
     // False if str() of an element is not known here.
     bool measure(const ArrayColumn& part, std::size_t first) {
@@ -52,8 +52,7 @@ class ObjectTexts {
             PyObject* value = part.object(row);
             const std::string_view made = value == nullptr ? std::string_view{} : scalar_text(value, room);
             if (made.empty()) return false;
-            made_lengths_[first + row] = static_cast<std::uint8_t>(made.size());
-            made_.append(made);
+            keep(first + row, made);
             width_ = std::max(width_, made.size());
         }
         return true;
@@ -64,7 +63,7 @@ class ObjectTexts {
     bool write(const ArrayColumn& part, std::size_t first, std::uint32_t* to) noexcept {
         const ObjectCells cells(part);
         for (std::size_t row = 0; row < part.rows; ++row, to += width_) {
-            std::size_t length = made_lengths_[first + row];
+            std::size_t length = made_lengths_.empty() ? 0 : made_lengths_[first + row];
             if (length != 0) {
                 core::widen(made_.data() + written_, length, to);
                 written_ += length;
@@ -81,8 +80,17 @@ class ObjectTexts {
 
   private:
     static constexpr std::size_t usual_length = 20;
+    void keep(std::size_t row, std::string_view made) {
+        if (made_lengths_.empty()) {
+            made_lengths_.resize(rows_);
+            made_.reserve((rows_ - row) * usual_length);
+        }
+        made_lengths_[row] = static_cast<std::uint8_t>(made.size());
+        made_.append(made);
+    }
+    std::size_t rows_;
     std::string made_;                        // the texts of all elements that are not texts themselves
-    std::vector<std::uint8_t> made_lengths_;  // by row; 0 for an element that is a text
+    std::vector<std::uint8_t> made_lengths_;  // by row; 0 for an element that is a text; empty if all are
     std::size_t width_ = 1;
     std::size_t written_ = 0;
 };

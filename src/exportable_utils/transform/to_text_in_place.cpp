@@ -79,11 +79,6 @@ bool replace_floats(const ArrayColumn& part) noexcept {
     return true;
 }
 
-bool may_write(Object X) noexcept {
-    const std::optional<ArrayColumn> column = flat_column(X);
-    return column && PyArray_ISWRITEABLE(column->array) != 0 && rows_are_disjoint(*column);
-}
-
 // Replaces a block of rows at a time, so that a signal handler that raises leaves the rows before it written, as the
 // interpreter route does.
 template <class Replace>
@@ -99,8 +94,8 @@ Ref replace_rows(Object X, const core::Column& memory, Replace replace) {
 
 Ref native_text_in_place(Object X) {
     return native_route([&]() -> Ref {
-        const std::optional<core::Column> memory = flat_memory(X);
-        if (!memory || !may_write(X)) return {};
+        const std::optional<core::Column> memory = writable_memory(X);
+        if (!memory) return {};
         if (memory->storage == Storage::objects) return replace_rows(X, *memory, replace_objects);
         // The text of an integer is converted back into the same integer.
         if (memory->storage == Storage::integer) return Ref::share(X);

@@ -23,6 +23,13 @@ inline std::optional<core::Column> flat_memory(Object X) noexcept {
     return static_cast<const core::Column&>(*column);
 }
 
+// The same for a column that a routine may write into: it is writeable and no two rows share memory.
+inline std::optional<core::Column> writable_memory(Object X) noexcept {
+    const std::optional<ArrayColumn> column = flat_column(X);
+    if (!column || PyArray_ISWRITEABLE(column->array) == 0 || !rows_are_disjoint(*column)) return std::nullopt;
+    return static_cast<const core::Column&>(*column);
+}
+
 // Calls work(part, first) for consecutive blocks of rows of X; `first` is the row in X of the first row of `part`.
 // Answers signals between blocks, with nothing borrowed. `work` returns false to give up. Returns false if `work` did,
 // or if X no longer is the column that `memory` describes.
