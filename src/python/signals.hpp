@@ -28,14 +28,10 @@ class SignalTimer {
     Clock::time_point last_ = Clock::now();
 };
 
-// Calls block(first, last) for consecutive ranges of rows, and answers signals between them. `block` opens the column
-// anew in each call, since a handler may have changed it; it returns false to give up. A range takes a few
-// milliseconds at most, and short columns are one range.
-constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
-
+// Calls block(first, last) for consecutive ranges of at most `most_rows` rows, and answers signals between them.
+// `block` opens the column anew in each call, since a handler may have changed it; it returns false to give up.
 template <class Block>
-bool in_blocks(std::size_t rows, Block block, std::size_t most_rows = rows_between_signals,
-               Where where = Where::current()) {
+bool in_blocks_of(std::size_t most_rows, std::size_t rows, Block block, Where where = Where::current()) {
     if (rows <= most_rows) return block(std::size_t{0}, rows);
     SignalTimer timer;
     for (std::size_t first = 0; first < rows; first += most_rows) {
@@ -43,6 +39,14 @@ bool in_blocks(std::size_t rows, Block block, std::size_t most_rows = rows_betwe
         if (!block(first, std::min(rows, first + most_rows))) return false;
     }
     return true;
+}
+
+// The same with ranges that take a few milliseconds at most. Short columns are one range.
+constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
+
+template <class Block>
+bool in_blocks(std::size_t rows, Block block, Where where = Where::current()) {
+    return in_blocks_of(rows_between_signals, rows, block, where);
 }
 
 }  // namespace quorin

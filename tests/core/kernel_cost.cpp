@@ -36,6 +36,9 @@ using namespace quorin::core;
 
 constexpr std::size_t rows = 20000;
 
+// Of distinct plain texts below a marker that ends the scan.
+constexpr std::size_t most_plain = 16;
+
 // Cells as the interpreter keeps them: pointers to objects of a header and, behind it, the characters of a text.
 struct Object {
     std::uint64_t references;
@@ -167,7 +170,7 @@ void classify_column(const Cells& cells) {
     if (!end_marker.found) return;
     TextFacts below;
     std::vector<Ordered> plain;
-    gather_below(cells, set, script, end_marker.text, most_references, below, plain);
+    gather_below(cells, set, script, end_marker.text, most_plain, below, plain);
     total += least_number.row + plain.size();
 }
 

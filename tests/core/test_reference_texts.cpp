@@ -50,8 +50,9 @@ void random_markers() {
         for (int cell = 0; cell < 40; ++cell) {
             const bool known = !texts.empty() && random() % 2 == 0;
             const std::u32string text = known ? texts[random() % texts.size()] : random_text(random);
-            std::uint32_t expected = 0;
-            for (std::size_t m = 0; m < texts.size(); ++m) expected |= texts[m] == text ? 1U << m : 0U;
+            core::ReferenceBits expected = 0;
+            for (std::size_t m = 0; m < texts.size(); ++m)
+                expected |= texts[m] == text ? core::ReferenceBits{1} << m : 0;
             for (const Stored as : every_storage) {
                 if (as == Stored::compact && !is_ascii(text)) continue;
                 const StoredText in_cell(text, as);
@@ -74,7 +75,7 @@ void too_many_or_too_long() {
     check(!markers.add(too_long.view()), "32 characters");
     for (std::size_t i = 0; i < core::most_references; ++i) check(markers.add(fits.view()), "31 characters");
     check(!markers.add(fits.view()), "one marker too many");
-    check(markers.find(fits.view()) == 0xffff, "all equal markers are found");
+    check(markers.find(fits.view()) == ~core::ReferenceBits{0}, "all equal markers are found");
     check(markers.find(too_long.view()) == 0, "no marker is that long");
 }
 

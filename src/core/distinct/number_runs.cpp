@@ -75,7 +75,7 @@ void write_runs(const Number* sorted, std::size_t size, std::size_t runs, Number
                 std::ptrdiff_t* counts) noexcept {
     if (runs == 0) return;
     if (runs == size) {
-        if (values != sorted) std::memcpy(values, sorted, size * sizeof(Number));
+        if (values != sorted) std::memmove(values, sorted, size * sizeof(Number));
         for (std::size_t i = 0; i < size; ++i) counts[i] = 1;
         return;
     }

@@ -24,7 +24,8 @@ void copy_kept(const char* data, std::ptrdiff_t stride, const char* left_out, To
 template <class Number>
 std::size_t count_runs(const Number* sorted, std::size_t size) noexcept;
 
-// Each of the `runs` different numbers, as it stands first, and how often it stands there. `values` may be `sorted`.
+// Each of the `runs` different numbers, as it stands first, and how often it stands there. `values` may be in the same
+// array, at `sorted` or before it.
 template <class Number>
 void write_runs(const Number* sorted, std::size_t size, std::size_t runs, Number* values,
                 std::ptrdiff_t* counts) noexcept;

@@ -55,14 +55,13 @@ class TextTable {
     std::vector<DistinctText> entries_;
 };
 
-// The texts of all rows that are not skipped. False where any other cell is no text.
+// Adds the texts of the rows `first` to `last` - 1 that are not skipped. False if one of these is not a text.
 template <class Cells, class Skip>
-bool add_all(TextTable& table, const Cells& cells, Skip skip) {
-    const std::size_t rows = cells.size();
+bool add_rows(TextTable& table, const Cells& cells, std::size_t first, std::size_t last, Skip skip) {
     TextTable::Block block;
-    for (std::size_t row = 0; row < rows;) {
+    for (std::size_t row = first; row < last;) {
         std::size_t size = 0;
-        for (; row < rows && size < TextTable::block; ++row) {
+        for (; row < last && size < TextTable::block; ++row) {
             cells.prefetch(row + prefetch_distance);
             if (skip(row)) continue;
             if (cells.read(row, block.texts[size]) != Cell::text) return false;
@@ -72,6 +71,12 @@ bool add_all(TextTable& table, const Cells& cells, Skip skip) {
         table.add(block);
     }
     return true;
+}
+
+// Adds the texts of all rows.
+template <class Cells, class Skip>
+bool add_all(TextTable& table, const Cells& cells, Skip skip) {
+    return add_rows(table, cells, 0, cells.size(), skip);
 }
 
 template <class Cells>

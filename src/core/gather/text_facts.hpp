@@ -56,7 +56,7 @@ class LoneTexts {
 };
 
 struct TextFacts {
-    std::uint32_t markers = 0;  // bits of the markers that occur
+    ReferenceBits markers = 0;  // bits of the markers that occur
     bool nulls = false;
     bool texts = false;  // any that is no marker
     bool integers = false;
@@ -98,7 +98,7 @@ Walk walk_from(std::size_t& row, const Cells& cells, const ReferenceTexts& marke
             case Cell::other:
                 return Walk::gave_up;
         }
-        if (const std::uint32_t found = markers.find(text); found != 0) {
+        if (const ReferenceBits found = markers.find(text); found != 0) {
             facts.markers |= found;
             continue;
         }
@@ -139,7 +139,7 @@ Walk skip_plain(std::size_t& row, const Cells& cells, const ReferenceTexts& mark
                 return Walk::gave_up;
         }
         if (text.length > longest) continue;
-        if (const std::uint32_t found = markers.find(text); found != 0) {
+        if (const ReferenceBits found = markers.find(text); found != 0) {
             facts.markers |= found;
         } else if (text.length <= 1 && is_lone(text, script)) {
             return Walk::stopped;
@@ -163,7 +163,7 @@ template <class Cells>
     const std::size_t special = markers.longest() < 1 ? 1 : markers.longest();
     const auto on_short = [&](ShortText text) {
         if (text.length <= special) {
-            if (const std::uint32_t found = markers.find(text); found != 0) {
+            if (const ReferenceBits found = markers.find(text); found != 0) {
                 seen.markers |= found;
                 return true;
             }

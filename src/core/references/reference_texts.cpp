@@ -23,7 +23,7 @@ bool ascii_value(TextView text, std::uint64_t& value) noexcept {
 bool ReferenceTexts::add(const TextView& text) noexcept {
     if (texts_.size() == most_references || text.length > longest_possible) return false;
     if (text.length == 0) {
-        empty_ |= 1U << texts_.size();
+        empty_ |= ReferenceBits{1} << texts_.size();
     } else {
         const std::uint64_t others = has_length(text.length) ? firsts_[text.length] : 0;
         firsts_[text.length] = others | std::uint64_t{1} << (character(text, 0) & 63U);
@@ -37,13 +37,13 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
     return true;
 }
 
-std::uint32_t ReferenceTexts::find_slowly(const void* characters, std::size_t length, int width) const noexcept {
+ReferenceBits ReferenceTexts::find_slowly(const void* characters, std::size_t length, int width) const noexcept {
     const TextView text{characters, length, width};
     std::uint64_t value = 0;
     if (ascii_value(text, value)) return find_value(value, length);
-    std::uint32_t found = 0;
+    ReferenceBits found = 0;
     for (std::size_t i = 0; i < texts_.size(); ++i) {
-        if (same(texts_[i], text)) found |= 1U << i;
+        if (same(texts_[i], text)) found |= ReferenceBits{1} << i;
     }
     return found;
 }

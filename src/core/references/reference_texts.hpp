@@ -10,7 +10,10 @@
 
 namespace quorin::core {
 
-constexpr std::size_t most_references = 16;
+// One bit for each reference value of a list, the first one lowest.
+using ReferenceBits = std::uint64_t;
+
+constexpr std::size_t most_references = 64;
 
 // The marker texts of a column, to be found in its cells; short ones only.
 class ReferenceTexts {
@@ -19,7 +22,7 @@ class ReferenceTexts {
     // False where the text is none that this set can hold.
     bool add(const TextView& text) noexcept;
     // The bits of the markers that the text equals. Most texts differ from all of them in length or first character.
-    [[nodiscard]] std::uint32_t find(TextView text) const noexcept {
+    [[nodiscard]] ReferenceBits find(TextView text) const noexcept {
         if (!has_length(text.length)) return 0;
         if (text.length == 0) return empty_;
         if (!has_first(text.length, character(text, 0))) return 0;
@@ -29,7 +32,7 @@ class ReferenceTexts {
         }
         return find_slowly(text.characters, text.length, text.width);
     }
-    [[nodiscard]] std::uint32_t find(ShortText text) const noexcept {
+    [[nodiscard]] ReferenceBits find(ShortText text) const noexcept {
         if (!has_length(text.length)) return 0;
         const std::uint64_t value = text.value();
         return has_first(text.length, value & 0xffU) ? find_value(value, text.length) : 0;
@@ -45,18 +48,18 @@ class ReferenceTexts {
     [[nodiscard]] bool has_first(std::size_t length, std::uint64_t first) const noexcept {
         return (firsts_[length] >> (first & 63U) & 1U) != 0;
     }
-    [[nodiscard]] std::uint32_t find_value(std::uint64_t value, std::size_t length) const noexcept {
-        std::uint32_t found = 0;
+    [[nodiscard]] ReferenceBits find_value(std::uint64_t value, std::size_t length) const noexcept {
+        ReferenceBits found = 0;
         for (std::size_t i = 0; i < values_.size(); ++i) {
             const bool equal = values_[i].value == value && values_[i].length == length;
-            found |= static_cast<std::uint32_t>(equal) << i;
+            found |= static_cast<ReferenceBits>(equal) << i;
         }
         return found;
     }
-    [[nodiscard]] std::uint32_t find_slowly(const void* characters, std::size_t length, int width) const noexcept;
+    [[nodiscard]] ReferenceBits find_slowly(const void* characters, std::size_t length, int width) const noexcept;
 
     std::uint32_t lengths_ = 0;
-    std::uint32_t empty_ = 0;  // the bits of the markers without characters
+    ReferenceBits empty_ = 0;  // the bits of the markers without characters
     std::size_t longest_ = 0;
     // By length, of those that a marker has: a bit for the first character, modulo 64.
     std::array<std::uint64_t, longest_possible + 1> firsts_;

@@ -15,10 +15,10 @@ std::optional<Ref> least_texts(const ArrayColumn& column, const references::Refe
                            : false;
     // Nulls that no marker takes away are distinct values, too.
     if (!texts || (nulls && markers.null_bits == 0 && !markers.none())) return std::nullopt;
-    std::vector<distinct::DistinctRow> listed;
-    listed.reserve(least.size());
-    for (const core::KeyedText& entry : least) listed.push_back({entry.row, 1});
-    return distinct::values_of(column, listed);
+    distinct::TakenElements taken;
+    for (const core::KeyedText& entry : least) taken.add(column, entry.row);
+    const std::optional<ColumnSource> source = ColumnSource::single(reinterpret_cast<PyObject*>(column.array));
+    return taken.array(*source);
 }
 
 }  // namespace quorin::classify

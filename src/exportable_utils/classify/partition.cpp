@@ -10,9 +10,9 @@ namespace quorin::classify {
 
 namespace {
 
-bool may_hold_nulls(const ArrayColumn& column) {
-    return column.storage == Storage::objects || column.storage == Storage::float64 ||
-           column.storage == Storage::float32;
+bool may_hold_nulls(const ColumnSource& column) {
+    return column.storage() == Storage::objects || column.storage() == Storage::float64 ||
+           column.storage() == Storage::float32;
 }
 
 void take_distinct(Partition& partition, Object values_and_counts) {
@@ -21,9 +21,9 @@ void take_distinct(Partition& partition, Object values_and_counts) {
     partition.xx_xounts = std::move(xx_xounts);
 }
 
-bool find_distinct(Partition& partition, const ArrayColumn& column, distinct::ExcludedRows left_out) {
-    auto found = column.storage == Storage::float32 ? distinct::distinct_as_float64(column, left_out)
-                                                    : distinct::distinct_values(column, left_out);
+bool find_distinct(Partition& partition, const ColumnSource& column, const distinct::ExcludedRows& left_out) {
+    auto found = column.storage() == Storage::float32 ? distinct::distinct_as_float64(column, left_out)
+                                                      : distinct::distinct_values(column, left_out);
     if (!found) return false;
     partition.XX = std::move(found->values);
     partition.xx_xounts = std::move(found->counts);
@@ -31,32 +31,31 @@ bool find_distinct(Partition& partition, const ArrayColumn& column, distinct::Ex
 }
 
 // Without a reference list there is no mask, and NaN is no distinct value though its rows are not missing.
-bool partition_without_references(Partition& partition, const ArrayColumn& column) {
-    references::References null;
-    null.null_bits = 1;
+bool partition_without_references(Partition& partition, const ColumnSource& column) {
     references::Members nulls;
     if (may_hold_nulls(column)) {
-        std::optional<references::Members> found = references::find_members(column, null);
+        std::optional<references::Members> found = references::find_nulls(column);
         if (!found) return false;
         nulls = std::move(*found);
     }
     if (!find_distinct(partition, column, {nulls.mask, nulls.marked})) return false;
-    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows));
+    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows()));
     partition.missing_reference_values_exist_list = list({});
     return true;
 }
 
-bool partition_with_references(Partition& partition, Object X, const ArrayColumn& column,
+bool partition_with_references(Partition& partition, Object X, const ColumnSource& column,
                                const references::References& markers, bool first_only) {
-    const std::optional<references::Members> missing = references::find_members(column, markers, first_only);
+    const std::optional<references::Members> missing =
+        references::find_members(column, markers, first_only ? references::Match::first_only : references::Match::all);
     if (!missing) return false;
     const bool found_distinct = find_distinct(partition, column, {missing->mask, missing->marked});
-    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows - missing->marked));
+    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows() - missing->marked));
     partition.missing_reference_values_exist_list = references::list_of_references(markers, missing->bits);
     partition.cum_missing_mask_arr = Ref::share(missing->mask);
     // From here on the caller's list may lose its markers to whoever is told that texts stand beside numbers.
     if (!found_distinct) {
-        const Ref flat = PyArray_NDIM(column.array) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
+        const Ref flat = PyArray_NDIM(as_array(X)) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
         const Ref X_non_missing = missing->marked == 0 ? Ref::share(flat) : item(flat, inverted(missing->mask));
         take_distinct(partition, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
     }
@@ -66,7 +65,7 @@ bool partition_with_references(Partition& partition, Object X, const ArrayColumn
 // Straight from the column's memory. False, and nothing done, where that is not for memory to say.
 bool partition_natively(Partition& partition, Object X, Object missing_values_reference_list, bool first_only) {
     if (!lookups_unchanged()) return false;
-    const std::optional<ArrayColumn> column = single_column(X);
+    const std::optional<ColumnSource> column = ColumnSource::single(X);
     if (!column) return false;
     const std::optional<references::References> markers =
         references::read_references(missing_values_reference_list, *column);

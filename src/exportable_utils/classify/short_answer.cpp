@@ -24,8 +24,8 @@ bool starts_with_text(const ArrayColumn& column, const References& markers) noex
 
 }  // namespace
 
-Answer no_values(const References& markers, std::uint32_t bits, bool nulls) {
-    const std::uint32_t found = bits | (nulls ? markers.null_bits : 0U);
+Answer no_values(const References& markers, core::ReferenceBits bits, bool nulls) {
+    const core::ReferenceBits found = bits | (nulls ? markers.null_bits : 0);
     return {list_of_references(markers, found), found != 0 ? Kind::missing : Kind::unknown};
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 // Rows that are neither null nor a marker, when some marker is a number. Like in the other walks an infinite number has
 // a fraction.
-core::NumberFacts gather_beside(const ArrayColumn& column, const References& markers, std::uint32_t& found) {
+core::NumberFacts gather_beside(const ArrayColumn& column, const References& markers, core::ReferenceBits& found) {
     core::NumberFacts facts;
     core::with_number_type(column, [&](auto type) {
         using Number = decltype(type);
@@ -19,7 +19,7 @@ core::NumberFacts gather_beside(const ArrayColumn& column, const References& mar
             const Number number = core::load<Number>(column, row);
             // A marker is exact as a 64-bit float; an integer that is not cannot be equal to one by rounding alone.
             const auto value = static_cast<double>(number);
-            std::uint32_t bits = 0;
+            core::ReferenceBits bits = 0;
             if constexpr (std::is_floating_point_v<Number>) {
                 if (std::isnan(value)) {
                     facts.nulls = true;
@@ -42,7 +42,7 @@ core::NumberFacts gather_beside(const ArrayColumn& column, const References& mar
 
 // NaN that no marker takes away is a value with a fraction.
 std::optional<Answer> answer_floats(const ArrayColumn& column, const References& markers) {
-    std::uint32_t found = 0;
+    core::ReferenceBits found = 0;
     core::NumberFacts facts;
     if (!markers.numbers.empty()) {
         facts = gather_beside(column, markers, found);
@@ -60,7 +60,7 @@ std::optional<Answer> answer_floats(const ArrayColumn& column, const References&
 }
 
 std::optional<Answer> answer_integers(const ArrayColumn& column, const References& markers) {
-    std::uint32_t found = 0;
+    core::ReferenceBits found = 0;
     if (!markers.numbers.empty()) {
         if (markers.beyond_exact()) return std::nullopt;
         if (!gather_beside(column, markers, found).values) return no_values(markers, found, false);

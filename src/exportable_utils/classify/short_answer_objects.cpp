@@ -13,7 +13,7 @@ using distinct::ObjectTally;
 
 // What an array of objects holds that are numbers, nulls or markers.
 struct ObjectFacts {
-    std::uint32_t markers = 0;
+    core::ReferenceBits markers = 0;
     bool none = false;
     bool nan = false;
     bool scalar_nan = false;  // of a numpy type
@@ -33,7 +33,7 @@ bool gather_number(const ObjectNumber& number, const References& markers, Object
         return true;
     }
     if (!markers.numbers.empty()) {
-        const std::optional<std::uint32_t> bits = markers.bits_of_object(number);
+        const std::optional<core::ReferenceBits> bits = markers.bits_of_object(number);
         if (!bits) return false;
         facts.markers |= *bits;
         if (*bits != 0) return true;
@@ -77,7 +77,7 @@ bool gather_objects(const ArrayColumn& column, const References& markers, Object
         } else if (type == &PyUnicode_Type) {
             core::TextView text{};
             if (cells.read(row, text) != core::Cell::text) return false;
-            const std::uint32_t found = markers.texts.find(text);
+            const core::ReferenceBits found = markers.texts.find(text);
             if (found == 0) return false;
             facts.markers |= markers.bits_of_texts(found);
         } else {
@@ -99,15 +99,16 @@ bool any_beyond_exact(const ArrayColumn& column) {
 // Numbers of different types that are equal are one distinct value, and which of them stands for it is the sort's
 // affair. The kinds that stand by themselves for some value are found in any case; two of them settle the mix.
 bool two_kinds_for_sure(const ArrayColumn& column, const References& markers) {
-    ObjectTally tally(column);
+    ObjectTally tally(column.rows);
+    const ObjectCells cells(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
         PyObject* value = column.object(row);
         if (is_exact_null(value)) continue;
         const ObjectNumber number = object_number_of(value);
         if (number.type == NumberType::none || std::isnan(number.real)) continue;
-        const std::optional<std::uint32_t> bits = markers.bits_of_object(number);
+        const std::optional<core::ReferenceBits> bits = markers.bits_of_object(number);
         if (!bits) return false;
-        if (*bits == 0 && !tally.add(row)) return false;
+        if (*bits == 0 && !tally.add(column, cells, row)) return false;
     }
     unsigned alone = 0;
     for (const ObjectTally::Entry& entry : tally.entries()) {
@@ -128,7 +129,7 @@ std::optional<Answer> answer_objects(const ArrayColumn& column, const References
         facts.fractions = facts.fractions || facts.nan;
         facts.reals = facts.reals || facts.nan;
     }
-    const std::uint32_t found = facts.markers | (facts.none || facts.nan ? markers.null_bits : 0U);
+    const core::ReferenceBits found = facts.markers | (facts.none || facts.nan ? markers.null_bits : 0);
     if (!facts.reals && !facts.integers && !facts.booleans) return no_values(markers, found, false);
     Kind kind = Kind::unknown;
     if (facts.fractions) {

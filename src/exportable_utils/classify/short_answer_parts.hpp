@@ -10,7 +10,7 @@ namespace quorin::classify {
 using references::References;
 
 // For a column without values. Only rows that are missing make it "missing".
-Answer no_values(const References& markers, std::uint32_t bits, bool nulls);
+Answer no_values(const References& markers, core::ReferenceBits bits, bool nulls);
 
 // Objects of which the first that is no marker is a text.
 std::optional<Answer> answer_object_texts(const ArrayColumn& column, const References& markers);

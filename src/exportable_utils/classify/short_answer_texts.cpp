@@ -75,26 +75,26 @@ class CellsBesideNumbers {
         if (value == nullptr) return cell;
         const ObjectNumber number = object_number_of(value);
         if (number.type == NumberType::none || number.scalar) return cell;
-        const std::uint32_t bits = markers_->bits_of_object(number).value_or(0);
+        const core::ReferenceBits bits = markers_->bits_of_object(number).value_or(0);
         number_bits_ |= bits;
         return bits != 0 ? core::Cell::null : cell;
     }
     [[nodiscard]] bool nulls() const noexcept { return nulls_; }
-    [[nodiscard]] std::uint32_t number_bits() const noexcept { return number_bits_; }
+    [[nodiscard]] core::ReferenceBits number_bits() const noexcept { return number_bits_; }
 
   private:
     ArrayColumn column_;
     ObjectCells cells_;
     const References* markers_;
     mutable bool nulls_ = false;
-    mutable std::uint32_t number_bits_ = 0;
+    mutable core::ReferenceBits number_bits_ = 0;
 };
 
 template <class Cells>
 std::optional<Answer> answer_texts(const ArrayColumn& column, const References& markers, const Cells& cells) {
     TextFacts facts;
     if (gather_facts(cells, markers.texts, character_tables, facts) == Gathered::gave_up) return std::nullopt;
-    std::uint32_t found = markers.bits_of_texts(facts.markers);
+    core::ReferenceBits found = markers.bits_of_texts(facts.markers);
     if constexpr (std::is_same_v<Cells, CellsBesideNumbers>) {
         facts.nulls = cells.nulls();
         found |= cells.number_bits();

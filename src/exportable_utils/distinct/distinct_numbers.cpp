@@ -1,6 +1,7 @@
 #include "exportable_utils/distinct/distinct_numbers.hpp"
 
 #include <algorithm>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -12,16 +13,28 @@ namespace quorin::distinct {
 
 namespace {
 
+// Arrays that are made here are not known to other code: their memory does not change while foreign code runs.
+
 template <class Number>
 Number* data_of(Object array) noexcept {
     return reinterpret_cast<Number*>(PyArray_BYTES(as_array(array)));
 }
 
+std::size_t size_of(Object array) noexcept {
+    return static_cast<std::size_t>(PyArray_SIZE(as_array(array)));
+}
+
+PyArray_Descr* descriptor_of(Object dtype) noexcept {
+    return reinterpret_cast<PyArray_Descr*>(dtype.get());
+}
+
+// numpy releases the GIL while it sorts.
 void sort(Object array) {
+    foreign_code_may_run();
     if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
 }
 
-// How many of the sorted numbers stand before the NaNs.
+// The number of sorted numbers before the first NaN.
 template <class Number>
 std::size_t without_nulls(const Number* numbers, std::size_t size) {
     if constexpr (std::is_floating_point_v<Number>) {
@@ -33,15 +46,37 @@ std::size_t without_nulls(const Number* numbers, std::size_t size) {
     return size;
 }
 
-// Brings a sorted row of numbers down to the different ones, which stand at its start then, and gives their counts.
-// NaNs count as one.
+// Calls use(first, last) for ranges of sorted numbers that contain all equal numbers of those they contain.
+template <class Number, class Use>
+void in_whole_runs(const Number* sorted, std::size_t size, Use use) {
+    SignalTimer timer;
+    for (std::size_t first = 0; first < size;) {
+        if (first != 0) timer.poll();
+        std::size_t last = std::min(size, first + rows_between_signals);
+        if (last != size) {
+            last = static_cast<std::size_t>(std::upper_bound(sorted + last, sorted + size, sorted[last - 1]) - sorted);
+        }
+        use(first, last);
+        first = last;
+    }
+}
+
+// Moves the distinct ones of sorted numbers to the front and returns their counts. NaN counts once.
 template <class Number>
 Ref collapse(Number* numbers, std::size_t size) {
     const std::size_t plain = without_nulls(numbers, size);
-    const std::size_t runs = core::count_runs(numbers, plain);
+    std::size_t runs = 0;
+    in_whole_runs(numbers, plain, [&](std::size_t first, std::size_t last) {
+        runs += core::count_runs(numbers + first, last - first);
+    });
     Ref counted = new_array(runs + static_cast<std::size_t>(plain != size), NPY_INTP);
     auto* counts = data_of<npy_intp>(counted);
-    core::write_runs(numbers, plain, runs, numbers, counts);
+    std::size_t written = 0;
+    in_whole_runs(numbers, plain, [&](std::size_t first, std::size_t last) {
+        const std::size_t found = last == plain && first == 0 ? runs : core::count_runs(numbers + first, last - first);
+        core::write_runs(numbers + first, last - first, found, numbers + written, counts + written);
+        written += found;
+    });
     if (plain != size) {
         numbers[runs] = numbers[plain];
         counts[runs] = static_cast<npy_intp>(size - plain);
@@ -49,119 +84,206 @@ Ref collapse(Number* numbers, std::size_t size) {
     return counted;
 }
 
-// The first elements of an array that nobody else knows. What is left of a large one is rather given back than copied:
-// memory that is new to the process is slow.
+// The first elements of an array that is made here. Most of a large array is given back rather than copied: memory that
+// is new to the process is slow.
 template <class Number>
-Ref first_elements(Ref array, std::size_t size, PyArray_Descr* dtype) {
-    const auto before = static_cast<std::size_t>(PyArray_SIZE(as_array(array)));
+Ref first_elements(Ref array, std::size_t size, Object dtype) {
+    const std::size_t before = size_of(array);
     if (size == before) return array;
     if (size < before / 2) {
-        Ref copy = new_array(size, dtype);
+        Ref copy = new_array(size, descriptor_of(dtype));
         std::copy_n(data_of<Number>(array), size, data_of<Number>(copy));
         return copy;
     }
     npy_intp length = static_cast<npy_intp>(size);
     PyArray_Dims shape{&length, 1};
+    foreign_code_may_run();
     const Ref none = Ref::take(PyArray_Resize(as_array(array), &shape, 0, NPY_CORDER));
     return array;
 }
 
 template <class Number>
-ValuesAndCounts runs_of(Ref sorted, std::size_t size, PyArray_Descr* dtype) {
-    Ref counts = collapse(data_of<Number>(sorted), size);
-    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
+ValuesAndCounts runs_of(Ref sorted, Object dtype) {
+    Ref counts = collapse(data_of<Number>(sorted), size_of(sorted));
+    const std::size_t distinct = size_of(counts);
     return {first_elements<Number>(std::move(sorted), distinct, dtype), std::move(counts)};
 }
 
+// A new array of the numbers that are not excluded, or an empty Ref.
 template <class From, class To>
-ValuesAndCounts sorted_runs(const ArrayColumn& column, const ExcludedRows& left_out, PyArray_Descr* dtype) {
-    const std::size_t size = column.rows - left_out.marked();
-    Ref copy = new_array(size, dtype);
-    core::copy_kept<From>(column.data, column.stride, left_out.marks(), data_of<To>(copy), size);
-    sort(copy);
-    return runs_of<To>(std::move(copy), size, dtype);
+Ref copy_included(const ColumnSource& column, const ExcludedRows& excluded, Object dtype) {
+    Ref copy = new_array(column.rows() - excluded.marked(), descriptor_of(dtype));
+    To* out = data_of<To>(copy);
+    const bool done = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
+        const char* marks = excluded.marks() == nullptr ? nullptr : excluded.marks() + first;
+        const std::size_t size = last - first - (marks == nullptr ? 0 : core::count_marked(marks, last - first));
+        core::copy_kept<From>(numbers.at(first), numbers.stride, marks, out, size);
+        out += size;
+        return true;
+    });
+    return done ? std::move(copy) : Ref();
 }
 
-// Integers close together are counted in a table, where no sort can follow.
+template <class From, class To>
+std::optional<ValuesAndCounts> sorted_runs(const ColumnSource& column, const ExcludedRows& excluded, Object dtype) {
+    Ref copy = copy_included<From, To>(column, excluded, dtype);
+    if (!copy) return std::nullopt;
+    sort(copy);
+    return runs_of<To>(std::move(copy), dtype);
+}
+
+// Counts integers that are close together in a table, which is faster than any sort.
 template <class Integer>
-std::optional<ValuesAndCounts> counted(const char* data, std::ptrdiff_t stride, std::size_t size,
-                                       PyArray_Descr* dtype) {
-    constexpr std::uint64_t most_slots = 0x10000;
-    if (size == 0) return std::nullopt;
-    const auto [least, greatest] = core::range_of<Integer>(data, stride, size);
-    const std::uint64_t span = static_cast<std::uint64_t>(greatest) - static_cast<std::uint64_t>(least);
-    if (span >= most_slots || span > size + 256) return std::nullopt;
-    std::vector<npy_intp> table(static_cast<std::size_t>(span) + 1);
-    core::count_each<Integer>(data, stride, size, least, table.data());
-    const auto distinct = static_cast<std::size_t>(
-        std::count_if(table.begin(), table.end(), [](npy_intp occurrences) { return occurrences != 0; }));
-    ValuesAndCounts found{new_array(distinct, dtype), new_array(distinct, NPY_INTP)};
-    auto* values = data_of<Integer>(found.values);
-    auto* counts = data_of<npy_intp>(found.counts);
-    for (std::size_t slot = 0; slot < table.size(); ++slot) {
-        if (table[slot] == 0) continue;
-        *values++ = static_cast<Integer>(static_cast<std::uint64_t>(least) + slot);
-        *counts++ = table[slot];
+class CountTable {
+  public:
+    // False if the integers are too far apart. The size says how many there are in all.
+    bool include(const core::Range<Integer>& range, std::size_t size) noexcept {
+        least_ = std::min(least_, range.least);
+        greatest_ = std::max(greatest_, range.greatest);
+        return span() < most_slots && span() <= size + small;
     }
-    return found;
+    void allocate() { counts_.resize(static_cast<std::size_t>(span()) + 1); }
+    // False if an integer is outside the range.
+    bool count(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
+        const auto [least, greatest] = core::range_of<Integer>(data, stride, size);
+        if (least < least_ || greatest > greatest_) return false;
+        count_in_range(data, stride, size);
+        return true;
+    }
+    // For integers that are known to be in the range.
+    void count_in_range(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
+        core::count_each<Integer>(data, stride, size, least_, counts_.data());
+    }
+    [[nodiscard]] ValuesAndCounts arrays(Object dtype) const {
+        const auto distinct = static_cast<std::size_t>(
+            std::count_if(counts_.begin(), counts_.end(), [](npy_intp occurrences) { return occurrences != 0; }));
+        ValuesAndCounts found{new_array(distinct, descriptor_of(dtype)), new_array(distinct, NPY_INTP)};
+        auto* values = data_of<Integer>(found.values);
+        auto* counts = data_of<npy_intp>(found.counts);
+        for (std::size_t slot = 0; slot < counts_.size(); ++slot) {
+            if (counts_[slot] == 0) continue;
+            *values++ = static_cast<Integer>(static_cast<std::uint64_t>(least_) + slot);
+            *counts++ = counts_[slot];
+        }
+        return found;
+    }
+
+  private:
+    static constexpr std::uint64_t most_slots = 0x10000;
+    static constexpr std::size_t small = 256;
+    [[nodiscard]] std::uint64_t span() const noexcept {
+        return static_cast<std::uint64_t>(greatest_) - static_cast<std::uint64_t>(least_);
+    }
+    Integer least_ = std::numeric_limits<Integer>::max();
+    Integer greatest_ = std::numeric_limits<Integer>::min();
+    std::vector<npy_intp> counts_;
+};
+
+// The integers of a column, without a copy of it. Nothing if they are too far apart.
+template <class Integer>
+std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object dtype) {
+    CountTable<Integer> table;
+    const bool one_block = column.rows() <= rows_between_signals;
+    const bool close = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
+        const auto range = core::range_of<Integer>(numbers.at(first), numbers.stride, last - first);
+        if (!table.include(range, column.rows())) return false;
+        if (one_block) {
+            table.allocate();
+            table.count_in_range(numbers.data, numbers.stride, numbers.rows);
+        }
+        return true;
+    });
+    if (!close) return std::nullopt;
+    if (one_block) return table.arrays(dtype);
+    table.allocate();
+    const bool done = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
+        return table.count(numbers.at(first), numbers.stride, last - first);
+    });
+    if (!done) return std::nullopt;
+    return table.arrays(dtype);
+}
+
+// The same of a copy.
+template <class Integer>
+std::optional<ValuesAndCounts> counted_copy(Object copy, Object dtype) {
+    CountTable<Integer> table;
+    const auto* numbers = data_of<Integer>(copy);
+    const std::size_t size = size_of(copy);
+    const auto bytes_from = [&](std::size_t first) { return reinterpret_cast<const char*>(numbers + first); };
+    const bool close = in_blocks(size, [&](std::size_t first, std::size_t last) {
+        return table.include(core::range_of<Integer>(bytes_from(first), sizeof(Integer), last - first), size);
+    });
+    if (!close || size == 0) return std::nullopt;
+    table.allocate();
+    in_blocks(size, [&](std::size_t first, std::size_t last) {
+        table.count_in_range(bytes_from(first), sizeof(Integer), last - first);
+        return true;
+    });
+    return table.arrays(dtype);
 }
 
 template <class Integer>
-ValuesAndCounts distinct_integers(const ArrayColumn& column, const ExcludedRows& left_out) {
-    PyArray_Descr* dtype = PyArray_DESCR(column.array);
-    if (left_out.marked() == 0) {
-        auto found = counted<Integer>(column.data, column.stride, column.rows, dtype);
-        return found ? std::move(*found) : sorted_runs<Integer, Integer>(column, left_out, dtype);
+std::optional<ValuesAndCounts> distinct_integers(const ColumnSource& column, const ExcludedRows& excluded,
+                                                 Object dtype) {
+    if (excluded.marked() == 0) {
+        if (auto found = counted_column<Integer>(column, dtype)) return found;
+        return sorted_runs<Integer, Integer>(column, excluded, dtype);
     }
-    const std::size_t size = column.rows - left_out.marked();
-    Ref copy = new_array(size, dtype);
-    core::copy_kept<Integer>(column.data, column.stride, left_out.marks(), data_of<Integer>(copy), size);
-    if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
-        return std::move(*found);
-    }
+    Ref copy = copy_included<Integer, Integer>(column, excluded, dtype);
+    if (!copy) return std::nullopt;
+    if (auto found = counted_copy<Integer>(copy, dtype)) return found;
     sort(copy);
-    return runs_of<Integer>(std::move(copy), size, dtype);
+    return runs_of<Integer>(std::move(copy), dtype);
+}
+
+// Whether all booleans are the byte 0 or 1. numpy's result for other bytes is not defined here.
+bool are_bits(const ColumnSource& column) {
+    return column.in_blocks([](const ArrayColumn& flags, std::size_t first, std::size_t last) {
+        return core::range_of<std::uint8_t>(flags.at(first), flags.stride, last - first).greatest <= 1;
+    });
 }
 
 }  // namespace
 
-std::optional<ValuesAndCounts> distinct_numbers(const ArrayColumn& column, ExcludedRows left_out) {
+std::optional<ValuesAndCounts> distinct_numbers(const ColumnSource& column, const ExcludedRows& excluded) {
     std::optional<ValuesAndCounts> found;
-    // A boolean may be a byte of any value, and what numpy makes of those is its own affair.
-    if (column.storage == Storage::boolean &&
-        core::range_of<std::uint8_t>(column.data, column.stride, column.rows).greatest > 1) {
-        return found;
-    }
-    core::with_number_type(column, [&](auto type) {
-        using Number = decltype(type);
+    const Ref dtype = column.dtype();
+    if (!dtype || (column.storage() == Storage::boolean && !are_bits(column))) return found;
+    core::with_number_type(column.layout(), [&](auto number) {
+        using Number = decltype(number);
         if constexpr (std::is_floating_point_v<Number>) {
-            found = sorted_runs<Number, Number>(column, left_out, PyArray_DESCR(column.array));
+            found = sorted_runs<Number, Number>(column, excluded, dtype);
         } else if constexpr (std::is_same_v<Number, bool>) {
-            found = distinct_integers<std::uint8_t>(column, left_out);
+            found = distinct_integers<std::uint8_t>(column, excluded, dtype);
         } else {
-            found = distinct_integers<Number>(column, left_out);
+            found = distinct_integers<Number>(column, excluded, dtype);
         }
         return true;
     });
     return found;
 }
 
-std::optional<ValuesAndCounts> distinct_as_float64(const ArrayColumn& column, ExcludedRows left_out) {
-    if (column.storage == Storage::float64) return distinct_numbers(column, left_out);
-    if (column.storage != Storage::float32) return std::nullopt;
+std::optional<ValuesAndCounts> distinct_as_float64(const ColumnSource& column, const ExcludedRows& excluded) {
+    if (column.storage() == Storage::float64) return distinct_numbers(column, excluded);
+    if (column.storage() != Storage::float32) return std::nullopt;
+    const Ref float32 = column.dtype();
     const Ref float64 = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_DOUBLE)));
-    auto* wide = reinterpret_cast<PyArray_Descr*>(float64.get());
-    const std::size_t size = column.rows - left_out.marked();
-    const Ref copy = new_array(size, NPY_FLOAT);
-    auto* numbers = data_of<float>(copy);
-    core::copy_kept<float>(column.data, column.stride, left_out.marks(), numbers, size);
-    if (core::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
-    // Half the width sorts faster, and where equal numbers are all alike the result is the same.
+    if (!float32) return std::nullopt;
+    const Ref copy = copy_included<float, float>(column, excluded, float32);
+    if (!copy) return std::nullopt;
+    if (core::has_unlike_equals(data_of<float>(copy), size_of(copy))) {
+        return sorted_runs<float, double>(column, excluded, float64);
+    }
+    // Half the width sorts faster, and the result is the same because equal numbers are alike.
     sort(copy);
-    Ref counts = collapse(numbers, size);
-    const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
-    Ref values = new_array(distinct, wide);
-    core::copy_kept<float>(PyArray_BYTES(as_array(copy)), sizeof(float), nullptr, data_of<double>(values), distinct);
+    Ref counts = collapse(data_of<float>(copy), size_of(copy));
+    const std::size_t distinct = size_of(counts);
+    Ref values = new_array(distinct, descriptor_of(float64));
+    in_blocks(distinct, [&](std::size_t first, std::size_t last) {
+        core::copy_kept<float>(reinterpret_cast<const char*>(data_of<float>(copy) + first), sizeof(float), nullptr,
+                               data_of<double>(values) + first, last - first);
+        return true;
+    });
     return ValuesAndCounts{std::move(values), std::move(counts)};
 }
 

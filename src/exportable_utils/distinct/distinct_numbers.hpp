@@ -1,4 +1,4 @@
-// The distinct numbers of a column in ascending order, as numpy.unique() gives them.
+// The distinct numbers of a column in ascending order, as numpy.unique() returns them.
 #pragma once
 
 #include <optional>
@@ -7,13 +7,13 @@
 
 namespace quorin::distinct {
 
-// numpy.unique(column[~mask], return_counts=True), for columns of numbers. Nothing for any other column.
+// numpy.unique(column[~mask], return_counts=True) of a column of numbers. Nothing for any other column.
 //
-// Which one of several equal numbers stands for them shows where they are zeros of both signs or NaNs: floats are
-// therefore sorted by numpy itself, in the order in which it would be given them.
-std::optional<ValuesAndCounts> distinct_numbers(const ArrayColumn& column, ExcludedRows left_out);
+// Which of several equal numbers numpy returns can be seen if they are zeros of both signs or NaN. Floats are therefore
+// sorted by numpy itself, in the order in which numpy.unique() sorts them.
+std::optional<ValuesAndCounts> distinct_numbers(const ColumnSource& column, const ExcludedRows& excluded);
 
-// The same of column.astype(float).
-std::optional<ValuesAndCounts> distinct_as_float64(const ArrayColumn& column, ExcludedRows left_out);
+// The same of column.astype(float), for a column of floats.
+std::optional<ValuesAndCounts> distinct_as_float64(const ColumnSource& column, const ExcludedRows& excluded);
 
 }  // namespace quorin::distinct

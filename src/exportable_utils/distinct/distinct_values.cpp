@@ -8,32 +8,81 @@
 #include "core/distinct/key_order.hpp"
 #include "core/distinct/number_table.hpp"
 #include "core/distinct/text_order.hpp"
-#include "core/distinct/text_table.hpp"
 #include "exportable_utils/distinct/distinct_numbers.hpp"
-#include "exportable_utils/distinct/object_tally.hpp"
 #include "python/errors.hpp"
 
 namespace quorin::distinct {
 
 namespace {
 
-// Sorted texts lie anywhere in memory.
+using Order = std::vector<std::uint32_t>;  // numbers of entries
+
+// Sorted entries are spread over memory.
 constexpr std::size_t prefetched = 16;
 
-std::vector<DistinctRow> ascending_texts(const std::vector<core::DistinctText>& found) {
-    const std::vector<std::uint32_t> order = core::ascending(found);
-    std::vector<DistinctRow> sorted;
-    sorted.reserve(order.size());
-    for (std::size_t i = 0; i < order.size(); ++i) {
-        if (i + prefetched < order.size()) __builtin_prefetch(&found[order[i + prefetched]]);
-        const core::DistinctText& entry = found[order[i]];
-        sorted.push_back({entry.row, static_cast<npy_intp>(entry.count)});
-    }
-    return sorted;
+// Puts an object in a place of an array of objects, which holds None or null so far.
+void put(char* place, Ref object) noexcept {
+    Ref::adopt(std::exchange(*reinterpret_cast<PyObject**>(place), object.give()));
 }
 
-// Whole numbers are sorted as such; beside fractions they have to be exact as 64-bit floats.
-std::optional<std::vector<DistinctRow>> ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
+Ref array_of_objects(PyArray_Descr* dtype, const Order& order, std::vector<Ref>& objects) {
+    Ref array = new_array(order.size(), dtype);
+    char* out = PyArray_BYTES(as_array(array));
+    in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i, out += sizeof(PyObject*)) put(out, std::move(objects[order[i]]));
+        return true;
+    });
+    return array;
+}
+
+template <class Entry>
+Ref array_of_fixed_texts(const ColumnSource& column, PyArray_Descr* dtype, const std::vector<Entry>& entries,
+                         const Order& order) {
+    Ref array = new_array(order.size(), dtype);
+    char* out = PyArray_BYTES(as_array(array));
+    const bool done = in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+        const std::optional<ArrayColumn> texts = column.borrow();
+        if (!texts) return false;
+        for (std::size_t i = first; i < last; ++i, out += texts->width) {
+            if (i + prefetched < last) __builtin_prefetch(texts->at(entries[order[i + prefetched]].row));
+            std::memcpy(out, texts->at(entries[order[i]].row), texts->width);
+        }
+        return true;
+    });
+    return done ? std::move(array) : Ref();
+}
+
+template <class Entry>
+Ref array_of_counts(const std::vector<Entry>& entries, const Order& order) {
+    Ref array = new_array(order.size(), NPY_INTP);
+    auto* counts = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
+    in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            if (i + prefetched < last) __builtin_prefetch(&entries[order[i + prefetched]]);
+            counts[i] = static_cast<npy_intp>(entries[order[i]].count);
+        }
+        return true;
+    });
+    return array;
+}
+
+// The entries in this order, which is empty if they cannot be sorted.
+template <class Entry>
+std::optional<ValuesAndCounts> arrays_of(const ColumnSource& column, const std::vector<Entry>& entries,
+                                         const Order& order, std::vector<Ref>& objects) {
+    const Ref dtype = column.dtype();
+    if (order.empty() || !dtype) return std::nullopt;
+    auto* descriptor = reinterpret_cast<PyArray_Descr*>(dtype.get());
+    ValuesAndCounts found;
+    found.counts = array_of_counts(entries, order);
+    found.values = column.storage() == Storage::objects ? array_of_objects(descriptor, order, objects)
+                                                        : array_of_fixed_texts(column, descriptor, entries, order);
+    if (!found.values) return std::nullopt;
+    return found;
+}
+
+// Whole numbers are sorted as such. Beside fractions they have to be exact as 64-bit floats.
+Order ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
     const bool reals = std::any_of(entries.begin(), entries.end(), [](const ObjectTally::Entry& entry) {
         return entry.number.type == NumberType::real;
     });
@@ -41,156 +90,204 @@ std::optional<std::vector<DistinctRow>> ascending_numbers(const std::vector<Obje
     keyed.reserve(entries.size());
     for (const ObjectTally::Entry& entry : entries) {
         const ObjectNumber& number = entry.number;
-        if (!entry.alike || number.type == NumberType::none) return std::nullopt;
+        if (!entry.alike || number.type == NumberType::none) return {};
         const auto position = static_cast<std::uint32_t>(keyed.size());
         if (!reals) {
             keyed.push_back({core::key_of_whole(number.whole), position});
         } else if (number.type == NumberType::real) {
             keyed.push_back({core::key_of_real(number.real), position});
         } else if (number.beyond_exact()) {
-            return std::nullopt;
+            return {};
         } else {
             keyed.push_back({core::key_of_real(static_cast<double>(number.whole)), position});
         }
     }
     core::sort_by_key(keyed);
-    std::vector<DistinctRow> sorted;
-    sorted.reserve(keyed.size());
-    for (const core::Keyed& key : keyed) sorted.push_back({entries[key.number].row, entries[key.number].count});
-    return sorted;
+    Order order;
+    order.reserve(keyed.size());
+    for (const core::Keyed& key : keyed) order.push_back(key.number);
+    return order;
 }
 
-// Whether numpy can sort what a tally holds: all texts or all numbers, nothing that has no order.
+// Whether numpy can sort the elements so far: all are texts or all are numbers, and none is null.
 bool sortable(const ObjectTally& tally) noexcept {
     return !tally.nulls() && (tally.texts().empty() || tally.texts().size() == tally.entries().size());
 }
 
-template <class Skip>
-std::optional<std::vector<DistinctRow>> ascending_objects(const ArrayColumn& column, Skip skip) {
-    ObjectTally tally(column);
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (skip(row)) continue;
-        if (!tally.add(row) || !sortable(tally)) return std::nullopt;
+std::optional<ValuesAndCounts> sorted_objects(const ColumnSource& column, const ExcludedRows& excluded) {
+    ObjectTally tally(column.rows());
+    const bool done = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+        const ObjectCells cells(objects);
+        for (std::size_t row = first; row < last; ++row) {
+            if (excluded.has(row)) continue;
+            if (!tally.add(objects, cells, row) || !sortable(tally)) return false;
+        }
+        tally.hold(objects);
+        return true;
+    });
+    if (!done) return std::nullopt;
+    if (tally.texts().empty()) {
+        return arrays_of(column, tally.entries(), ascending_numbers(tally.entries()), tally.objects());
     }
-    if (tally.texts().empty()) return ascending_numbers(tally.entries());
-    std::vector<core::DistinctText> found;
-    found.reserve(tally.entries().size());
-    for (std::size_t i = 0; i < tally.entries().size(); ++i) {
-        const ObjectTally::Entry& entry = tally.entries()[i];
-        if (!entry.alike) return std::nullopt;
-        found.push_back({tally.texts()[i].text, entry.row, entry.count});
-    }
-    return ascending_texts(found);
+    const bool alike = std::all_of(tally.entries().begin(), tally.entries().end(),
+                                   [](const ObjectTally::Entry& entry) { return entry.alike; });
+    if (!alike) return std::nullopt;
+    return arrays_of(column, tally.entries(), core::ascending(tally.texts()), tally.objects());
 }
 
-// The walk goes to the end also where enough is known: what stands there may be nothing that can be sorted.
-std::optional<std::size_t> count_distinct_objects(const ArrayColumn& column, std::size_t enough, bool texts) {
-    ObjectTally tally(column);
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (tally.entries().size() >= enough) {
-            PyObject* value = column.object(row);
-            if (value == nullptr) return std::nullopt;
-            if (texts ? is_plain_text(value) : is_sortable_number(value)) continue;
-            return std::nullopt;
-        }
-        if (!tally.add(row) || !sortable(tally) || tally.texts().empty() == texts) return std::nullopt;
+std::optional<ValuesAndCounts> sorted_texts(const ColumnSource& column, DistinctTexts& texts) {
+    Order order;
+    {
+        const LongBorrow borrow(column);
+        if (!borrow.column()) return std::nullopt;
+        order = core::ascending(texts.entries());
     }
+    return arrays_of(column, texts.entries(), order, texts.objects());
+}
+
+enum class Kinds {
+    texts,
+    others,      // not only exact str
+    unsortable,  // texts beside another type
+    changed
+};
+
+// Hashes the texts of a column. `others` if an ObjectTally may still be able to sort it.
+Kinds hash_texts(const ColumnSource& column, const ExcludedRows& excluded, DistinctTexts& texts) {
+    Kinds kinds = Kinds::changed;
+    const auto kinds_from = [&](const ArrayColumn& objects, std::size_t row) {
+        for (; row < objects.rows; ++row) {
+            PyObject* value = objects.object(row);
+            if (!excluded.has(row) && !is_exact_text(value)) break;
+        }
+        const bool unsortable =
+            row == objects.rows || objects.object(row) == nullptr || !is_plain_text(objects.object(row));
+        return unsortable ? Kinds::unsortable : Kinds::others;
+    };
+    const auto add = [&](const ArrayColumn& objects, std::size_t first, std::size_t last, auto skip) {
+        if (texts.add(objects, first, last, skip)) return true;
+        kinds = kinds_from(objects, first);
+        return false;
+    };
+    const bool done = column.in_blocks([&](const ArrayColumn& cells, std::size_t first, std::size_t last) {
+        if (excluded.marked() == 0) return add(cells, first, last, [](std::size_t) { return false; });
+        return add(cells, first, last, [&](std::size_t row) { return excluded.has(row); });
+    });
+    return done ? Kinds::texts : kinds;
+}
+
+// Whether the first element that is not excluded is a text.
+bool starts_with_text(const ColumnSource& column, const ExcludedRows& excluded) {
+    const std::optional<ArrayColumn> objects = column.borrow();
+    if (!objects || objects->storage == Storage::fixed_text) return objects.has_value();
+    std::size_t row = 0;
+    while (excluded.has(row)) ++row;
+    return is_exact_text(objects->object(row));
+}
+
+// The walk continues after `enough` values: an element further on may not be sortable.
+std::optional<std::size_t> count_distinct_objects(const ColumnSource& column, std::size_t enough, bool texts) {
+    ObjectTally tally(column.rows());
+    const bool done = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+        const ObjectCells cells(objects);
+        for (std::size_t row = first; row < last; ++row) {
+            if (tally.entries().size() >= enough) {
+                PyObject* value = objects.object(row);
+                if (value == nullptr || !(texts ? is_plain_text(value) : is_sortable_number(value))) return false;
+                continue;
+            }
+            if (!tally.add(objects, cells, row) || !sortable(tally) || tally.texts().empty() == texts) return false;
+        }
+        tally.hold(objects);
+        return true;
+    });
+    if (!done) return std::nullopt;
     return tally.entries().size();
 }
 
-// How many there can be at all.
-std::size_t possible_numbers(const ArrayColumn& column) noexcept {
+// The number of values that the dtype has, or a greater number.
+std::size_t possible_numbers(const ColumnSource& column) noexcept {
     constexpr std::size_t bytes = 256;
-    if (column.storage == Storage::boolean) return 2;
-    return column.width == 1 ? bytes : column.rows;
-}
-
-template <class Skip>
-std::optional<std::vector<DistinctRow>> ascending_values(const ArrayColumn& column, Skip skip) {
-    if (column.rows > core::TextTable::most_rows) return std::nullopt;
-    core::TextTable table(column.rows);
-    if (column.storage == Storage::fixed_text) {
-        if (core::add_all(table, ArrayTextCells(column), skip)) return ascending_texts(table.entries());
-        return std::nullopt;
-    }
-    std::size_t first = 0;
-    while (skip(first)) ++first;
-    if (is_exact_text(column.object(first)) && core::add_all(table, ObjectCells(column), skip)) {
-        return ascending_texts(table.entries());
-    }
-    return ascending_objects(column, skip);
-}
-
-Ref counts_of(const std::vector<DistinctRow>& distinct) {
-    Ref array = new_array(distinct.size(), NPY_INTP);
-    auto* out = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    for (const DistinctRow& entry : distinct) *out++ = entry.count;
-    return array;
+    if (column.storage() == Storage::boolean) return 2;
+    return column.width() == 1 ? bytes : column.rows();
 }
 
 }  // namespace
 
-std::optional<ValuesAndCounts> distinct_values(const ArrayColumn& column, ExcludedRows left_out) {
-    if (column.storage != Storage::objects && column.storage != Storage::fixed_text) {
-        return distinct_numbers(column, left_out);
+std::optional<ValuesAndCounts> distinct_values(const ColumnSource& column, const ExcludedRows& excluded) {
+    if (column.storage() != Storage::objects && column.storage() != Storage::fixed_text) {
+        return distinct_numbers(column, excluded);
     }
-    // Of nothing numpy makes an array of its own kind.
-    if (left_out.marked() == column.rows) return std::nullopt;
-    const auto distinct = left_out.marked() == 0
-                              ? ascending_values(column, [](std::size_t) { return false; })
-                              : ascending_values(column, [=](std::size_t row) { return left_out.has(row); });
-    if (!distinct) return std::nullopt;
-    return ValuesAndCounts{values_of(column, *distinct), counts_of(*distinct)};
+    // numpy makes an array of another dtype of nothing.
+    if (excluded.marked() == column.rows() || column.rows() > core::TextTable::most_rows) return std::nullopt;
+    if (KnownUnsortable::is(column.array())) return std::nullopt;
+    if (starts_with_text(column, excluded)) {
+        DistinctTexts texts(column.rows());
+        const Kinds kinds = hash_texts(column, excluded, texts);
+        if (kinds == Kinds::texts) return sorted_texts(column, texts);
+        if (kinds != Kinds::others) return std::nullopt;
+    }
+    return sorted_objects(column, excluded);
 }
 
-std::optional<std::size_t> count_distinct_numbers(const ArrayColumn& column, std::size_t enough) {
-    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, false);
+std::optional<std::size_t> count_distinct_numbers(const ColumnSource& column, std::size_t enough) {
+    if (column.storage() == Storage::objects) return count_distinct_objects(column, enough, false);
     enough = std::min(enough, possible_numbers(column));
-    core::NumberTable numbers;
+    core::NumberTable table;
     std::uint32_t distinct = 0;
-    const bool counted = core::with_number_type(column, [&](auto type) {
-        using Number = decltype(type);
-        for (std::size_t row = 0; row < column.rows && distinct < enough; ++row) {
-            const std::uint64_t key = core::key_of(core::load<Number>(column, row));
-            if (numbers.find_or_add(key, distinct) == distinct) ++distinct;
-        }
-        return true;
+    const bool counted = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
+        return core::with_number_type(numbers, [&](auto type) {
+            using Number = decltype(type);
+            for (std::size_t row = first; row < last && distinct < enough; ++row) {
+                const std::uint64_t key = core::key_of(core::load<Number>(numbers, row));
+                if (table.find_or_add(key, distinct) == distinct) ++distinct;
+            }
+            return true;
+        });
     });
     if (!counted) return std::nullopt;
     return distinct;
 }
 
-std::optional<std::size_t> count_distinct_texts(const ArrayColumn& column, std::size_t enough) {
-    if (column.storage == Storage::objects) return count_distinct_objects(column, enough, true);
-    if (column.storage != Storage::fixed_text) return std::nullopt;
-    const ArrayTextCells cells(column);
-    core::TextTable table(column.rows);
-    for (std::size_t row = 0; row < cells.size() && table.entries().size() < enough; ++row) {
-        core::TextView text{};
-        cells.read(row, text);
-        table.add(text, row);
-    }
+std::optional<std::size_t> count_distinct_texts(const ColumnSource& column, std::size_t enough) {
+    if (column.storage() == Storage::objects) return count_distinct_objects(column, enough, true);
+    if (column.storage() != Storage::fixed_text) return std::nullopt;
+    core::TextTable table(column.rows());
+    const bool done = column.in_blocks([&](const ArrayColumn& texts, std::size_t first, std::size_t last) {
+        const ArrayTextCells cells(texts);
+        for (std::size_t row = first; row < last && table.entries().size() < enough; ++row) {
+            core::TextView text{};
+            cells.read(row, text);
+            table.add(text, row);
+        }
+        return true;
+    });
+    if (!done) return std::nullopt;
     return table.entries().size();
 }
 
-Ref values_of(const ArrayColumn& column, const std::vector<DistinctRow>& distinct) {
-    Ref array = new_array(distinct.size(), PyArray_DESCR(column.array));
+void TakenElements::add(const ArrayColumn& column, std::size_t row) {
+    if (column.storage == Storage::objects) {
+        objects_.push_back(Ref::share(column.object(row)));
+    } else {
+        texts_.insert(texts_.end(), column.at(row), column.at(row) + column.width);
+    }
+}
+
+Ref TakenElements::array(const ColumnSource& column) {
+    const Ref dtype = column.dtype();
+    if (!dtype) return {};
+    auto* descriptor = reinterpret_cast<PyArray_Descr*>(dtype.get());
+    if (column.storage() != Storage::objects) {
+        Ref array = new_array(texts_.size() / column.width(), descriptor);
+        std::copy(texts_.begin(), texts_.end(), PyArray_BYTES(as_array(array)));
+        return array;
+    }
+    Ref array = new_array(objects_.size(), descriptor);
     char* out = PyArray_BYTES(as_array(array));
-    for (std::size_t i = 0; i < distinct.size(); ++i) {
-        // The elements lie anywhere; of an object the count of its references is written.
-        if (i + prefetched < distinct.size()) {
-            const std::size_t row = distinct[i + prefetched].row;
-            __builtin_prefetch(column.storage == Storage::objects ? static_cast<const void*>(column.object(row))
-                                                                  : static_cast<const void*>(column.at(row)));
-        }
-        const std::size_t row = distinct[i].row;
-        if (column.storage == Storage::objects) {
-            PyObject*& place = *reinterpret_cast<PyObject**>(out);
-            Ref::adopt(std::exchange(place, Ref::share(column.object(row)).give()));
-        } else {
-            std::memcpy(out, column.at(row), column.width);
-        }
-        out += column.width;
+    for (Ref& object : objects_) {
+        put(out, std::move(object));
+        out += sizeof(PyObject*);
     }
     return array;
 }

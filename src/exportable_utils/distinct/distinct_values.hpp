@@ -1,11 +1,16 @@
 // The distinct values of a column.
+//
+// Columns are passed as ColumnSource. Functions that take one allocate and answer signals: the caller has nothing
+// borrowed. They return nothing, or an empty Ref, if numpy's result cannot be computed here or if the column changes.
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
-#include "python/inputs/array_column.hpp"
+#include "core/distinct/text_table.hpp"
+#include "exportable_utils/distinct/object_tally.hpp"
+#include "python/inputs/column_source.hpp"
 
 namespace quorin::distinct {
 
@@ -14,14 +19,14 @@ struct DistinctRow {
     npy_intp count;
 };
 
-// The rows that are not taken. Their mask stays with the caller.
+// The rows that are skipped. Their mask, which no one else may know, stays with the caller.
 class ExcludedRows {
   public:
     ExcludedRows() noexcept = default;
     ExcludedRows(Object mask, std::size_t marked) noexcept
         : marked_(marked), marks_(marked == 0 ? nullptr : PyArray_BYTES(as_array(mask))) {}
     [[nodiscard]] std::size_t marked() const noexcept { return marked_; }
-    // A byte for each row; null where none is left out.
+    // A byte for each row; null if no row is excluded.
     [[nodiscard]] const char* marks() const noexcept { return marks_; }
     [[nodiscard]] bool has(std::size_t row) const noexcept { return marks_ != nullptr && marks_[row] != 0; }
 
@@ -36,19 +41,79 @@ struct ValuesAndCounts {
 };
 
 // numpy.unique(column[~mask], return_counts=True). Texts, and numbers in an array of objects, are hashed first, so that
-// only the distinct ones are sorted. Nothing where numpy's sort would fail, or where it would be free to choose among
-// objects that are equal and yet not the same: 1, 1.0 and True; 0.0 and -0.0.
-std::optional<ValuesAndCounts> distinct_values(const ArrayColumn& column, ExcludedRows left_out);
+// only the distinct ones are sorted. Nothing if numpy's sort would fail, or if it could return any of several objects
+// that are equal but not alike: 1, 1.0 and True; 0.0 and -0.0.
+std::optional<ValuesAndCounts> distinct_values(const ColumnSource& column, const ExcludedRows& excluded);
 
-// An array of these values, of the column's dtype.
-Ref values_of(const ArrayColumn& column, const std::vector<DistinctRow>& distinct);
+// While one lives, distinct_values() gives up for this array at once: its elements are known not to be sortable here.
+// For callers that pass the array on to get_unique_values() by name.
+class KnownUnsortable {
+  public:
+    explicit KnownUnsortable(Object array) noexcept : array_(Ref::share(array)), outer_(std::exchange(inner, this)) {}
+    ~KnownUnsortable() { inner = outer_; }
+    KnownUnsortable(const KnownUnsortable&) = delete;
+    KnownUnsortable& operator=(const KnownUnsortable&) = delete;
+    KnownUnsortable(KnownUnsortable&&) = delete;
+    KnownUnsortable& operator=(KnownUnsortable&&) = delete;
+    static bool is(Object array) noexcept {
+        for (const KnownUnsortable* known = inner; known != nullptr; known = known->outer_) {
+            if (known->array_.is(array)) return true;
+        }
+        return false;
+    }
 
-// How many different values numpy.unique() finds in a column of numbers, whatever its dtype; `enough` where it finds at
-// least as many. Nothing for a column of texts, and for objects with a null or anything else among them. NaN counts as
-// one.
-std::optional<std::size_t> count_distinct_numbers(const ArrayColumn& column, std::size_t enough);
+  private:
+    Ref array_;
+    KnownUnsortable* outer_;
+    static inline thread_local KnownUnsortable* inner = nullptr;
+};
+
+// The number of distinct values that numpy.unique() finds in a column of numbers of any dtype, objects included;
+// `enough` if it finds at least as many. NaN counts once. Nothing for texts, and for objects with a null or another
+// type among them.
+std::optional<std::size_t> count_distinct_numbers(const ColumnSource& column, std::size_t enough);
 
 // The same for a column of texts.
-std::optional<std::size_t> count_distinct_texts(const ArrayColumn& column, std::size_t enough);
+std::optional<std::size_t> count_distinct_texts(const ColumnSource& column, std::size_t enough);
+
+// Elements of a column of objects or of fixed-width text, taken while it is borrowed.
+class TakenElements {
+  public:
+    void add(const ArrayColumn& column, std::size_t row);
+    // A new array of the column's dtype with these elements. Foreign code; nothing may be borrowed any more.
+    Ref array(const ColumnSource& column);
+
+  private:
+    std::vector<Ref> objects_;
+    std::vector<char> texts_;
+};
+
+// The distinct texts of a column, in the order of first occurrence.
+class DistinctTexts {
+  public:
+    // For a column of this many rows.
+    explicit DistinctTexts(std::size_t rows) : table_(rows) {}
+    // Adds the rows `first` to `last` - 1 for which skip(row) is false. False if one of these is not a text.
+    template <class Skip>
+    bool add(const ArrayColumn& column, std::size_t first, std::size_t last, Skip skip) {
+        if (column.storage == Storage::fixed_text) {
+            return core::add_rows(table_, ArrayTextCells(column), first, last, skip);
+        }
+        if (!core::add_rows(table_, ObjectCells(column), first, last, skip)) return false;
+        // Owned, so that the entries stay valid when the column no longer is borrowed.
+        for (std::size_t i = objects_.size(); i < entries().size(); ++i) {
+            objects_.push_back(Ref::share(column.object(entries()[i].row)));
+        }
+        return true;
+    }
+    // Of fixed-width text the entries view the array's memory; check that it has not changed before reading them.
+    [[nodiscard]] const std::vector<core::DistinctText>& entries() const noexcept { return table_.entries(); }
+    // The object of each entry, for a column of objects.
+    [[nodiscard]] std::vector<Ref>& objects() noexcept { return objects_; }
+
+  private:
+    core::TextTable table_;
+    std::vector<Ref> objects_;
+};
 
 }  // namespace quorin::distinct

@@ -7,10 +7,10 @@ namespace quorin::distinct {
 
 namespace {
 
-// The first whole number that a signed 64-bit integer does not hold.
+// The least whole number that is too large for a signed 64-bit integer.
 constexpr double beyond_64_bits = 9223372036854775808.0;
 
-bool told_apart(const ObjectNumber& left, const ObjectNumber& right) noexcept {
+bool can_be_distinguished(const ObjectNumber& left, const ObjectNumber& right) noexcept {
     return left.type != right.type || left.scalar != right.scalar ||
            std::signbit(left.real) != std::signbit(right.real);
 }
@@ -26,12 +26,12 @@ void ObjectTally::count(std::uint32_t number, std::size_t row, const ObjectNumbe
     Entry& entry = entries_[number];
     ++entry.count;
     entry.types |= bit_of(value.type);
-    entry.alike = entry.alike && !told_apart(entry.number, value);
+    entry.alike = entry.alike && !can_be_distinguished(entry.number, value);
 }
 
-bool ObjectTally::add(std::size_t row) {
-    cells_.prefetch(row + core::prefetch_distance);
-    PyObject* value = column_.object(row);
+bool ObjectTally::add(const ArrayColumn& column, const ObjectCells& cells, std::size_t row) {
+    cells.prefetch(row + core::prefetch_distance);
+    PyObject* value = column.object(row);
     if (value == nullptr) return false;
     // Neighbours are often the same object.
     if (value == last_) {
@@ -39,12 +39,12 @@ bool ObjectTally::add(std::size_t row) {
         return true;
     }
     core::TextView text{};
-    if (cells_.read(row, text) == core::Cell::text) {
+    if (cells.read(row, text) == core::Cell::text) {
         add_text(row, text, false);
     } else if (const ObjectNumber number = object_number_of(value); number.type != NumberType::none) {
-        if (!add_number(row, number)) return false;
+        if (!add_number(value, row, number)) return false;
     } else if (value == Py_None) {
-        add_object(row, number);
+        add_object(value, row, number);
     } else if (is_plain_text(value)) {
         const std::optional<core::TextView> scalar = text_view_of(value);
         if (!scalar) return false;
@@ -56,15 +56,22 @@ bool ObjectTally::add(std::size_t row) {
     return true;
 }
 
-void ObjectTally::add_object(std::size_t row, const ObjectNumber& number) {
-    nulls_ = true;
-    const auto key = reinterpret_cast<std::uintptr_t>(column_.object(row));
-    count(objects_.find_or_add(key, next()), row, number);
+void ObjectTally::hold(const ArrayColumn& column) {
+    for (std::size_t i = held_.size(); i < entries_.size(); ++i) {
+        held_.push_back(Ref::share(column.object(entries_[i].row)));
+    }
+    // Not an entry's object, so it may be freed while foreign code runs.
+    last_ = nullptr;
 }
 
-// A numpy scalar rounds the integers that it is compared with.
-bool ObjectTally::add_number(std::size_t row, const ObjectNumber& number) {
+void ObjectTally::add_object(PyObject* value, std::size_t row, const ObjectNumber& number) {
+    nulls_ = true;
+    count(objects_.find_or_add(reinterpret_cast<std::uintptr_t>(value), next()), row, number);
+}
+
+bool ObjectTally::add_number(PyObject* value, std::size_t row, const ObjectNumber& number) {
     if (number.type == NumberType::large) return false;
+    // numpy rounds the integers that it compares a scalar with.
     scalars_ = scalars_ || number.scalar;
     beyond_exact_ = beyond_exact_ || number.beyond_exact();
     if (scalars_ && beyond_exact_) return false;
@@ -74,7 +81,7 @@ bool ObjectTally::add_number(std::size_t row, const ObjectNumber& number) {
     if (number.type != NumberType::real) {
         count_whole(number.whole);
     } else if (std::isnan(number.real)) {
-        add_object(row, number);
+        add_object(value, row, number);
     } else if (-beyond_64_bits <= number.real && number.real < beyond_64_bits && is_whole(number.real)) {
         count_whole(static_cast<std::int64_t>(number.real));
     } else {

@@ -1,8 +1,7 @@
-// How often the distinct elements of an array of objects occur, in the order in which they first do. Elements are equal
-// as the interpreter has it: 1, 1.0 and True are one, a text is none of them, NaN equals only itself.
+// How often the distinct elements of an array of objects occur, in the order of first occurrence. Elements are equal as
+// Python defines it: 1, 1.0 and True are equal, no text equals a number, NaN equals only itself.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "core/distinct/number_table.hpp"
@@ -17,16 +16,22 @@ class ObjectTally {
     struct Entry {
         std::size_t row;  // of the first occurrence
         npy_intp count;
-        ObjectNumber number;  // of the first occurrence; of type `none` for all that is no number
+        ObjectNumber number;  // of the first occurrence; of type `none` if it is not a number
         std::uint8_t types;   // of all equal elements, a bit for each
-        bool alike;           // whether nothing tells the equal elements apart but their identity
+        bool alike;           // whether the equal elements differ in identity only
     };
 
-    explicit ObjectTally(const ArrayColumn& column) : column_(column), cells_(column), text_table_(column.rows) {}
+    // For a column of this many rows.
+    explicit ObjectTally(std::size_t rows) : text_table_(rows) {}
 
-    // False for an element whose equality is not known here.
-    bool add(std::size_t row);
+    // Counts one row. False for an element whose equality is not known here. `cells` are those of `column`.
+    bool add(const ArrayColumn& column, const ObjectCells& cells, std::size_t row);
+    // Takes the objects of the entries over. Call it while the column still is borrowed: the entries view their texts.
+    void hold(const ArrayColumn& column);
+
     [[nodiscard]] const std::vector<Entry>& entries() const noexcept { return entries_; }
+    // The object of each entry, as far as hold() took them over.
+    [[nodiscard]] std::vector<Ref>& objects() noexcept { return held_; }
     // The texts among the entries, in their order.
     [[nodiscard]] const std::vector<core::DistinctText>& texts() const noexcept { return text_table_.entries(); }
     // Whether None or NaN is among them.
@@ -38,20 +43,19 @@ class ObjectTally {
 
   private:
     void count(std::uint32_t number, std::size_t row, const ObjectNumber& value);
-    bool add_number(std::size_t row, const ObjectNumber& number);
+    bool add_number(PyObject* value, std::size_t row, const ObjectNumber& number);
     void add_text(std::size_t row, core::TextView text, bool scalar);
-    void add_object(std::size_t row, const ObjectNumber& number);
+    void add_object(PyObject* value, std::size_t row, const ObjectNumber& number);
     [[nodiscard]] std::uint32_t next() const noexcept { return static_cast<std::uint32_t>(entries_.size()); }
 
-    ArrayColumn column_;
-    ObjectCells cells_;
     std::vector<Entry> entries_;
+    std::vector<Ref> held_;
     std::vector<std::uint32_t> text_entries_;  // their numbers among the entries
     core::TextTable text_table_;
-    core::NumberTable wholes_;   // whatever their type
-    core::NumberTable others_;   // fractions and what no 64 bits hold as a whole number
-    core::NumberTable objects_;  // None and the NaN, each by itself
-    PyObject* last_ = nullptr;
+    core::NumberTable wholes_;   // of any type
+    core::NumberTable others_;   // fractions, and whole numbers that 64 bits do not hold
+    core::NumberTable objects_;  // None and the NaN, by identity
+    PyObject* last_ = nullptr;   // the element of the row before
     std::uint32_t last_number_ = 0;
     bool nulls_ = false;
     bool scalars_ = false;

@@ -50,7 +50,7 @@ std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_rat
     const std::optional<ArrayColumn> column = single_column(dfc);
     if (!column) return {};
     const std::size_t enough = static_cast<std::size_t>(std::max<long>(most, few_values));
-    const std::optional<std::size_t> uni = distinct::count_distinct_numbers(*column, enough);
+    const std::optional<std::size_t> uni = distinct::count_distinct_numbers(*ColumnSource::single(dfc), enough);
     if (!uni) return {};
     const double r = static_cast<double>(*uni) / static_cast<double>(column->rows);
     if (*uni < static_cast<std::size_t>(most) && r < PyFloat_AS_DOUBLE(uni_ratio.get())) return true;
@@ -68,8 +68,8 @@ Ref native_without(Object y, Object misslist) {
     if (column->storage == Storage::objects) return numbers_without(*column, *markers);
     if (markers->numbers.empty()) return Ref::share(y);
     markers->null_bits = 0;
-    const std::optional<Ref> mask = references::membership_mask(*column, *markers);
-    return mask ? item(y, inverted(*mask)) : Ref();
+    const Ref mask = references::membership_mask(*ColumnSource::single(y), *markers);
+    return mask ? item(y, inverted(mask)) : Ref();
 }
 
 // The values of y that are not in misslist.

@@ -42,9 +42,10 @@ std::optional<std::vector<distinct::DistinctRow>> object_classes(const ArrayColu
     if (first < column.rows && is_exact_text(column.object(first))) {
         if (auto classes = text_classes(column, ObjectCells(column), skip)) return classes;
     }
-    distinct::ObjectTally tally(column);
+    distinct::ObjectTally tally(column.rows);
+    const ObjectCells cells(column);
     for (std::size_t row = first; row < column.rows; ++row) {
-        if (!skip(row) && !tally.add(row)) return std::nullopt;
+        if (!skip(row) && !tally.add(column, cells, row)) return std::nullopt;
     }
     std::vector<distinct::DistinctRow> classes;
     classes.reserve(tally.entries().size());
@@ -130,15 +131,15 @@ Ref element_of(const ArrayColumn& column, std::size_t row) {
 std::optional<std::vector<distinct::DistinctRow>> classes_of(const ArrayColumn& column,
                                                              const references::References& left_out) {
     if (column.rows > core::TextTable::most_rows) return std::nullopt;
-    references::References values = left_out;
-    values.null_bits = 0;
     std::vector<PyObject*> nulls;
-    for (PyObject* value : left_out.objects) {
-        if (is_exact_null(value)) nulls.push_back(value);
+    for (const Ref& value : left_out.objects) {
+        if (is_exact_null(value.get())) nulls.push_back(value.get());
     }
     references::Members by_equality;
     if (nulls.size() < left_out.objects.size()) {
-        std::optional<references::Members> found = references::find_members(column, values);
+        std::optional<references::Members> found =
+            references::find_members(*ColumnSource::single(reinterpret_cast<PyObject*>(column.array)), left_out,
+                                     references::Match::without_nulls);
         if (!found) return std::nullopt;
         by_equality = std::move(*found);
     }

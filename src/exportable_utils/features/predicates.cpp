@@ -26,7 +26,7 @@ constexpr auto guarded = [](Object dfc) -> Ref {
 std::optional<bool> native_several_values(Object dfc) {
     constexpr std::size_t several = 3;
     if (!lookups_unchanged()) return std::nullopt;
-    const std::optional<ArrayColumn> column = single_column(dfc);
+    const std::optional<ColumnSource> column = ColumnSource::single(dfc);
     if (!column) return std::nullopt;
     std::optional<std::size_t> distinct = distinct::count_distinct_texts(*column, several);
     if (!distinct) distinct = distinct::count_distinct_numbers(*column, several);

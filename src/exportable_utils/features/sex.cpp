@@ -44,8 +44,8 @@ constexpr SexWord male = sex_word("male");
 constexpr SexWord female = sex_word("female");
 constexpr SexWord m = sex_word("m");
 constexpr SexWord f = sex_word("f");
-constexpr std::uint32_t long_pair = 0b0011;
-constexpr std::uint32_t short_pair = 0b1100;
+constexpr core::ReferenceBits long_pair = 0b0011;
+constexpr core::ReferenceBits short_pair = 0b1100;
 
 // The bit of the word that a text is, or 0. Which one it is cannot be predicted, and so nothing jumps on it.
 class SexWords {
@@ -53,11 +53,12 @@ class SexWords {
     SexWords() noexcept {
         for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
     }
-    [[nodiscard]] std::uint32_t find(core::TextView text) const noexcept {
+    [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
         if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
         const auto is = [&](const SexWord& word) {
-            return static_cast<std::uint32_t>((characters == word.characters) & (text.length == word.text.size()));
+            return static_cast<core::ReferenceBits>((characters == word.characters) &
+                                                    (text.length == word.text.size()));
         };
         return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
     }
@@ -75,14 +76,14 @@ std::optional<bool> native_sex(Object series) {
     if (!column) return std::nullopt;
     const SexWords words;
     const ObjectCells cells(*column);
-    std::uint32_t found = 0;
+    core::ReferenceBits found = 0;
     bool others = false;
     for (std::size_t row = 0; row < column->rows; ++row) {
         cells.prefetch(row + core::prefetch_distance);
         core::TextView text{};
         const core::Cell cell = cells.read(row, text);
         if (cell == core::Cell::other) return std::nullopt;
-        const std::uint32_t sex = cell == core::Cell::text ? words.find(text) : 0;
+        const core::ReferenceBits sex = cell == core::Cell::text ? words.find(text) : 0;
         found |= sex;
         if (sex != 0) continue;
         if (cell == core::Cell::text && holds_zero(text)) return std::nullopt;

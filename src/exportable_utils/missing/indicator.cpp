@@ -3,8 +3,8 @@
 #include "exportable_utils/missing/missing.hpp"
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::missing {
@@ -50,12 +50,18 @@ Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
 
-// list(mask) of an all-false mask.
+// list(mask) of an all-false mask. Garbage collection does not see the list until it is complete.
 Ref all_false(std::size_t rows) {
+    foreign_code_may_run();
     Ref values = Ref::take(PyList_New(static_cast<Py_ssize_t>(rows)));
-    for (std::size_t row = 0; row < rows; ++row) {
-        PyList_SET_ITEM(values.get(), static_cast<Py_ssize_t>(row), Ref::share(PyArrayScalar_False).give());
-    }
+    PyObject_GC_UnTrack(values.get());
+    in_blocks(rows, [&](std::size_t first, std::size_t last) {
+        for (std::size_t row = first; row < last; ++row) {
+            PyList_SET_ITEM(values.get(), static_cast<Py_ssize_t>(row), Ref::share(PyArrayScalar_False).give());
+        }
+        return true;
+    });
+    PyObject_GC_Track(values.get());
     return values;
 }
 
@@ -70,25 +76,23 @@ Ref cumulated(Object masks) {
     return cum_missing_mask_arr;
 }
 
-// One pass over the column for all markers; the first one that occurs stands for all where one is enough.
-Ref native_indicator(Object X, Object missing_values_list, bool one_is_enough) {
-    if (!lookups_unchanged() || !PyList_CheckExact(missing_values_list.get())) return {};
-    const std::optional<ArrayColumn> column = single_column(X);
-    if (!column) return {};
-    const std::optional<references::References> markers = references::read_references(missing_values_list, *column);
-    if (!markers) return {};
-    const std::optional<references::MarkedRows> found = references::marked_rows(*column, *markers);
-    if (!found) return {};
-    if (found->bits == 0) return tuple({found->mask, all_false(column->rows), list({})});
-    const std::uint32_t counted = one_is_enough ? references::lowest(found->bits) : found->bits;
-    const Ref exist = references::list_of_references(*markers, counted);
-    if (one_is_enough) {
-        const Ref& first = found->masks.front();
-        return tuple({first, list({first}), exist});
+// One pass over the column for all references.
+Ref native_indicator(Object X, Object list_of_values, bool first_only) {
+    const std::optional<ColumnSource> column = ColumnSource::single(X);
+    if (!column || !PyList_CheckExact(list_of_values.get())) return {};
+    const std::optional<references::References> references = references::read_references(list_of_values, *column);
+    if (!references) return {};
+    if (first_only) {
+        const auto found = references::find_members(*column, *references, references::Match::first_only);
+        if (!found) return {};
+        if (found->bits == 0) return tuple({found->mask, all_false(column->rows()), list({})});
+        return tuple({found->mask, list({found->mask}), references::list_of_references(*references, found->bits)});
     }
-    const Ref masks = list({});
-    for (const Ref& mask : found->masks) append(masks, mask);
-    return tuple({found->mask, masks, exist});
+    std::optional<references::MatchedRows> found = references::matched_rows(*column, *references);
+    if (!found) return {};
+    if (found->bits == 0) return tuple({found->mask, all_false(column->rows()), list({})});
+    const Ref masks = list_holding(found->masks);
+    return tuple({found->mask, masks, references::list_of_references(*references, found->bits)});
 }
 
 }  // namespace
@@ -130,8 +134,9 @@ Examples
     .lookups = {"numpy_isin", "np.any", "np.zeros"},
     .body = [](Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) -> Ref {
         if (PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False)) {
-            const bool one_is_enough = stop_at_one_missing_value_flag.is(Py_True);
-            if (Ref answer = native_indicator(X, missing_values_list, one_is_enough)) return answer;
+            const bool first_only = stop_at_one_missing_value_flag.is(Py_True);
+            const auto body = [&] { return native_indicator(X, missing_values_list, first_only); };
+            if (Ref result = native_route(body)) return result;
         }
         if (truth(debug)) {
             print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(first_rows(X, capped_row_count(X))),

@@ -4,8 +4,8 @@
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/errors.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::missing {
@@ -26,23 +26,20 @@ Ref membership_test(Object reference_set) {
     return Ref::take(PyCFunction_New(&membership, reference_set.get()));
 }
 
-// The mask of one flat column, straight from its memory.
-std::optional<Ref> native_indicator_mask(Object reference_set, Object l) {
-    if (!lookups_unchanged()) return std::nullopt;
-    const std::optional<references::References> members = references::read_members(reference_set);
-    if (!members) return std::nullopt;
-    const std::optional<ArrayColumn> column = flat_column(l);
-    if (!column) return std::nullopt;
-    return references::membership_mask(*column, *members);
+Ref native_indicator_mask(Object reference_set, Object l) {
+    const std::optional<ColumnSource> column = ColumnSource::flat(l);
+    if (!column) return {};
+    const std::optional<references::References> references = references::read_members(reference_set);
+    if (!references) return {};
+    return references::membership_mask(*column, *references);
 }
 
-std::optional<Ref> native_isin(Object X, Object values_reference_list) {
-    if (!lookups_unchanged() || !PyList_CheckExact(values_reference_list.get())) return std::nullopt;
-    const std::optional<ArrayColumn> column = single_column(X);
-    if (!column) return std::nullopt;
-    const std::optional<references::References> values = references::read_references(values_reference_list, *column);
-    if (!values || (values->null_bits != 0 && !references::unchanged_by_asarray(*values))) return std::nullopt;
-    return references::membership_mask(*column, *values);
+Ref native_isin(Object X, Object list) {
+    const std::optional<ColumnSource> column = ColumnSource::single(X);
+    if (!column || !PyList_CheckExact(list.get())) return {};
+    const std::optional<references::References> references = references::read_references(list, *column);
+    if (!references || (references->null_bits != 0 && !references::unchanged_by_asarray(*references))) return {};
+    return references::membership_mask(*column, *references);
 }
 
 }  // namespace
@@ -80,7 +77,7 @@ array([False,  True])
     .has_native_route = true,
     .lookups = {"np.vectorize"},
     .body = [](Object reference_set, Object l) -> Ref {
-        if (std::optional<Ref> mask = native_indicator_mask(reference_set, l)) return std::move(*mask);
+        if (Ref mask = native_route([&] { return native_indicator_mask(reference_set, l); })) return mask;
         const Ref is_in_reference = global("np"_py).attr("vectorize"_py)({membership_test(reference_set)},
                                                                          {{"otypes"_py, list({&PyBool_Type})}});
         return is_in_reference({l});
@@ -122,7 +119,7 @@ array([ True,  True, False])
     .lookups = {"numpy_flatten_column", "pd.isnull", "np.any", "np.asarray", "indicator_mask"},
     .body = [](Object X, Object values_reference_list, Object debug) -> Ref {
         if (debug.is(Py_False)) {
-            if (std::optional<Ref> mask = native_isin(X, values_reference_list)) return std::move(*mask);
+            if (Ref mask = native_route([&] { return native_isin(X, values_reference_list); })) return mask;
         }
         Local limit{"limit"_py};
         Local start_time{"start_time"_py};

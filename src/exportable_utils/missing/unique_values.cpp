@@ -4,8 +4,8 @@
 #include "exportable_utils/missing/missing.hpp"
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/errors.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::missing {
@@ -17,23 +17,29 @@ bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// The distinct values that are not on the list, with their counts if they are wanted. Without counts newer releases of
-// numpy find those of floats by another way, where another one of several equal floats may stand for them.
-Ref native_unique(Object y, Object exclusion_list, bool return_counts) {
-    if (!lookups_unchanged()) return {};
-    const std::optional<ArrayColumn> column = flat_column(y);
-    if (!column) return {};
-    const bool floats = column->storage == Storage::float64 || column->storage == Storage::float32;
-    if (floats && !return_counts) return {};
-    const std::optional<references::References> excluded = references::read_references(exclusion_list, *column);
-    if (!excluded || (excluded->null_bits != 0 && !references::unchanged_by_asarray(*excluded))) return {};
-    references::Members left_out;
-    if (!excluded->none()) {
-        std::optional<references::Members> found = references::find_members(*column, *excluded);
-        if (!found) return {};
-        left_out = std::move(*found);
+// Without counts, newer releases of numpy find the distinct floats in another way, which may return another one of
+// several equal floats.
+bool is_known_to_numpy_unique(const ColumnSource& column, bool return_counts) noexcept {
+    return return_counts || !(column.storage() == Storage::float64 || column.storage() == Storage::float32);
+}
+
+// The distinct values that are not in the list, with their counts if wanted. Sets `unsortable` if the values cannot be
+// sorted natively.
+Ref native_unique(Object y, Object exclusion_list, bool return_counts, bool& unsortable) {
+    const std::optional<ColumnSource> column = ColumnSource::flat(y);
+    if (!column || !is_known_to_numpy_unique(*column, return_counts)) return {};
+    references::Members excluded;
+    {
+        const std::optional<references::References> references = references::read_references(exclusion_list, *column);
+        if (!references || (references->null_bits != 0 && !references::unchanged_by_asarray(*references))) return {};
+        if (!references->none()) {
+            std::optional<references::Members> found = references::find_members(*column, *references);
+            if (!found) return {};
+            excluded = std::move(*found);
+        }
     }
-    const auto distinct = distinct::distinct_values(*column, {left_out.mask, left_out.marked});
+    const auto distinct = distinct::distinct_values(*column, {excluded.mask, excluded.marked});
+    unsortable = !distinct;
     if (!distinct) return {};
     if (!return_counts) return Ref::share(distinct->values);
     return tuple({distinct->values, distinct->counts});
@@ -87,18 +93,20 @@ array(['a', 'b'], dtype=object)
                Object fast_str_conversion_flag) -> Ref {
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
-        if (plain_question) {
-            if (Ref result = native_unique(y, exclusion_list, return_counts.is(Py_True))) return result;
-        }
+        // What the native route has found out about the values holds until they are converted to text.
+        bool unsortable = false;
+        const auto unique_natively = [&](Object values, Object excluded) -> Ref {
+            if (!plain_question || unsortable) return {};
+            return native_route([&] { return native_unique(values, excluded, return_counts.is(Py_True), unsortable); });
+        };
+        if (Ref result = unique_natively(y, exclusion_list)) return result;
         Ref y_to_process = Ref::share(y);
         if (truth(exclusion_list)) {
             const Ref included_mask = global("numpy_isin"_py)({y, exclusion_list});
             y_to_process = item(y, inverted(included_mask));
         }
         const auto unique = [&] {
-            if (plain_question) {
-                if (Ref result = native_unique(y_to_process, Py_None, return_counts.is(Py_True))) return result;
-            }
+            if (Ref result = unique_natively(y_to_process, Py_None)) return result;
             return global("np"_py).attr("unique"_py)({y_to_process, return_index, return_inverse, return_counts});
         };
         try {
@@ -111,6 +119,7 @@ array(['a', 'b'], dtype=object)
                 global("logger"_py).attr("warning"_py)({concat({text_of(e), ", Converting to string column"_py})});
                 y_to_process = global("numpy_column_float2str"_py)(
                     {}, {{"X"_py, y_to_process}, {"fast_conversion_flag"_py, fast_str_conversion_flag}});
+                unsortable = false;
                 return unique();
             }
             global("QSR_raise_exception"_py)({}, {{"exception_obj"_py, e}, {"exception_trace_flag"_py, true}});

@@ -4,13 +4,14 @@
 
 namespace quorin::references {
 
-bool is_same_null_listed(PyObject* null, const References& list) noexcept {
-    return std::find(list.objects.begin(), list.objects.end(), null) != list.objects.end();
+bool is_same_null_listed(PyObject* null, const References& references) noexcept {
+    return std::any_of(references.objects.begin(), references.objects.end(),
+                       [null](const Ref& reference) { return reference.is(null); });
 }
 
-std::optional<bool> is_integer_listed(PyObject* integer, const References& list) noexcept {
-    if (list.numbers.empty()) return false;
-    const std::optional<std::uint32_t> bits = list.bits_of_object(object_number_of(integer));
+std::optional<bool> is_integer_listed(PyObject* integer, const References& references) noexcept {
+    if (references.numbers.empty()) return false;
+    const std::optional<ReferenceBits> bits = references.bits_of_object(object_number_of(integer));
     if (!bits) return std::nullopt;
     return *bits != 0;
 }

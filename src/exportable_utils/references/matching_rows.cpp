@@ -1,9 +1,8 @@
 #include "exportable_utils/references/matching_rows.hpp"
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
-#include <cstring>
+#include <utility>
 
 #include "core/column.hpp"
 #include "core/distinct/number_runs.hpp"
@@ -13,56 +12,106 @@ namespace quorin::references {
 
 namespace {
 
+// Bytes of a mask. A mask is an array that only this call knows: its bytes do not move while foreign code runs.
 std::uint8_t* bytes_of(Object mask) noexcept {
     return reinterpret_cast<std::uint8_t*>(PyArray_BYTES(as_array(mask)));
 }
 
-// An all-false mask.
-Ref empty_mask(std::size_t rows) {
-    const npy_intp shape = static_cast<npy_intp>(rows);
-    return Ref::take(PyArray_Zeros(1, &shape, PyArray_DescrFromType(NPY_BOOL), 0));
-}
+// Which references each row equals, as a number in a byte: 0 if none. Equality divides the references into classes, so
+// that the references of two rows are the same or have nothing in common:
+//     bits(row) == classes[codes[row] - 1], for all rows with codes[row] != 0.
+class RowCodes {
+  public:
+    explicit RowCodes(std::uint8_t* codes) noexcept : codes_(codes) {}
+    void set(std::size_t row, ReferenceBits bits) noexcept {
+        const auto code = static_cast<std::size_t>(std::countr_zero(bits));
+        classes_[code] = bits;
+        bits_ |= bits;
+        codes_[row] = static_cast<std::uint8_t>(code + 1);
+        ++marked_;
+    }
+    // Codes written by other means: `nulls` rows more are 1, and `bits` is the one class.
+    void add_only_class(ReferenceBits bits, std::size_t nulls) noexcept {
+        if (nulls == 0) return;
+        classes_[0] = bits;
+        bits_ = bits;
+        marked_ += nulls;
+        only_class_ = true;
+    }
+    [[nodiscard]] std::uint8_t* codes() const noexcept { return codes_; }
+    [[nodiscard]] ReferenceBits bits() const noexcept { return bits_; }
+    [[nodiscard]] std::size_t marked() const noexcept { return marked_; }
+    // Whether all codes are 0 or 1, which are the bytes of a mask.
+    [[nodiscard]] bool are_mask() const noexcept {
+        return marked_ == 0 || only_class_ || ((bits_ & 1U) != 0 && classes_[0] == bits_);
+    }
+    // The code of the rows that equal one reference, given by its bit.
+    [[nodiscard]] std::uint8_t code_of(ReferenceBits bit) const noexcept {
+        if (only_class_) return 1;
+        ReferenceBits left = bits_;
+        while (true) {
+            const auto code = static_cast<std::size_t>(std::countr_zero(left));
+            if ((classes_[code] & bit) != 0) return static_cast<std::uint8_t>(code + 1);
+            left &= ~classes_[code];
+        }
+    }
 
-// An element that is neither text nor null nor Python's own number: a numpy scalar that equals and hashes as they do.
-std::optional<std::uint32_t> bits_of_other(PyObject* value, const References& values) noexcept {
+  private:
+    std::uint8_t* codes_;
+    std::array<ReferenceBits, core::most_references> classes_;
+    ReferenceBits bits_ = 0;
+    std::size_t marked_ = 0;
+    bool only_class_ = false;
+};
+
+// What an element may equal: `null_bits` are 0 if nulls do not match.
+struct Wanted {
+    const References& references;
+    ReferenceBits null_bits;
+};
+
+// Of an element that is not a str, not null and not an exact number: a numpy scalar that equals and hashes as these do.
+std::optional<ReferenceBits> bits_of_other(PyObject* value, const Wanted& wanted) noexcept {
+    const References& references = wanted.references;
     if (value == nullptr) return std::nullopt;
     const ObjectNumber number = object_number_of(value);
     if (number.type == NumberType::none) {
         if (!is_plain_text(value)) return std::nullopt;
         const std::optional<core::TextView> text = text_view_of(value);
         if (!text) return std::nullopt;
-        return values.bits_of_texts(values.texts.find(*text));
+        return references.bits_of_texts(references.texts.find(*text));
     }
-    if (std::isnan(number.real)) return values.null_bits;
-    if (values.numbers.empty()) return 0;
-    // A numpy scalar rounds the integers that it is compared with.
+    if (std::isnan(number.real)) return wanted.null_bits;
+    if (references.numbers.empty()) return 0;
+    // numpy rounds the integers that it compares a scalar with.
     if (number.scalar && number.beyond_exact()) return std::nullopt;
-    return values.bits_of_object(number);
+    return references.bits_of_object(number);
 }
 
-// Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
+// Each of these calls on_match(row, bits) for the rows that equal a reference, and returns false to give up.
 
 template <class OnMatch>
-bool match_objects(const ArrayColumn& column, const References& values, OnMatch on_match) {
+bool match_objects(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
+    const References& references = wanted.references;
     const ObjectCells cells(column);
-    const bool numbers = !values.numbers.empty();
+    const bool numbers = !references.numbers.empty();
     for (std::size_t row = 0; row < column.rows; ++row) {
         cells.prefetch(row + core::prefetch_distance);
         core::TextView text{};
         switch (cells.read(row, text)) {
             case core::Cell::text:
-                if (const std::uint32_t found = values.texts.find(text); found != 0) {
-                    on_match(row, values.bits_of_texts(found));
+                if (const ReferenceBits found = references.texts.find(text); found != 0) {
+                    on_match(row, references.bits_of_texts(found));
                 }
                 break;
             case core::Cell::null:
-                if (values.null_bits != 0) on_match(row, values.null_bits);
+                if (wanted.null_bits != 0) on_match(row, wanted.null_bits);
                 break;
             case core::Cell::other: {
                 PyObject* value = column.object(row);
-                // Plain numbers equal no text.
+                // Exact numbers equal no text.
                 if (!numbers && value != nullptr && (PyLong_CheckExact(value) || PyFloat_CheckExact(value))) break;
-                const std::optional<std::uint32_t> bits = bits_of_other(value, values);
+                const std::optional<ReferenceBits> bits = bits_of_other(value, wanted);
                 if (!bits) return false;
                 if (*bits != 0) on_match(row, *bits);
                 break;
@@ -73,50 +122,50 @@ bool match_objects(const ArrayColumn& column, const References& values, OnMatch 
 }
 
 template <class OnMatch>
-bool match_fixed_texts(const ArrayColumn& column, const References& values, OnMatch on_match) {
+bool match_fixed_texts(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
+    const References& references = wanted.references;
     const ArrayTextCells cells(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
-        if (cells.longer_than(row, values.texts.longest())) continue;
+        if (cells.longer_than(row, references.texts.longest())) continue;
         core::TextView text{};
         cells.read(row, text);
-        if (const std::uint32_t found = values.texts.find(text); found != 0) {
-            on_match(row, values.bits_of_texts(found));
+        if (const ReferenceBits found = references.texts.find(text); found != 0) {
+            on_match(row, references.bits_of_texts(found));
         }
     }
     return true;
 }
 
 template <class Float, class OnMatch>
-bool match_floats(const ArrayColumn& column, const References& values, OnMatch on_match) {
-    if (values.null_bits == 0 && values.numbers.empty()) return true;
+bool match_floats(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
+    if (wanted.null_bits == 0 && wanted.references.numbers.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const double value = static_cast<double>(core::load<Float>(column, row));
-        const std::uint32_t bits = std::isnan(value) ? values.null_bits : values.bits_of_number(value);
+        const ReferenceBits bits = std::isnan(value) ? wanted.null_bits : wanted.references.bits_of_number(value);
         if (bits != 0) on_match(row, bits);
     }
     return true;
 }
 
-// Only whole reference values can be equal to an integer, and they are compared as integers, so that no element is
-// rounded on the way.
+// Only whole references equal an integer. They are compared as integers, so that no element is rounded.
 template <class Integer, class OnMatch>
-bool match_integers(const ArrayColumn& column, const References& values, OnMatch on_match) {
+bool match_integers(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
     struct Whole {
         long long value;
-        std::uint32_t bit;
+        ReferenceBits bit;
     };
-    std::vector<Whole> whole_values;
-    for (const References::Number& number : values.numbers) {
+    core::InplaceVector<Whole, core::most_references> whole_references;
+    for (const References::Number& number : wanted.references.numbers) {
         if (!is_whole(number.value)) continue;
         if (std::fabs(number.value) > exact_limit) return false;
-        whole_values.push_back({static_cast<long long>(number.value), number.bit});
+        whole_references.push_back({static_cast<long long>(number.value), number.bit});
     }
-    if (whole_values.empty()) return true;
+    if (whole_references.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
-        const auto value = +core::load<Integer>(column, row);  // a boolean is compared as the number that it is
-        std::uint32_t bits = 0;
-        for (const Whole& whole_value : whole_values) {
-            if (std::cmp_equal(value, whole_value.value)) bits |= whole_value.bit;
+        const auto value = +core::load<Integer>(column, row);  // a boolean is compared as 0 or 1
+        ReferenceBits bits = 0;
+        for (const Whole& whole : whole_references) {
+            if (std::cmp_equal(value, whole.value)) bits |= whole.bit;
         }
         if (bits != 0) on_match(row, bits);
     }
@@ -124,121 +173,133 @@ bool match_integers(const ArrayColumn& column, const References& values, OnMatch
 }
 
 template <class OnMatch>
-bool match_rows(const ArrayColumn& column, const References& values, OnMatch on_match) {
-    if (column.storage == Storage::objects) return match_objects(column, values, on_match);
-    if (column.storage == Storage::fixed_text) return match_fixed_texts(column, values, on_match);
+bool match_rows(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
+    if (column.storage == Storage::objects) return match_objects(column, wanted, on_match);
+    if (column.storage == Storage::fixed_text) return match_fixed_texts(column, wanted, on_match);
     return core::with_number_type(column, [&](auto type) {
         using Number = decltype(type);
         if constexpr (std::is_floating_point_v<Number>) {
-            return match_floats<Number>(column, values, on_match);
+            return match_floats<Number>(column, wanted, on_match);
         } else {
-            return match_integers<Number>(column, values, on_match);
+            return match_integers<Number>(column, wanted, on_match);
         }
     });
 }
 
-bool is_float(const ArrayColumn& column) noexcept {
-    return column.storage == Storage::float64 || column.storage == Storage::float32;
+bool is_float(Storage storage) noexcept {
+    return storage == Storage::float64 || storage == Storage::float32;
 }
 
-bool can_only_be_null(const ArrayColumn& column, const References& values) noexcept {
-    return is_float(column) && values.numbers.empty();
-}
-
-// The rows that hold NaN.
-Members null_rows(const ArrayColumn& column, std::uint32_t bits) {
-    Members found{new_array(column.rows, NPY_BOOL)};
+std::size_t mark_nulls(const ArrayColumn& column, std::uint8_t* mask) noexcept {
     const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
-    found.marked = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(found.mask)));
-    if (found.marked != 0) found.bits = bits;
+    return mark(column.data, column.stride, column.rows, reinterpret_cast<char*>(mask));
+}
+
+struct CodedRows {
+    explicit CodedRows(Ref array) noexcept : mask(std::move(array)), codes(bytes_of(mask)) {}
+    Ref mask;  // holds the codes
+    RowCodes codes;
+};
+
+// The rows of a column of floats that are NaN.
+bool find_null_codes(const ColumnSource& column, ReferenceBits null_bits, RowCodes& codes) {
+    return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
+        codes.add_only_class(null_bits, mark_nulls(rows_of(rows, first, last), codes.codes() + first));
+        return true;
+    });
+}
+
+bool find_row_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& codes) {
+    return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
+        const auto on_match = [&](std::size_t row, ReferenceBits bits) { codes.set(first + row, bits); };
+        return match_rows(rows_of(rows, first, last), wanted, on_match);
+    });
+}
+
+std::optional<CodedRows> find_codes(const ColumnSource& column, const Wanted& wanted) {
+    std::optional<CodedRows> found;
+    if (is_float(column.storage()) && wanted.references.numbers.empty() && wanted.null_bits != 0) {
+        found.emplace(new_array(column.rows(), NPY_BOOL));
+        if (!find_null_codes(column, wanted.null_bits, found->codes)) found.reset();
+    } else {
+        found.emplace(new_zeros(column.rows(), NPY_BOOL));
+        if (!find_row_codes(column, wanted, found->codes)) found.reset();
+    }
     return found;
 }
 
-std::optional<Members> first_members(const ArrayColumn& column, const References& values) {
-    std::optional<MarkedRows> found = marked_rows(column, values);
-    if (!found) return std::nullopt;
-    if (found->bits == 0) return Members{std::move(found->mask)};
-    Members first{std::move(found->masks.front()), lowest(found->bits)};
-    first.marked = core::count_marked(PyArray_BYTES(as_array(first.mask)), column.rows);
-    return first;
+// Turns codes into a mask, or into the mask of one code. Blocks: `out` may be `codes`.
+template <class Marks>
+std::size_t write_mask(const std::uint8_t* codes, std::size_t rows, std::uint8_t* out, Marks marks) {
+    std::size_t marked = 0;
+    in_blocks(rows, [&](std::size_t first, std::size_t last) {
+        for (std::size_t row = first; row < last; ++row) {
+            const bool mark = marks(codes[row]);
+            out[row] = static_cast<std::uint8_t>(mark);
+            marked += static_cast<std::size_t>(mark);
+        }
+        return true;
+    });
+    return marked;
+}
+
+std::size_t write_code_mask(const std::uint8_t* codes, std::size_t rows, std::uint8_t code, std::uint8_t* out) {
+    return write_mask(codes, rows, out, [code](std::uint8_t other) { return other == code; });
+}
+
+void codes_to_mask(const RowCodes& codes, std::size_t rows) {
+    if (codes.are_mask()) return;
+    write_mask(codes.codes(), rows, codes.codes(), [](std::uint8_t code) { return code != 0; });
 }
 
 }  // namespace
 
-std::optional<Members> find_members(const ArrayColumn& column, const References& values, bool first_only) {
-    if (can_only_be_null(column, values) && values.null_bits != 0) {
-        return null_rows(column, first_only ? lowest(values.null_bits) : values.null_bits);
+std::optional<Members> find_members(const ColumnSource& column, const References& references, Match match) {
+    std::optional<Members> members;
+    const ReferenceBits null_bits = match == Match::without_nulls ? 0 : references.null_bits;
+    std::optional<CodedRows> found = find_codes(column, {references, null_bits});
+    if (!found) return members;
+    const RowCodes& codes = found->codes;
+    members.emplace();
+    members->bits = codes.bits();
+    members->marked = codes.marked();
+    if (match == Match::first_only) members->bits = first_bit(codes.bits());
+    if (match == Match::first_only && !codes.are_mask()) {
+        members->marked = write_code_mask(codes.codes(), column.rows(), codes.code_of(members->bits), codes.codes());
+    } else {
+        codes_to_mask(codes, column.rows());
     }
-    if (first_only) return first_members(column, values);
-    Members found{empty_mask(column.rows)};
-    std::uint8_t* out = bytes_of(found.mask);
-    const auto on_match = [&](std::size_t row, std::uint32_t bits) {
-        out[row] = 1;
-        found.bits |= bits;
-        ++found.marked;
-    };
-    if (!match_rows(column, values, on_match)) return std::nullopt;
-    return found;
+    members->mask = std::move(found->mask);
+    return members;
 }
 
-std::optional<std::size_t> mark_members(const ArrayColumn& column, const References& values, std::uint8_t* out) {
-    if (can_only_be_null(column, values) && values.null_bits != 0) {
-        const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
-        return mark(column.data, column.stride, column.rows, reinterpret_cast<char*>(out));
-    }
-    std::size_t marked = 0;
-    const auto on_match = [&](std::size_t row, std::uint32_t) {
-        out[row] = 1;
-        ++marked;
-    };
-    if (!match_rows(column, values, on_match)) return std::nullopt;
-    return marked;
+std::optional<Members> find_nulls(const ColumnSource& column) {
+    References null;
+    null.null_bits = 1;
+    return find_members(column, null);
 }
 
-std::optional<Ref> membership_mask(const ArrayColumn& column, const References& values) {
-    std::optional<Members> found = find_members(column, values);
-    if (!found) return std::nullopt;
-    return std::move(found->mask);
+Ref membership_mask(const ColumnSource& column, const References& references, Match match) {
+    std::optional<Members> members = find_members(column, references, match);
+    return members ? std::move(members->mask) : Ref();
 }
 
-std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const References& values) {
-    MarkedRows found;
-    if (can_only_be_null(column, values) && std::has_single_bit(values.null_bits)) {
-        Members nulls = null_rows(column, values.null_bits);
-        found.bits = nulls.bits;
-        if (nulls.bits != 0) found.masks.push_back(Ref::share(nulls.mask));
-        found.mask = std::move(nulls.mask);
-        return found;
+std::optional<MatchedRows> matched_rows(const ColumnSource& column, const References& references) {
+    std::optional<MatchedRows> rows;
+    std::optional<CodedRows> found = find_codes(column, {references, references.null_bits});
+    if (!found) return rows;
+    const RowCodes& codes = found->codes;
+    rows.emplace();
+    rows->bits = codes.bits();
+    for (ReferenceBits left = rows->bits; left != 0 && !std::has_single_bit(rows->bits); left &= left - 1) {
+        Ref mask = new_array(column.rows(), NPY_BOOL);
+        write_code_mask(codes.codes(), column.rows(), codes.code_of(first_bit(left)), bytes_of(mask));
+        rows->masks.push_back(std::move(mask));
     }
-    std::array<Ref, core::most_references> masks;
-    std::array<std::uint8_t*, core::most_references> outs{};
-    const auto on_match = [&](std::size_t row, std::uint32_t bits) {
-        for (; bits != 0; bits &= bits - 1) {
-            const auto i = static_cast<std::size_t>(std::countr_zero(bits));
-            if (outs[i] == nullptr) {
-                masks[i] = empty_mask(column.rows);
-                outs[i] = bytes_of(masks[i]);
-            }
-            outs[i][row] = 1;
-        }
-    };
-    if (!match_rows(column, values, on_match)) return std::nullopt;
-    for (std::size_t i = 0; i < masks.size(); ++i) {
-        if (!masks[i]) continue;
-        found.bits |= 1U << i;
-        found.masks.push_back(std::move(masks[i]));
-    }
-    if (found.masks.size() == 1) {
-        found.mask = Ref::share(found.masks.front());
-        return found;
-    }
-    found.mask = empty_mask(column.rows);
-    std::uint8_t* all = bytes_of(found.mask);
-    for (const Ref& mask : found.masks) {
-        const std::uint8_t* one = bytes_of(mask);
-        for (std::size_t row = 0; row < column.rows; ++row) all[row] |= one[row];
-    }
-    return found;
+    codes_to_mask(codes, column.rows());
+    if (std::has_single_bit(rows->bits)) rows->masks.push_back(Ref::share(found->mask));
+    rows->mask = std::move(found->mask);
+    return rows;
 }
 
 }  // namespace quorin::references

@@ -8,33 +8,39 @@
 
 namespace quorin::references {
 
-// The rows that equal any of the values.
+enum class Match {
+    all,
+    first_only,    // only the first reference of the list that occurs
+    without_nulls  // all that are not null
+};
+
+// The rows that equal any of the references.
 struct Members {
-    Ref mask;                // of shape (n,)
-    std::uint32_t bits = 0;  // of the values that occur
+    Ref mask;                // of bool, shape (n,)
+    ReferenceBits bits = 0;  // of the references that occur
     std::size_t marked = 0;  // rows that the mask marks
 };
-// Nothing where an element is of no known kind. With `first_only` the first value of the list that occurs stands for
-// all of them.
-std::optional<Members> find_members(const ArrayColumn& column, const References& values, bool first_only = false);
+// Allocates the mask, then borrows the column block by block. Foreign code may run: nothing may be borrowed by the
+// caller. Nothing if an element is of no known type, or if the column changes meanwhile.
+std::optional<Members> find_members(const ColumnSource& column, const References& references, Match match = Match::all);
 
-// Writes 1 for each row that equals a value into `out`, which is a byte for each row and 0 before. Allocates no array,
-// so the column may stay borrowed. Returns how many rows that are.
-std::optional<std::size_t> mark_members(const ArrayColumn& column, const References& values, std::uint8_t* out);
+// The rows that are null.
+std::optional<Members> find_nulls(const ColumnSource& column);
 
-// Their mask.
-std::optional<Ref> membership_mask(const ArrayColumn& column, const References& values);
+// The mask of find_members(), or an empty Ref.
+Ref membership_mask(const ColumnSource& column, const References& references, Match match = Match::all);
 
-// The rows of each value by itself, and of all of them together.
-struct MarkedRows {
-    Ref mask;                // where only one value occurs, the mask of that value itself
-    std::vector<Ref> masks;  // one for each value that occurs, in the order of the list
-    std::uint32_t bits = 0;  // of the values that occur
+// The rows of each reference that occurs, and of all of them together.
+struct MatchedRows {
+    Ref mask;                // if only one reference occurs, the mask of that reference itself
+    std::vector<Ref> masks;  // one for each reference that occurs, in the order of the list
+    ReferenceBits bits = 0;  // of the references that occur
 };
-std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const References& values);
+// As find_members(): foreign code may run.
+std::optional<MatchedRows> matched_rows(const ColumnSource& column, const References& references);
 
-// The bit of the first of these values.
-constexpr std::uint32_t lowest(std::uint32_t bits) noexcept {
+// The bit of the first of these references.
+constexpr ReferenceBits first_bit(ReferenceBits bits) noexcept {
     return bits & (~bits + 1U);
 }
 

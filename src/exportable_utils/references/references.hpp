@@ -1,54 +1,97 @@
-// A list of missing-value markers or of other reference values, read for native routes.
+// Reference values: the values of a list that the cells of a column are compared with, such as missing-value markers.
 #pragma once
 
+#include <array>
+#include <bit>
+#include <memory>
 #include <optional>
 #include <vector>
 
 #include "core/inplace_vector.hpp"
-#include "python/inputs/array_column.hpp"
+#include "core/references/reference_texts.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
 
 namespace quorin::references {
 
-// Every marker of the list has a bit of its own, counted from the first.
+using core::ReferenceBits;
+
+// The objects of a list, owned, in its order. Room that is not used is not initialised.
+class OwnedObjects {
+  public:
+    OwnedObjects() noexcept {}  // NOLINT(*-use-equals-default): the union has no active member yet
+    OwnedObjects(OwnedObjects&& other) noexcept { take(other); }
+    OwnedObjects& operator=(OwnedObjects&& other) noexcept {
+        if (this == &other) return *this;
+        clear();
+        take(other);
+        return *this;
+    }
+    OwnedObjects(const OwnedObjects&) = delete;
+    OwnedObjects& operator=(const OwnedObjects&) = delete;
+    ~OwnedObjects() { clear(); }
+
+    void push_back(Object object) noexcept { std::construct_at(&objects_[size_++], Ref::share(object)); }
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
+    [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
+    [[nodiscard]] const Ref& operator[](std::size_t i) const noexcept { return objects_[i]; }
+    [[nodiscard]] const Ref* begin() const noexcept { return objects_.data(); }
+    [[nodiscard]] const Ref* end() const noexcept { return objects_.data() + size_; }
+
+  private:
+    void take(OwnedObjects& other) noexcept {
+        for (; size_ < other.size_; ++size_) std::construct_at(&objects_[size_], std::move(other.objects_[size_]));
+        other.clear();
+    }
+    void clear() noexcept {
+        std::destroy_n(objects_.data(), size_);
+        size_ = 0;
+    }
+
+    std::size_t size_ = 0;
+    union {
+        std::array<Ref, core::most_references> objects_;
+    };
+};
+
+// Reference i of the list has the bit 1 << i. The objects are owned, so that the texts stay valid while foreign code
+// runs. Only exact str, float, int, bool, None and elements of fixed-width text arrays are held: their end runs no
+// foreign code, so that References may also end while a column is borrowed.
 struct References {
     struct Number {
-        double value;  // a marker that is an integer is exact here, or there would be no `References`
-        std::uint32_t bit;
+        double value;  // exact, also of an integer
+        ReferenceBits bit;
     };
-    References() noexcept {}  // NOLINT(*-use-equals-default): one that the compiler made would fill all room with zeros
-    core::InplaceVector<PyObject*, core::most_references> objects;
+    References() noexcept {}  // NOLINT(*-use-equals-default): a default one would initialise all room
+    OwnedObjects objects;
     core::ReferenceTexts texts;
-    core::InplaceVector<std::uint32_t, core::most_references> text_bits;  // of the texts of the set, in its order
-    std::uint32_t null_bits = 0;
+    core::InplaceVector<ReferenceBits, core::most_references> text_bits;  // of each text in `texts`
+    ReferenceBits null_bits = 0;
     core::InplaceVector<Number, core::most_references> numbers;
 
     [[nodiscard]] bool none() const noexcept { return objects.empty(); }
-    // From the bits of the set to those of the list.
-    [[nodiscard]] std::uint32_t bits_of_texts(std::uint32_t found) const noexcept {
-        std::uint32_t bits = 0;
-        for (std::size_t i = 0; found >> i != 0; ++i) {
-            if ((found >> i & 1U) != 0) bits |= text_bits[i];
-        }
+    // Turns bits of `texts` into bits of the list.
+    [[nodiscard]] ReferenceBits bits_of_texts(ReferenceBits found) const noexcept {
+        ReferenceBits bits = 0;
+        for (; found != 0; found &= found - 1) bits |= text_bits[static_cast<std::size_t>(std::countr_zero(found))];
         return bits;
     }
-    [[nodiscard]] std::uint32_t bits_of_number(double value) const noexcept {
-        std::uint32_t bits = 0;
+    [[nodiscard]] ReferenceBits bits_of_number(double value) const noexcept {
+        ReferenceBits bits = 0;
         for (const Number& number : numbers) {
             if (number.value == value) bits |= number.bit;
         }
         return bits;
     }
-    // Of an object that is not NaN. Nothing where a float is compared with an integer that a 64-bit float
-    // might not hold.
-    [[nodiscard]] std::optional<std::uint32_t> bits_of_object(const ObjectNumber& number) const noexcept {
+    // Of a number that is not NaN. Nothing for an integer that a 64-bit float may not hold, if a reference is as large.
+    [[nodiscard]] std::optional<ReferenceBits> bits_of_object(const ObjectNumber& number) const noexcept {
         if (number.type == NumberType::none) return 0;
         if (number.type == NumberType::real) return bits_of_number(number.real);
         if (!number.beyond_exact()) return bits_of_number(static_cast<double>(number.whole));
         if (beyond_exact()) return std::nullopt;
         return 0;
     }
-    // Whether any marker is so large that an integer that is not exact as a 64-bit float might equal it.
+    // Whether a reference is so large that an integer that is not exact as a 64-bit float may equal it.
     [[nodiscard]] bool beyond_exact() const noexcept {
         for (const Number& number : numbers) {
             if (std::fabs(number.value) >= exact_limit) return true;
@@ -57,23 +100,30 @@ struct References {
     }
 };
 
-// Nothing for any list but None and an exact list of texts, nulls and plain numbers.
+// Reads None or an exact list of at most `most_references` texts, nulls and exact numbers; nothing for any other list.
+// Runs no foreign code.
 std::optional<References> read_references(Object list);
 
-// As far as they matter to this column: no number equals a text, so that the texts cost next to nothing there.
-std::optional<References> read_references(Object list, const ArrayColumn& column);
+// The same for a column of this storage. The texts of the list are skipped if no element can equal a text.
+std::optional<References> read_references(Object list, Storage storage);
+inline std::optional<References> read_references(Object list, const ColumnSource& column) {
+    return read_references(list, column.storage());
+}
+inline std::optional<References> read_references(Object list, const ArrayColumn& column) {
+    return read_references(list, column.storage);
+}
 
-// The same for the members of an exact set without nulls, which match nothing there but themselves.
+// The same for the members of an exact set. Nothing if one of them is a null, which equals only itself in a set.
 std::optional<References> read_members(Object set);
 
-// Whether numpy.asarray() leaves the values that are not null as they are when it makes one array of the list: it turns
-// numbers beside texts into texts, and texts lose zeros at their end.
-bool unchanged_by_asarray(const References& markers) noexcept;
+// Whether numpy.asarray() does not change the references that are not null. It turns numbers beside texts into texts,
+// and it removes zeros at the end of a text.
+bool unchanged_by_asarray(const References& references) noexcept;
 
-// The markers of these bits, held: from here on foreign code may take them out of their list.
-std::vector<Ref> held(const References& markers, std::uint32_t bits);
+// The references of these bits in the order of the list.
+std::vector<Ref> held(const References& references, ReferenceBits bits);
 
 // The same as a new list.
-Ref list_of_references(const References& markers, std::uint32_t bits);
+Ref list_of_references(const References& references, ReferenceBits bits);
 
 }  // namespace quorin::references

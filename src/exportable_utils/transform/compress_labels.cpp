@@ -11,7 +11,7 @@
 #include "core/text/digest.hpp"
 #include "core/text/label_text.hpp"
 #include "exportable_utils/references/list_membership.hpp"
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_slots.hpp"
 #include "python/module_names.hpp"
 #include "python/native_route.hpp"
@@ -213,24 +213,26 @@ class Compression {
 
     bool prepare() {
         if (!PyUnicode_CheckExact(compress_type_.get()) || !PyList_CheckExact(misslist_.get())) return false;
-        const std::optional<core::Column> memory = writable_memory(X_);
-        if (!memory) return false;
-        memory_ = *memory;
-        if (memory_.storage != Storage::objects && memory_.storage != Storage::fixed_text) return false;
+        source_ = ColumnSource::flat_writable(X_);
+        if (!source_) return false;
+        const bool objects = source_->storage() == Storage::objects;
+        if (!objects && source_->storage() != Storage::fixed_text) return false;
         missing_ = references::read_references(misslist_);
         if (!missing_) return false;
         rules_.emplace(*missing_, compress_type_);
         if (rules_->digests()) try_digest();
-        if (memory_.storage == Storage::objects) objects_.emplace(*rules_, memory_.rows);
-        return in_column_blocks(X_, memory_, [&](const ArrayColumn& part, std::size_t /*first*/) {
+        if (objects) objects_.emplace(*rules_, source_->rows());
+        return source_->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            const ArrayColumn part = rows_of(column, first, last);
             return objects_ ? objects_->add(part) : all_encodable(part);
         });
     }
 
     void write() {
         std::size_t done = 0;
-        in_column_blocks(X_, memory_, [&](const ArrayColumn& part, std::size_t first) {
-            if (PyArray_ISWRITEABLE(part.array) == 0) return false;
+        source_->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            if (PyArray_ISWRITEABLE(column.array) == 0) return false;
+            const ArrayColumn part = rows_of(column, first, last);
             if (objects_) {
                 objects_->put_into(part, first);
             } else {
@@ -238,10 +240,10 @@ class Compression {
                 if (first != 0 && !all_encodable(part)) return false;
                 compress_in_place(part, *rules_);
             }
-            done = first + part.rows;
+            done = last;
             return true;
         });
-        if (done != memory_.rows) write_slowly(done);
+        if (done != source_->rows()) write_slowly(done);
     }
 
   private:
@@ -251,14 +253,14 @@ class Compression {
             objects_->assign_to(X_, first);
             return;
         }
-        for (auto row = static_cast<Py_ssize_t>(first); row < static_cast<Py_ssize_t>(memory_.rows); ++row) {
+        for (auto row = static_cast<Py_ssize_t>(first); row < static_cast<Py_ssize_t>(source_->rows()); ++row) {
             compress_row(X_, row, item(X_, row), misslist_, compress_type_);
         }
     }
     Object X_;
     Object misslist_;
     Object compress_type_;
-    core::Column memory_{};
+    std::optional<ColumnSource> source_;
     std::optional<References> missing_;
     std::optional<Rules> rules_;
     std::optional<CompressedObjects> objects_;

@@ -6,7 +6,7 @@
 #include <type_traits>
 
 #include "core/column.hpp"
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_slots.hpp"
 #include "python/new_text.hpp"
 
@@ -17,16 +17,16 @@ namespace {
 // The rows of one column that are copied together, and where to.
 struct Part {
     ArrayColumn column;
-    const char* mask;
+    Mask mask;
     char* out;  // the place of the first row
     std::ptrdiff_t out_stride;
 };
 
 template <class ObjectAt>
 void write(const Part& part, const Replacement& replacement, ObjectAt object_at) {
-    const char* mask = part.mask;
+    const char* mask = part.mask.first;
     char* out = part.out;
-    for (std::size_t row = 0; row < part.column.rows; ++row, mask += replacement.stride, out += part.out_stride) {
+    for (std::size_t row = 0; row < part.column.rows; ++row, mask += part.mask.stride, out += part.out_stride) {
         const bool replaced = (*mask != 0) != replacement.inverted;
         Ref object = replaced ? Ref::share(replacement.filling) : object_at(row);
         *reinterpret_cast<PyObject**>(out) = object.give();
@@ -99,17 +99,13 @@ std::optional<Table> open_table(Object X) noexcept {
     if (dimensions != 1 && dimensions != 2) return std::nullopt;
     const std::optional<ArrayColumn> first = first_column(X);
     if (!first) return std::nullopt;
-    if (dimensions == 1) return Table{*first, 0, 1};
-    return Table{*first, PyArray_STRIDE(array, 1), static_cast<std::size_t>(PyArray_DIM(array, 1))};
+    if (dimensions == 1) return Table{*first, 0, 1, 1};
+    return Table{*first, PyArray_STRIDE(array, 1), static_cast<std::size_t>(PyArray_DIM(array, 1)), 2};
 }
 
-Ref new_objects_like(Object X) {
-    PyArrayObject* array = as_array(X);
-    // Copied, because the array may be given another shape during the allocation.
-    std::array<npy_intp, 2> shape{};
-    const auto dimensions = static_cast<std::size_t>(PyArray_NDIM(array));
-    std::copy_n(PyArray_DIMS(array), dimensions, shape.begin());
-    return new_objects(std::span(shape).first(dimensions));
+Ref new_objects_like(const TableMemory& memory) {
+    const std::array<npy_intp, 2> shape{static_cast<npy_intp>(memory.first.rows), static_cast<npy_intp>(memory.width)};
+    return new_objects(std::span(shape).first(static_cast<std::size_t>(memory.dimensions)));
 }
 
 void write_rows(const Table& table, const Replacement& replacement, Object Y, std::size_t first, std::size_t last) {
@@ -118,12 +114,13 @@ void write_rows(const Table& table, const Replacement& replacement, Object Y, st
     for (std::size_t row = first; row < last; row += step) {
         const auto offset = static_cast<std::ptrdiff_t>(row);
         for (std::size_t j = 0; j < table.width; ++j) {
-            const auto column = static_cast<std::ptrdiff_t>(j);
-            const Part part{rows_of(table.column(j), row, std::min(last, row + step)),
-                            replacement.mask + offset * replacement.stride + column * replacement.column_stride,
-                            PyArray_BYTES(as_array(Y)) + offset * row_size + column * npy_intp{sizeof(PyObject*)},
-                            row_size};
-            write_part(part, replacement);
+            const Mask& mask = replacement.masks[j];
+            char* out = PyArray_BYTES(as_array(Y)) + offset * row_size + static_cast<npy_intp>(j * sizeof(PyObject*));
+            write_part({rows_of(table.column(j), row, std::min(last, row + step)),
+                        {mask.first + offset * mask.stride, mask.stride},
+                        out,
+                        row_size},
+                       replacement);
         }
     }
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 
 #include "python/inputs/array_column.hpp"
 
@@ -13,6 +14,7 @@ struct TableMemory {
     core::Column first;  // the first column
     std::ptrdiff_t column_stride = 0;
     std::size_t width = 1;
+    int dimensions = 1;
 };
 
 // The same, borrowed.
@@ -20,10 +22,12 @@ struct Table {
     ArrayColumn first;
     std::ptrdiff_t column_stride;
     std::size_t width;
+    int dimensions;
 
-    [[nodiscard]] TableMemory memory() const noexcept { return {first, column_stride, width}; }
+    [[nodiscard]] TableMemory memory() const noexcept { return {first, column_stride, width, dimensions}; }
     [[nodiscard]] bool is_same_memory(const TableMemory& before) const noexcept {
-        return first.is_same_memory(before.first) && column_stride == before.column_stride && width == before.width;
+        return first.is_same_memory(before.first) && column_stride == before.column_stride && width == before.width &&
+               dimensions == before.dimensions;
     }
     [[nodiscard]] ArrayColumn column(std::size_t j) const noexcept {
         ArrayColumn found = first;
@@ -35,17 +39,22 @@ struct Table {
 // Nothing unless X is an exact, non-empty array of one or two dimensions whose dtype is known.
 std::optional<Table> open_table(Object X) noexcept;
 
-// The elements that are replaced by `filling`: those whose byte in the mask is not 0, or is 0 if `inverted`.
+// A byte for each row of a column.
+struct Mask {
+    const char* first;
+    std::ptrdiff_t stride;
+};
+
+// The elements that are replaced by `filling`: those whose byte in the mask of their column is not 0, or is 0 if
+// `inverted`.
 struct Replacement {
-    const char* mask;
-    std::ptrdiff_t stride;         // from row to row
-    std::ptrdiff_t column_stride;  // from column to column
+    std::span<const Mask> masks;  // one for each column
     bool inverted;
     Object filling;
 };
 
-// A new array of objects, with empty places, in the shape of X.
-Ref new_objects_like(Object X);
+// A new array of objects, with empty places, in the shape of the table.
+Ref new_objects_like(const TableMemory& memory);
 
 // Writes objects for the rows first <= row < last, as numpy's astype(object) makes them, into empty places of `Y`, an
 // array of objects of the same shape that is stored row by row.

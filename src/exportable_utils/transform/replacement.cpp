@@ -7,7 +7,7 @@
 #include "exportable_utils/transform/object_table.hpp"
 #include "exportable_utils/transform/transform.hpp"
 #include "python/indexing.hpp"
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
 #include "python/native_route.hpp"
 #include "python/operations.hpp"
@@ -44,7 +44,7 @@ bool in_table_blocks(Object X, const TableMemory& memory, Work work) {
         const std::optional<Table> table = open_table(X);
         return table && table->is_same_memory(memory) && work(*table, first, last);
     };
-    return in_blocks(memory.first.rows, block, rows_in_block(memory));
+    return in_blocks_of(rows_in_block(memory), memory.first.rows, block);
 }
 
 std::optional<TableMemory> table_memory(Object X) noexcept {
@@ -53,87 +53,76 @@ std::optional<TableMemory> table_memory(Object X) noexcept {
     return table->memory();
 }
 
+// The columns of an array of booleans.
+std::vector<Mask> masks_in(Object array, std::size_t width) {
+    PyArrayObject* mask = as_array(array);
+    std::vector<Mask> columns(width, Mask{PyArray_BYTES(mask), PyArray_STRIDE(mask, 0)});
+    for (std::size_t j = 1; j < width; ++j) {
+        columns[j].first += static_cast<npy_intp>(j) * PyArray_STRIDE(mask, 1);
+    }
+    return columns;
+}
+
 Ref native_putmask(Object X, Object mask, Object filling) {
     return native_route([&]() -> Ref {
         if (!is_plain_filling(filling)) return {};
         const std::optional<TableMemory> memory = table_memory(X);
         if (!memory || !keeps_row_order(X) || !is_mask_for(mask, X)) return {};
-        Ref Y = new_objects_like(X);
-        const bool done =
-            in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
-                if (!is_mask_for(mask, X)) return false;
-                PyArrayObject* array = as_array(mask);
-                const npy_intp column_stride = table.width == 1 ? 0 : PyArray_STRIDE(array, 1);
-                write_rows(table, {PyArray_BYTES(array), PyArray_STRIDE(array, 0), column_stride, false, filling}, Y,
-                           first, last);
-                return true;
-            });
+        Ref Y = new_objects_like(*memory);
+        const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
+            if (!is_mask_for(mask, X)) return false;
+            write_rows(table, {masks_in(mask, table.width), false, filling}, Y, first, last);
+            return true;
+        });
         return done ? std::move(Y) : Ref{};
     });
 }
 
-// The elements of a table that equal a reference value, a byte for each, column by column.
-class TableMask {
-  public:
-    explicit TableMask(const TableMemory& memory) : memory_(memory), bytes_(memory.first.rows * memory.width) {}
+bool holds(Object mask, bool wanted) noexcept {
+    const auto size = static_cast<std::size_t>(PyArray_SIZE(as_array(mask)));
+    return std::memchr(PyArray_BYTES(as_array(mask)), wanted ? 1 : 0, size) != nullptr;
+}
 
-    // `lists` is one list of reference values, or a list of such lists, one for each column. Returns false to give up.
-    bool mark(Object X, Object lists) {
-        const Object first = PyList_GET_ITEM(lists.get(), 0);
-        if (!PyList_Check(first.get())) {
-            const std::optional<References> references = read(lists);
-            return references && mark_columns(X, [&](std::size_t /*j*/) { return &*references; });
+std::optional<References> references_for_isin(Object list) {
+    if (!PyList_CheckExact(list.get())) return std::nullopt;
+    std::optional<References> references = references::read_references(list);
+    if (references && references->null_bits != 0 && !references::unchanged_by_asarray(*references)) references.reset();
+    return references;
+}
+
+Ref column_mask(Object X, std::size_t j, const References& references) {
+    const std::optional<ColumnSource> column =
+        PyArray_NDIM(as_array(X)) == 1 ? ColumnSource::flat(X) : ColumnSource::of_table(X, static_cast<npy_intp>(j));
+    return column ? references::membership_mask(*column, references) : Ref();
+}
+
+// For each column the mask of the elements that equal a reference value. `lists` is one list of reference values for
+// all columns, or a list of such lists. Nothing to give up.
+std::optional<std::vector<Ref>> column_masks(Object X, const TableMemory& memory, Object lists) {
+    const bool list_for_each = PyList_Check(PyList_GET_ITEM(lists.get(), 0));
+    std::vector<Ref> masks;
+    std::optional<References> references;
+    std::size_t unanswered = 0;  // elements since signals were answered
+    for (std::size_t j = 0; j < memory.width; ++j, unanswered += memory.first.rows) {
+        if (unanswered >= rows_between_signals) {
+            answer_signals();
+            unanswered = 0;
         }
-        std::optional<References> own;
-        return mark_columns(X, [&](std::size_t j) -> const References* {
-            // Read anew for each column: a signal handler may have changed the list.
+        if (list_for_each) {
+            // The size is read anew for each column, because foreign code may have changed the list.
             const auto index = static_cast<Py_ssize_t>(j);
-            if (index >= PyList_GET_SIZE(lists.get())) return nullptr;
-            own = read(PyList_GET_ITEM(lists.get(), index));
-            return own ? &*own : nullptr;
-        });
-    }
-    [[nodiscard]] bool holds(bool marked) const noexcept {
-        return std::memchr(bytes_.data(), marked ? 1 : 0, bytes_.size()) != nullptr;
-    }
-    [[nodiscard]] Replacement replacement(bool inverted, Object filling) const noexcept {
-        const auto* mask = reinterpret_cast<const char*>(bytes_.data());
-        return {mask, 1, static_cast<std::ptrdiff_t>(memory_.first.rows), inverted, filling};
-    }
-
-  private:
-    static std::optional<References> read(Object list) {
-        if (!PyList_CheckExact(list.get())) return std::nullopt;
-        std::optional<References> references = references::read_references(list);
-        if (references && references->null_bits != 0 && !references::unchanged_by_asarray(*references)) {
-            references.reset();
+            if (index >= PyList_GET_SIZE(lists.get())) return std::nullopt;
+            references = references_for_isin(PyList_GET_ITEM(lists.get(), index));
+        } else if (j == 0) {
+            references = references_for_isin(lists);
         }
-        return references;
+        if (!references) return std::nullopt;
+        Ref mask = column_mask(X, j, *references);
+        if (!mask || static_cast<std::size_t>(PyArray_SIZE(as_array(mask))) != memory.first.rows) return std::nullopt;
+        masks.push_back(std::move(mask));
     }
-    template <class ReferencesOf>
-    bool mark_columns(Object X, ReferencesOf references_of) {
-        std::size_t unanswered = 0;  // elements since signals were answered
-        for (std::size_t j = 0; j < memory_.width; ++j, unanswered += memory_.first.rows) {
-            if (unanswered >= rows_between_signals) {
-                answer_signals();
-                unanswered = 0;
-            }
-            const References* references = references_of(j);
-            if (references == nullptr || !mark_column(X, j, *references)) return false;
-        }
-        return true;
-    }
-    bool mark_column(Object X, std::size_t j, const References& references) {
-        std::uint8_t* out = bytes_.data() + j * memory_.first.rows;
-        return in_blocks(memory_.first.rows, [&](std::size_t first, std::size_t last) {
-            const std::optional<Table> table = open_table(X);
-            return table && table->is_same_memory(memory_) &&
-                   references::mark_members(rows_of(table->column(j), first, last), references, out + first);
-        });
-    }
-    TableMemory memory_;
-    std::vector<std::uint8_t> bytes_;
-};
+    return masks;
+}
 
 Ref native_replace_values(Object X, Object filling, Object lists, Object invert_flag) {
     return native_route([&]() -> Ref {
@@ -142,12 +131,14 @@ Ref native_replace_values(Object X, Object filling, Object lists, Object invert_
         const bool inverted = invert_flag.is(Py_True);
         const std::optional<TableMemory> memory = table_memory(X);
         if (!memory) return {};
-        TableMask mask(*memory);
-        if (!mask.mark(X, lists)) return {};
-        if (PyArray_NDIM(as_array(X)) == 1 && !mask.holds(!inverted)) return Ref::share(X);
-        Ref Y = new_objects_like(X);
+        const std::optional<std::vector<Ref>> masks = column_masks(X, *memory, lists);
+        if (!masks) return {};
+        if (memory->dimensions == 1 && !holds(masks->front(), !inverted)) return Ref::share(X);
+        std::vector<Mask> bytes;
+        for (const Ref& mask : *masks) bytes.push_back({PyArray_BYTES(as_array(mask)), 1});
+        Ref Y = new_objects_like(*memory);
         const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
-            write_rows(table, mask.replacement(inverted, filling), Y, first, last);
+            write_rows(table, {bytes, inverted, filling}, Y, first, last);
             return true;
         });
         return done ? std::move(Y) : Ref{};

@@ -1,3 +1,6 @@
+#include <bit>
+#include <cmath>
+#include <cstdint>
 #include <limits>
 #include <optional>
 
@@ -6,7 +9,7 @@
 #include "exportable_utils/references/list_membership.hpp"
 #include "exportable_utils/transform/transform.hpp"
 #include "python/indexing.hpp"
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
 #include "python/native_route.hpp"
 #include "python/operations.hpp"
@@ -81,15 +84,24 @@ bool unlisted_to_floats(const ArrayColumn& part, const References& missing, doub
     return true;
 }
 
+// The conversion of such a number to float64 is invalid, which numpy reports with a warning.
+bool is_signalling_nan(float number) noexcept {
+    constexpr std::uint32_t quiet_bit = 0x00400000;
+    return std::isnan(number) && (std::bit_cast<std::uint32_t>(number) & quiet_bit) == 0;
+}
+
 bool numbers_to_floats(const ArrayColumn& part, const References& missing, double* out) {
     return core::with_number_type(part, [&](auto type) {
         using Number = decltype(type);
         if (!missing.numbers.empty()) return unlisted_to_floats<Number>(part, missing, out);
         const core::StridedMemory numbers = part;
+        bool signals = false;
         for (std::size_t row = 0; row < numbers.rows; ++row) {
-            out[row] = static_cast<double>(core::load<Number>(numbers, row));
+            const Number number = core::load<Number>(numbers, row);
+            if constexpr (std::is_same_v<Number, float>) signals |= is_signalling_nan(number);
+            out[row] = static_cast<double>(number);
         }
-        return true;
+        return !signals;
     });
 }
 
@@ -108,22 +120,17 @@ bool write_floats(const ArrayColumn& part, const References& missing, double* ou
     }
 }
 
-std::optional<References> read_references_for(Object X, Object list) {
-    const std::optional<ArrayColumn> column = flat_column(X);
-    if (!column) return std::nullopt;
-    return references::read_references(list, *column);
-}
-
 Ref native_floatstr2float(Object X, Object list) {
     return native_route([&]() -> Ref {
-        const std::optional<core::Column> memory = flat_memory(X);
-        const std::optional<References> missing = read_references_for(X, list);
-        if (!memory || !missing) return {};
-        Ref Z = new_array(memory->rows, NPY_DOUBLE);
-        const auto write = [&](const ArrayColumn& part, std::size_t first) {
-            return write_floats(part, *missing, floats_in(Z) + first);
+        const std::optional<ColumnSource> source = ColumnSource::flat(X);
+        if (!source) return {};
+        const std::optional<References> missing = references::read_references(list, *source);
+        if (!missing) return {};
+        Ref Z = new_array(source->rows(), NPY_DOUBLE);
+        const auto write = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            return write_floats(rows_of(column, first, last), *missing, floats_in(Z) + first);
         };
-        if (!in_column_blocks(X, *memory, write)) return {};
+        if (!source->in_blocks(write)) return {};
         return Z;
     });
 }
@@ -137,11 +144,11 @@ struct MissingBooleans {
 };
 
 // Nothing if the list cannot be read, or NaN cannot be written into X.
-std::optional<MissingBooleans> missing_booleans(Object X, Object list) {
+std::optional<MissingBooleans> missing_booleans(const ColumnSource& source, Object list) {
     if (list.is_none()) return MissingBooleans{};
-    const std::optional<References> missing = read_references_for(X, list);
+    const std::optional<References> missing = references::read_references(list, source);
     if (!missing || (missing->null_bits != 0 && !references::unchanged_by_asarray(*missing))) return std::nullopt;
-    if (PyArray_ISWRITEABLE(as_array(X)) == 0) return std::nullopt;
+    if (PyArray_ISWRITEABLE(as_array(source.array())) == 0) return std::nullopt;
     return MissingBooleans{references::is_listed(0.0, *missing), references::is_listed(1.0, *missing)};
 }
 
@@ -155,22 +162,22 @@ void write_nan(const ArrayColumn& column, MissingBooleans missing) noexcept {
 
 Ref native_boolean2float(Object X, Object list) {
     return native_route([&]() -> Ref {
-        const std::optional<core::Column> memory = flat_memory(X);
-        if (!memory || memory->storage != Storage::boolean) return {};
-        const std::optional<MissingBooleans> missing = missing_booleans(X, list);
+        const std::optional<ColumnSource> source = ColumnSource::flat(X);
+        if (!source || source->storage() != Storage::boolean) return {};
+        const std::optional<MissingBooleans> missing = missing_booleans(*source, list);
         if (!missing) return {};
-        Ref Y = new_array(memory->rows, NPY_DOUBLE);
+        Ref Y = new_array(source->rows(), NPY_DOUBLE);
         if (missing->any()) {
             // All rows at once, as the interpreter route writes them: a signal handler sees none or all of them.
-            const std::optional<ArrayColumn> column = flat_column(X);
-            if (!column || !column->is_same_memory(*memory) || PyArray_ISWRITEABLE(column->array) == 0) return {};
+            const std::optional<ArrayColumn> column = source->borrow();
+            if (!column || PyArray_ISWRITEABLE(column->array) == 0) return {};
             write_nan(*column, *missing);
         }
-        const auto convert = [&](const ArrayColumn& part, std::size_t first) {
-            core::write_flags(part.data, part.stride, part.rows, floats_in(Y) + first);
+        const auto convert = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            core::write_flags(column.at(first), column.stride, last - first, floats_in(Y) + first);
             return true;
         };
-        if (!in_column_blocks(X, *memory, convert)) return {};
+        if (!source->in_blocks(convert)) return {};
         return Y;
     });
 }

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/native_route.hpp"
 #include "python/operations.hpp"
 
@@ -39,20 +39,20 @@ class ObjectTexts {
     explicit ObjectTexts(std::size_t rows) noexcept : rows_(rows) {}
 
     // False if str() of an element is not known here.
-    bool measure(const ArrayColumn& part, std::size_t first) {
-        const ObjectCells cells(part);
+    bool measure(const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const ObjectCells cells(column);
         FloatText room;
-        for (std::size_t row = 0; row < part.rows; ++row) {
+        for (std::size_t row = first; row < last; ++row) {
             cells.prefetch(row + core::prefetch_distance);
             core::TextView text{};
             if (cells.read(row, text) == core::Cell::text) {
                 width_ = std::max(width_, text.length);
                 continue;
             }
-            PyObject* value = part.object(row);
+            PyObject* value = column.object(row);
             const std::string_view made = value == nullptr ? std::string_view{} : scalar_text(value, room);
             if (made.empty()) return false;
-            keep(first + row, made);
+            keep(row, made);
             width_ = std::max(width_, made.size());
         }
         return true;
@@ -60,10 +60,11 @@ class ObjectTexts {
     [[nodiscard]] std::size_t width() const noexcept { return width_; }
 
     // False if a row that held a text no longer does, or one that is longer than all before.
-    bool write(const ArrayColumn& part, std::size_t first, std::uint32_t* to) noexcept {
-        const ObjectCells cells(part);
-        for (std::size_t row = 0; row < part.rows; ++row, to += width_) {
-            std::size_t length = made_lengths_.empty() ? 0 : made_lengths_[first + row];
+    bool write(const ArrayColumn& column, std::size_t first, std::size_t last, std::uint32_t* to) noexcept {
+        const ObjectCells cells(column);
+        to += first * width_;
+        for (std::size_t row = first; row < last; ++row, to += width_) {
+            std::size_t length = made_lengths_.empty() ? 0 : made_lengths_[row];
             if (length != 0) {
                 core::widen(made_.data() + written_, length, to);
                 written_ += length;
@@ -95,32 +96,34 @@ class ObjectTexts {
     std::size_t written_ = 0;
 };
 
-Ref objects_to_texts(Object X, const core::Column& memory) {
-    ObjectTexts texts(memory.rows);
-    const auto measure = [&](const ArrayColumn& part, std::size_t first) { return texts.measure(part, first); };
-    if (!in_column_blocks(X, memory, measure) || texts.width() > longest_fixed) return {};
-    Ref Y = new_fixed_text(memory.rows, texts.width());
-    const auto write = [&](const ArrayColumn& part, std::size_t first) {
-        return texts.write(part, first, characters_in(Y) + first * texts.width());
+Ref objects_to_texts(const ColumnSource& source) {
+    ObjectTexts texts(source.rows());
+    const auto measure = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return texts.measure(column, first, last);
     };
-    if (!in_column_blocks(X, memory, write)) return {};
+    if (!source.in_blocks(measure) || texts.width() > longest_fixed) return {};
+    Ref Y = new_fixed_text(source.rows(), texts.width());
+    const auto write = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return texts.write(column, first, last, characters_in(Y));
+    };
+    if (!source.in_blocks(write)) return {};
     return Y;
 }
 
-Ref floats_to_texts(Object X, const core::Column& memory) {
+Ref floats_to_texts(const ColumnSource& source) {
     if (!numpy_writes_all_digits()) return {};
-    Ref Y = new_fixed_text(memory.rows, float_width);
-    const auto write = [&](const ArrayColumn& part, std::size_t first) {
+    Ref Y = new_fixed_text(source.rows(), float_width);
+    const auto write = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
         std::uint32_t* to = characters_in(Y) + first * float_width;
         FloatText room;
-        for (std::size_t row = 0; row < part.rows; ++row, to += float_width) {
-            const std::size_t length = core::write_float(core::load<double>(part, row), room);
+        for (std::size_t row = first; row < last; ++row, to += float_width) {
+            const std::size_t length = core::write_float(core::load<double>(column, row), room);
             core::widen(room.data(), length, to);
             end_text(to, length, float_width);
         }
         return true;
     };
-    if (!in_column_blocks(X, memory, write)) return {};
+    if (!source.in_blocks(write)) return {};
     return Y;
 }
 
@@ -154,10 +157,10 @@ bool numpy_writes_all_digits() {
 
 Ref native_text_array(Object X) {
     return native_route([&]() -> Ref {
-        const std::optional<core::Column> memory = flat_memory(X);
-        if (!memory) return {};
-        if (memory->storage == Storage::objects) return objects_to_texts(X, *memory);
-        if (memory->storage == Storage::float64) return floats_to_texts(X, *memory);
+        const std::optional<ColumnSource> source = ColumnSource::flat(X);
+        if (!source) return {};
+        if (source->storage() == Storage::objects) return objects_to_texts(*source);
+        if (source->storage() == Storage::float64) return floats_to_texts(*source);
         return {};
     });
 }

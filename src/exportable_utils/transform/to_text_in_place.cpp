@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "python/inputs/column_blocks.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
 #include "python/inputs/object_slots.hpp"
 #include "python/native_route.hpp"
@@ -82,25 +82,25 @@ bool replace_floats(const ArrayColumn& part) noexcept {
 // Replaces a block of rows at a time, so that a signal handler that raises leaves the rows before it written, as the
 // interpreter route does.
 template <class Replace>
-Ref replace_rows(Object X, const core::Column& memory, Replace replace) {
-    const auto block = [&](const ArrayColumn& part, std::size_t /*first*/) {
-        return PyArray_ISWRITEABLE(part.array) != 0 && replace(part);
+Ref replace_rows(const ColumnSource& source, Replace replace) {
+    const auto replace_block = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return PyArray_ISWRITEABLE(column.array) != 0 && replace(rows_of(column, first, last));
     };
-    if (!in_column_blocks(X, memory, block)) return {};
-    return Ref::share(X);
+    if (!source.in_blocks(replace_block)) return {};
+    return Ref::share(source.array());
 }
 
 }  // namespace
 
 Ref native_text_in_place(Object X) {
     return native_route([&]() -> Ref {
-        const std::optional<core::Column> memory = writable_memory(X);
-        if (!memory) return {};
-        if (memory->storage == Storage::objects) return replace_rows(X, *memory, replace_objects);
+        const std::optional<ColumnSource> source = ColumnSource::flat_writable(X);
+        if (!source) return {};
+        if (source->storage() == Storage::objects) return replace_rows(*source, replace_objects);
         // The text of an integer is converted back into the same integer.
-        if (memory->storage == Storage::integer) return Ref::share(X);
-        if (memory->storage != Storage::float64 || !numpy_writes_all_digits()) return {};
-        return replace_rows(X, *memory, replace_floats);
+        if (source->storage() == Storage::integer) return Ref::share(X);
+        if (source->storage() != Storage::float64 || !numpy_writes_all_digits()) return {};
+        return replace_rows(*source, replace_floats);
     });
 }
 
