@@ -29,20 +29,25 @@ class SignalTimer {
     Clock::time_point last_ = Clock::now();
 };
 
-// Calls block(first, last) for consecutive ranges of rows [first, last) and answers signals between them. `block` opens
-// the column anew in each call, since a handler may have changed it, and returns false to give up: in_blocks() then
-// returns false. A column of up to rows_between_signals rows is one range, without a signal answered.
+// Calls block(first, last) for consecutive ranges of at most `most_rows` rows, and answers signals between them.
+// `block` opens the column anew in each call, since a handler may have changed it; it returns false to give up.
+template <class Block>
+bool in_blocks_of(std::size_t most_rows, std::size_t rows, Block block, Where where = Where::current()) {
+    if (rows <= most_rows) return block(std::size_t{0}, rows);
+    SignalTimer timer;
+    for (std::size_t first = 0; first < rows; first += most_rows) {
+        if (first != 0) timer.poll(where);
+        if (!block(first, std::min(rows, first + most_rows))) return false;
+    }
+    return true;
+}
+
+// The same with ranges that take a few milliseconds at most. Short columns are one range.
 constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
 
 template <class Block>
 bool in_blocks(std::size_t rows, Block block, Where where = Where::current()) {
-    if (rows <= rows_between_signals) return block(std::size_t{0}, rows);
-    SignalTimer timer;
-    for (std::size_t first = 0; first < rows; first += rows_between_signals) {
-        if (first != 0) timer.poll(where);
-        if (!block(first, std::min(rows, first + rows_between_signals))) return false;
-    }
-    return true;
+    return in_blocks_of(rows_between_signals, rows, block, where);
 }
 
 }  // namespace quorin
