@@ -24,8 +24,6 @@ constexpr char32_t letter = 0x6f22;
 constexpr CharacterTables script{[](std::uint32_t c) { return c == letter; },
                                  [](std::uint32_t c) { return c == wide_space ? static_cast<int>(' ') : -1; }};
 
-constexpr std::array wide_storages{Stored::two_bytes, Stored::four_bytes};
-
 void alphanumeric() {
     const auto is = [](std::string_view text, Stored stored) {
         const StoredText same_text({text.begin(), text.end()}, stored);
@@ -51,11 +49,7 @@ std::u32string squeezed(const std::u32string& text, Stored stored) {
     const TextView view = same_text.view();
     std::vector<char> out(text.size() * 4);
     const std::size_t left = core::remove_white_space(view, script, out.data());
-    std::u32string found;
-    for (std::size_t i = 0; i < left; ++i) {
-        found += static_cast<char32_t>(core::character({out.data(), left, view.width}, i));
-    }
-    return found;
+    return characters_of({out.data(), left, view.width, view.is_utf8() ? core::Encoding::utf8 : core::Encoding::fixed_width});
 }
 
 void white_space() {
@@ -92,8 +86,8 @@ void encodable() {
 
 void zeros_at_end() {
     const std::u32string text{U'a', 0, U'b', 0, 0};
-    check(core::without_zeros_at_end({text.data(), text.size(), 4}).length == 3, "zeros inside stay");
-    check(core::without_zeros_at_end({text.data() + 3, 2, 4}).length == 0, "nothing but zeros");
+    check(core::without_zeros_at_end({text.data(), text.size(), 4}).size == 3, "zeros inside stay");
+    check(core::without_zeros_at_end({text.data() + 3, 2, 4}).size == 0, "nothing but zeros");
 }
 
 // More texts than there are places: every answer has to be the text's own, whoever was forgotten.

@@ -29,7 +29,7 @@ void compress_objects(const ArrayColumn& labels, const references::References& m
         core::TextView text{};
         if (cells.read(row, text) != core::Cell::text || !is_compressed(text, missing)) continue;
         Ref compressed = text_without_white_space(text, room);
-        if (PyUnicode_GET_LENGTH(compressed.get()) == static_cast<Py_ssize_t>(text.length)) continue;
+        if (PyUnicode_GET_LENGTH(compressed.get()) == static_cast<Py_ssize_t>(text.size)) continue;
         auto* place = reinterpret_cast<PyObject**>(const_cast<char*>(labels.at(row)));
         Ref::adopt(std::exchange(*place, compressed.give()));
     }

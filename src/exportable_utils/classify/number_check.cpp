@@ -40,7 +40,7 @@ class IntegerTest {
   private:
     bool ask(core::TextView text) {
         const Ref copy =
-            Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
+            Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.size)));
         if (copy && Ref::adopt(PyLong_FromUnicodeObject(copy.get(), 10))) return true;
         const bool refused = PyErr_ExceptionMatches(PyExc_ValueError) != 0;
         PyErr_Clear();

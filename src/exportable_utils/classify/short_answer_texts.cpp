@@ -11,9 +11,9 @@ namespace quorin::classify {
 
 namespace {
 
-using core::Gathered;
 using core::Ordered;
 using core::TextFacts;
+using core::Walk;
 
 // Distinct plain texts below the marker that ends the scan; a column with more of them goes the long way.
 constexpr std::size_t most_plain_below = 256;
@@ -93,8 +93,8 @@ class CellsBesideNumbers {
 template <class Cells>
 std::optional<Answer> answer_texts(const ArrayColumn& column, const References& markers, const Cells& cells) {
     TextFacts facts;
-    if (gather_facts(cells, markers.texts, character_tables, facts) == Gathered::gave_up) return std::nullopt;
-    core::ReferenceBits found = markers.bits_of_texts(facts.markers);
+    if (gather_facts(cells, markers.texts, character_tables, facts) == Walk::gave_up) return std::nullopt;
+    core::ReferenceBits found = markers.bits_of_texts(facts.references);
     if constexpr (std::is_same_v<Cells, CellsBesideNumbers>) {
         facts.nulls = cells.nulls();
         found |= cells.number_bits();
@@ -125,7 +125,7 @@ std::optional<Answer> answer_texts(const ArrayColumn& column, const References& 
     TextFacts below;
     std::vector<Ordered> plain;
     if (gather_below(cells, markers.texts, character_tables, end_marker.text, most_plain_below, below, plain) ==
-        Gathered::gave_up) {
+        Walk::gave_up) {
         return std::nullopt;
     }
     for (const Ordered& text : plain) misslist.add(text, least_number);

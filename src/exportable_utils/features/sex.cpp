@@ -22,8 +22,8 @@ core::TextView view(std::string_view text) noexcept {
 
 // What the library's search for distinct texts, which reads them up to the first zero, would take for another text.
 bool holds_zero(core::TextView text) noexcept {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (core::character(text, i) == 0) return true;
+    for (std::size_t i = 0; i < text.size; ++i) {
+        if (core::unit(text, i) == 0) return true;
     }
     return false;
 }
@@ -54,11 +54,11 @@ class SexWords {
         for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
     }
     [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
-        if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
+        if (!text.is_padded() || text.size - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
         const auto is = [&](const SexWord& word) {
             return static_cast<core::ReferenceBits>((characters == word.characters) &
-                                                    (text.length == word.text.size()));
+                                                    (text.size == word.text.size()));
         };
         return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
     }

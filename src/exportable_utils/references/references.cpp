@@ -84,7 +84,7 @@ bool unchanged_by_asarray(const References& markers) noexcept {
         if (!is_plain_text(marker)) continue;
         texts = true;
         const std::optional<core::TextView> text = text_view_of(marker);
-        if (!text || (text->length != 0 && core::character(*text, text->length - 1) == 0)) return false;
+        if (!text || (text->size != 0 && core::unit(*text, text->size - 1) == 0)) return false;
     }
     return !texts || markers.numbers.empty();
 }

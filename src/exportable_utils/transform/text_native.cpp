@@ -70,7 +70,7 @@ std::optional<Gathered> gather_texts(const ArrayColumn& column) {
         core::TextView text{};
         std::size_t length = 0;
         if (cells.read(row, text) == core::Cell::text) {
-            length = text.length;
+            length = text.size;
         } else {
             PyObject* value = column.object(row);
             const std::string_view made = value == nullptr ? std::string_view{} : plain_text(value, room);
@@ -97,8 +97,8 @@ Ref objects_to_texts(const ArrayColumn& column) {
         core::TextView text{};
         std::size_t length = 0;
         if (cells.read(row, text) == core::Cell::text) {
-            length = text.length;
-            for (std::size_t i = 0; i < length; ++i) to[i] = core::character(text, i);
+            length = text.size;
+            for (std::size_t i = 0; i < length; ++i) to[i] = core::unit(text, i);
         } else {
             length = static_cast<std::uint8_t>(*made);
             core::widen(made + 1, length, to);
