@@ -306,9 +306,9 @@ void find_members(std::size_t rounds) {
 
 // The default list of pandas.read_csv, with more texts of the same kind behind it.
 std::string reference_text(std::size_t i) {
-    constexpr std::array<std::string_view, 19> texts{"",         "#N/A", "#N/A N/A", "#NA", "-1.#IND", "-1.#QNAN", "-NaN",
-                                                     "-nan",     "1.#IND", "1.#QNAN", "<NA>", "N/A",   "NA",       "NULL",
-                                                     "NaN",      "None",   "n/a",     "nan",  "null"};
+    constexpr std::array<std::string_view, 19> texts{
+        "",     "#N/A", "#N/A N/A", "#NA",  "-1.#IND", "-1.#QNAN", "-NaN", "-nan", "1.#IND", "1.#QNAN",
+        "<NA>", "N/A",  "NA",       "NULL", "NaN",     "None",     "n/a",  "nan",  "null"};
     return i < texts.size() ? std::string{texts[i]} : "missing " + std::to_string(i);
 }
 

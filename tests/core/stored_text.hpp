@@ -17,7 +17,7 @@ namespace quorin::tests {
 enum class Stored { one_byte, two_bytes, four_bytes, utf8, ascii, padded };
 
 inline constexpr std::array every_storage{Stored::one_byte, Stored::two_bytes, Stored::four_bytes,
-                                   Stored::utf8,     Stored::ascii,     Stored::padded};
+                                          Stored::utf8,     Stored::ascii,     Stored::padded};
 inline constexpr std::array wide_storages{Stored::two_bytes, Stored::four_bytes, Stored::utf8};
 
 inline char32_t highest_character(const std::u32string& text) {
@@ -39,7 +39,8 @@ inline bool fits(const std::u32string& text, Stored stored) {
         case Stored::four_bytes:
             return true;
         case Stored::utf8:
-            return std::all_of(text.begin(), text.end(), [](char32_t c) { return c < 0xd800 || (c >= 0xe000 && c < 0x110000); });
+            return std::all_of(text.begin(), text.end(),
+                               [](char32_t c) { return c < 0xd800 || (c >= 0xe000 && c < 0x110000); });
         case Stored::ascii:
         case Stored::padded:
             return highest <= 0x7f;
@@ -62,13 +63,18 @@ inline std::string to_utf8(const std::u32string& text) {
     return bytes;
 }
 
-// In memory of exactly the size of the text, so that AddressSanitizer finds reads beyond it. Only a padded text has bytes
-// before it, which must not matter.
+// In memory of exactly the size of the text, so that AddressSanitizer finds reads beyond it. Only a padded text has
+// bytes before it, which must not matter.
 class StoredText {
   public:
     StoredText(const std::u32string& text, Stored stored) : stored_(stored), size_(text.size()) {
         std::string bytes;
-        if (stored == Stored::padded) bytes = std::string("5\xff.1\x80" "7-9\0003x +\xfe" "08", padding);
+        if (stored == Stored::padded)
+            bytes = std::string(
+                "5\xff.1\x80"
+                "7-9\0003x +\xfe"
+                "08",
+                padding);
         if (stored == Stored::utf8) {
             bytes = to_utf8(text);
             size_ = bytes.size();
@@ -85,9 +91,9 @@ class StoredText {
             case Stored::ascii:
                 return {memory_.get(), size_, 1, core::Encoding::ascii};
             case Stored::padded:
-                return {memory_.get() + padding, size_, 1,
-                        std::endian::native == std::endian::little ? core::Encoding::padded_ascii
-                                                                   : core::Encoding::ascii};
+                return {
+                    memory_.get() + padding, size_, 1,
+                    std::endian::native == std::endian::little ? core::Encoding::padded_ascii : core::Encoding::ascii};
             default:
                 return {memory_.get(), size_, width()};
         }

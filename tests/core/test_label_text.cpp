@@ -1,14 +1,12 @@
-// Labels: alphanumeric or not, without white space, fit for UTF-8; and what is remembered of texts.
+// Labels: alphanumeric or not, without white space, fit for UTF-8.
 #include "core/text/label_text.hpp"
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "core/distinct/recent_texts.hpp"
 #include "harness.hpp"
 #include "stored_text.hpp"
 
@@ -49,7 +47,8 @@ std::u32string squeezed(const std::u32string& text, Stored stored) {
     const TextView view = same_text.view();
     std::vector<char> out(text.size() * 4);
     const std::size_t left = core::remove_white_space(view, script, out.data());
-    return characters_of({out.data(), left, view.width, view.is_utf8() ? core::Encoding::utf8 : core::Encoding::fixed_width});
+    return characters_of(
+        {out.data(), left, view.width, view.is_utf8() ? core::Encoding::utf8 : core::Encoding::fixed_width});
 }
 
 void white_space() {
@@ -90,33 +89,11 @@ void zeros_at_end() {
     check(core::without_zeros_at_end({text.data() + 3, 2, 4}).size == 0, "nothing but zeros");
 }
 
-// More texts than there are places: every answer has to be the text's own, whoever was forgotten.
-void recent_texts(std::size_t rows) {
-    std::mt19937 random(1);
-    std::vector<std::string> texts;
-    for (int i = 0; i < 5000; ++i) texts.push_back("text " + std::to_string(i));
-    core::RecentTexts<std::string> recent(rows);
-    std::size_t made = 0;
-    for (int i = 0; i < 50000; ++i) {
-        const std::string& text = texts[random() % (i < 25000 ? texts.size() : 20)];
-        const std::string& value = recent.get({text.data(), text.size(), 1}, [&] {
-            ++made;
-            return text;
-        });
-        check(value == text, "another text's value");
-    }
-    check(rows < 1000 || made < 26000, "few texts are remembered");
-}
-
 const Test words{"alphanumeric texts", alphanumeric};
 const Test spaces{"texts without white space", white_space};
 const Test place{"white space removed in place", in_its_own_place};
 const Test bytes{"texts that have bytes", encodable};
 const Test zeros{"zeros at the end", zeros_at_end};
-const Test memory{"texts met lately", [] {
-                      for (const std::size_t rows : std::to_array<std::size_t>({0, 1, 3, 100, 50000}))
-                          recent_texts(rows);
-                  }};
 
 }  // namespace
 }  // namespace quorin::tests

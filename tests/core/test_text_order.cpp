@@ -24,7 +24,9 @@ using Texts = std::vector<std::u32string>;
 // As wanted, or in the narrowest characters that can hold the text.
 Stored storage_of(const std::u32string& text, Stored wanted) {
     if (fits(text, wanted)) return wanted;
-    return fits(text, Stored::one_byte) ? Stored::one_byte : fits(text, Stored::two_bytes) ? Stored::two_bytes : Stored::four_bytes;
+    return fits(text, Stored::one_byte)    ? Stored::one_byte
+           : fits(text, Stored::two_bytes) ? Stored::two_bytes
+                                           : Stored::four_bytes;
 }
 
 // What std::sort makes of the texts is the only order of different ones in which each is above the one before.

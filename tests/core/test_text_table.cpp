@@ -30,7 +30,8 @@ class Column {
         for (const std::u32string& text : texts) {
             const bool bytes = stored != Stored::two_bytes && stored != Stored::four_bytes;
             Stored used = stored;
-            if (bytes && is_ascii(text) && texts_.size() % 2 == 0) used = texts_.size() % 4 == 0 ? Stored::padded : Stored::ascii;
+            if (bytes && is_ascii(text) && texts_.size() % 2 == 0)
+                used = texts_.size() % 4 == 0 ? Stored::padded : Stored::ascii;
             if (used != Stored::utf8 && used != Stored::two_bytes && !fits(text, used)) used = Stored::one_byte;
             if (used == Stored::one_byte && !fits(text, used)) used = Stored::two_bytes;
             if (used == Stored::two_bytes && !fits(text, used)) used = Stored::four_bytes;

@@ -9,8 +9,8 @@
 
 namespace quorin::core {
 
-// A text of valid UTF-8; the `before` bytes before it may be read. Short ASCII texts are recognised, because kernels are
-// faster for them.
+// A text of valid UTF-8; the `before` bytes before it may be read. Short ASCII texts are recognised, because kernels
+// are faster for them.
 inline TextView utf8_text(const std::uint8_t* at, std::size_t size, std::size_t before) noexcept {
     constexpr std::size_t most = 16;
     if (size > most || before < most || std::endian::native != std::endian::little)

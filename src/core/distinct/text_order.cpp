@@ -83,8 +83,8 @@ unsigned byte_of(std::uint64_t key, std::size_t place) noexcept {
     return static_cast<unsigned>(key >> (8 * (7 - place))) & 0xffU;
 }
 
-// Numbers the buckets in the order of the keys: the first bytes are digits of a number, each with as many values as occur
-// in its place. So 26 letters in a place take 26 buckets, not 256. Returns the number of buckets.
+// Numbers the buckets in the order of the keys: the first bytes are digits of a number, each with as many values as
+// occur in its place. So 26 letters in a place take 26 buckets, not 256. Returns the number of buckets.
 std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     constexpr std::size_t values = 256;
     // Enough that most buckets hold one key or none, and few enough that one more place does not exceed 32 bits.

@@ -75,8 +75,8 @@ std::uint32_t hash_text(const TextView& text) noexcept {
 }
 
 // Tables are at most half full, so that probes are short. Small tables double. Larger ones grow to the number of
-// distinct texts that the rows so far predict, because copying a table once is cheaper than copying it at each doubling;
-// the growth is limited, because the first rows may differ from the others.
+// distinct texts that the rows so far predict, because copying a table once is cheaper than copying it at each
+// doubling; the growth is limited, because the first rows may differ from the others.
 void TextTable::grow(std::size_t rows_so_far) {
     constexpr std::size_t small = 4096;
     constexpr std::size_t most_at_once = 64;

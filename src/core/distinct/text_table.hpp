@@ -18,8 +18,9 @@ struct DistinctText {
     std::int64_t count;
 };
 
-// Open addressing. The texts are either all in UTF-8 or all in fixed-width characters, equal ones in the same. Texts are added in blocks, so that memory is
-// prefetched for a whole block before the first look-up. The characters stay with the caller.
+// Open addressing. The texts are either all in UTF-8 or all in fixed-width characters, equal ones in the same. Texts
+// are added in blocks, so that memory is prefetched for a whole block before the first look-up. The characters stay
+// with the caller.
 class TextTable {
   public:
     static constexpr std::size_t block = 32;

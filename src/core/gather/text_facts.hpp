@@ -7,9 +7,9 @@
 // there is a second one. Otherwise a second walk finds the end marker, which is the least lone text above the least
 // number text: only the texts below it count.
 //
-// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: after code
-// that may free or move them, call refresh() before the next range. It reads again the few texts that are kept; their
-// rows must still hold the same texts.
+// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: after
+// code that may free or move them, call refresh() before the next range. It reads again the few texts that are kept;
+// their rows must still hold the same texts.
 #pragma once
 
 #include <vector>
@@ -124,7 +124,8 @@ Walk walk_texts(RowRange rows, const Cells& cells, const ReferenceTexts& referen
     return walk_from(rows.first, rows.last, cells, references, facts, no_row, on_short, on_text);
 }
 
-// A walk over texts whose class does not matter: it looks for references, nulls and lone texts, and stops at a lone one.
+// A walk over texts whose class does not matter: it looks for references, nulls and lone texts, and stops at a lone
+// one.
 template <class Cells>
 Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const ReferenceTexts& references,
                 const CharacterTables& tables, TextFacts& facts) {
@@ -161,10 +162,12 @@ Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const Re
 class TextGatherer {
   public:
     TextGatherer(const ReferenceTexts& references, const CharacterTables& tables) noexcept
-        : references_(&references), tables_(&tables), longest_special_(references.longest() < 1 ? 1 : references.longest()) {}
+        : references_(&references),
+          tables_(&tables),
+          longest_special_(references.longest() < 1 ? 1 : references.longest()) {}
 
-    // Walks over rows from `first` on. Returns the row from which the next call has to go on: `last`, or once an earlier
-    // one, to which the walk goes back.
+    // Walks over rows from `first` on. Returns the row from which the next call has to go on: `last`, or once an
+    // earlier one, to which the walk goes back.
     template <class Cells>
     [[gnu::flatten]] std::size_t gather(const Cells& cells, std::size_t first, std::size_t last) {
         // A local copy is kept in registers.
@@ -189,9 +192,9 @@ class TextGatherer {
 
   private:
     enum class Mode {
-        all,    // until two different plain texts are known
-        skip,   // no class matters, unless a lone text follows
-        numbers // two plain texts and a lone one are known, so that further plain texts do not matter
+        all,     // until two different plain texts are known
+        skip,    // no class matters, unless a lone text follows
+        numbers  // two plain texts and a lone one are known, so that further plain texts do not matter
     };
 
     template <class Cells>

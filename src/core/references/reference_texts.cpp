@@ -1,13 +1,14 @@
 #include "core/references/reference_texts.hpp"
 
 #include <algorithm>
+#include <bit>
 
 namespace quorin::core {
 
 namespace {
 
-// Equals the value of no ASCII text.
-constexpr std::uint64_t not_short = ~std::uint64_t{0};
+// The value of texts that are not ASCII.
+constexpr std::uint64_t not_ascii = ~std::uint64_t{0};
 
 bool has_only_ascii(TextView text) noexcept {
     std::uint32_t all = 0;
@@ -15,11 +16,12 @@ bool has_only_ascii(TextView text) noexcept {
     return all <= 0x7f;
 }
 
-// Of an ASCII text.
+// The last characters, up to eight, the first of them lowest.
 std::uint64_t value_of(TextView text) noexcept {
-    if (text.size == 0 || text.size > 8) return not_short;
+    if (!text.is_ascii() && !has_only_ascii(text)) return not_ascii;
     std::uint64_t value = 0;
-    for (std::size_t i = 0; i < text.size; ++i) value |= std::uint64_t{unit(text, i)} << (8 * i);
+    const std::size_t start = text.size <= 8 ? 0 : text.size - 8;
+    for (std::size_t i = text.size; i > start; --i) value = value << 8U | unit(text, i - 1);
     return value;
 }
 
@@ -81,27 +83,27 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
     // stalls store forwarding.
     const bool bytes = ascii && text.width == 1 && !text.is_padded();
     texts_.push_back({text.characters, text.size, text.width, bytes ? Encoding::ascii : text.encoding});
-    values_.push_back({ascii ? value_of(text) : not_short, heads_[length]});
+    values_.push_back({value_of(text), heads_[length]});
     heads_[length] = number;
     return true;
 }
 
-ReferenceBits ReferenceTexts::find_slowly(const void* characters, std::size_t size, int width,
-                                          Encoding encoding) const noexcept {
+ReferenceBits ReferenceTexts::find_filtered(const void* characters, std::size_t size, int width,
+                                            Encoding encoding) const noexcept {
     const TextView text{characters, size, width, encoding};
-    if (size <= 8 || text.is_utf8()) {
-        const bool ascii = has_only_ascii(text);
-        if (ascii && size <= 8) return find_value(value_of(text), size);
-        if (!ascii && text.is_utf8()) {
-            ReferenceBits found = 0;
-            for (std::size_t i = 0; i < texts_.size(); ++i) {
-                if ((not_ascii_ >> i & 1U) != 0 && same(texts_[i], text)) found |= ReferenceBits{1} << i;
-            }
-            return found;
+    if (text.is_padded() && size <= 8) return find_value(short_text(text), size);
+    const std::uint64_t value = value_of(text);
+    if (value == not_ascii && text.is_utf8()) {
+        ReferenceBits found = 0;
+        for (ReferenceBits left = not_ascii_; left != 0; left &= left - 1) {
+            const auto i = static_cast<std::size_t>(std::countr_zero(left));
+            if (same(texts_[i], text)) found |= ReferenceBits{1} << i;
         }
+        return found;
     }
     if (size >= sizes) return 0;
-    return find_if(size, [&](std::size_t i) { return same(texts_[i], text); });
+    if (value != not_ascii && size <= 8) return find_value(value, size);
+    return find_if(size, [&](std::size_t i) { return values_[i].value == value && same(texts_[i], text); });
 }
 
 }  // namespace quorin::core

@@ -24,14 +24,13 @@ class ReferenceTexts {
     // The bits of the references that the text equals. Most texts differ from all of them in size or first unit, so
     // that the number of references does not matter.
     [[nodiscard]] ReferenceBits find(TextView text) const noexcept {
-        if (!has_size(text.size)) {
-            if (!text.is_utf8() || text.size < sizes) return 0;
-        } else {
+        if (has_size(text.size)) {
             if (text.size == 0) return empty_;
             if (!has_first(text.size, unit(text, 0))) return 0;
-            if (text.is_padded() && text.size <= 8) return find_value(short_text(text), text.size);
+        } else if (!text.is_utf8() || text.size < sizes) {
+            return 0;
         }
-        return find_slowly(text.characters, text.size, text.width, text.encoding);
+        return find_filtered(text.characters, text.size, text.width, text.encoding);
     }
     [[nodiscard]] ReferenceBits find(ShortText text) const noexcept {
         if (!has_size(text.length)) return 0;
@@ -61,21 +60,22 @@ class ReferenceTexts {
     [[nodiscard]] ReferenceBits find_value(std::uint64_t value, std::size_t length) const noexcept {
         return find_if(length, [&](std::size_t i) { return values_[i].value == value; });
     }
-    [[nodiscard]] ReferenceBits find_slowly(const void* characters, std::size_t size, int width,
-                                            Encoding encoding) const noexcept;
+    // For a text that passes the filter. Takes it in parts: gcc keeps a text that is passed whole in memory.
+    [[nodiscard]] ReferenceBits find_filtered(const void* characters, std::size_t size, int width,
+                                              Encoding encoding) const noexcept;
     void add_to_filter(std::size_t size, std::uint32_t first) noexcept;
 
-    std::uint64_t sizes_ = 0;          // bits of the sizes that occur: in characters, in bytes of UTF-8
-    ReferenceBits empty_ = 0;          // of the empty texts
-    ReferenceBits not_ascii_ = 0;      // of the texts that are not ASCII
+    std::uint64_t sizes_ = 0;      // bits of the sizes that occur: in characters, in bytes of UTF-8
+    ReferenceBits empty_ = 0;      // of the empty texts
+    ReferenceBits not_ascii_ = 0;  // of the texts that are not ASCII
     std::size_t longest_ = 0;
-    // By size, for the sizes that occur; not initialised for the others, so that a short list costs little. A bit for the
-    // first unit, modulo 64; the last reference with as many characters.
+    // By size, for the sizes that occur; not initialised for the others, so that a short list costs little. A bit for
+    // the first unit, modulo 64; the last reference with as many characters.
     std::array<std::uint64_t, sizes> firsts_;
     std::array<std::uint8_t, sizes> heads_;
     InplaceVector<TextView, most_references> texts_;
     struct Value {
-        std::uint64_t value;  // of an ASCII text of one to eight characters, the first one lowest
+        std::uint64_t value;  // of an ASCII text: its last characters, up to eight, the first of them lowest
         std::size_t next;     // reference of as many characters
     };
     InplaceVector<Value, most_references> values_;

@@ -137,8 +137,8 @@ int compare_utf8(const void* left, std::size_t left_size, int left_width, Encodi
 bool same_unpadded(const void* left, std::size_t left_size, int left_width, Encoding left_encoding, const void* right,
                    std::size_t right_size, int right_width, Encoding right_encoding) noexcept;
 
-// By units: below 0, 0 or above 0. This is the order by code point of two texts in UTF-8, and of two texts in fixed-width
-// characters.
+// By units: below 0, 0 or above 0. This is the order by code point of two texts in UTF-8, and of two texts in
+// fixed-width characters.
 inline int compare_units(TextView left, TextView right) noexcept {
     const std::size_t common = left.size < right.size ? left.size : right.size;
     if (common != 0) {
