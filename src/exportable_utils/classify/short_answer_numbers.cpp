@@ -47,9 +47,9 @@ std::optional<Answer> answer_floats(const ArrayColumn& column, const References&
     if (!markers.numbers.empty()) {
         facts = gather_beside(column, markers, found);
     } else if (column.storage == Storage::float64) {
-        facts = core::gather_float64(column.data, column.stride, column.rows);
+        facts = core::gather_numbers<double>(column);
     } else {
-        facts = core::gather_float32(column.data, column.stride, column.rows);
+        facts = core::gather_numbers<float>(column);
     }
     if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
         facts = {.nulls = false, .values = true, .fractions = true};

@@ -77,22 +77,21 @@ template <class From, class To>
 ValuesAndCounts sorted_runs(const ArrayColumn& column, const ExcludedRows& left_out, PyArray_Descr* dtype) {
     const std::size_t size = column.rows - left_out.marked();
     Ref copy = new_array(size, dtype);
-    core::copy_kept<From>(column.data, column.stride, left_out.marks(), data_of<To>(copy), size);
+    core::copy_kept<From>(column, left_out.marks(), data_of<To>(copy), size);
     sort(copy);
     return runs_of<To>(std::move(copy), size, dtype);
 }
 
 // Integers close together are counted in a table, where no sort can follow.
 template <class Integer>
-std::optional<ValuesAndCounts> counted(const char* data, std::ptrdiff_t stride, std::size_t size,
-                                       PyArray_Descr* dtype) {
+std::optional<ValuesAndCounts> counted(const core::StridedMemory& integers, PyArray_Descr* dtype) {
     constexpr std::uint64_t most_slots = 0x10000;
-    if (size == 0) return std::nullopt;
-    const auto [least, greatest] = core::range_of<Integer>(data, stride, size);
+    if (integers.rows == 0) return std::nullopt;
+    const auto [least, greatest] = core::range_of<Integer>(integers);
     const std::uint64_t span = static_cast<std::uint64_t>(greatest) - static_cast<std::uint64_t>(least);
-    if (span >= most_slots || span > size + 256) return std::nullopt;
+    if (span >= most_slots || span > integers.rows + 256) return std::nullopt;
     std::vector<npy_intp> table(static_cast<std::size_t>(span) + 1);
-    core::count_each<Integer>(data, stride, size, least, table.data());
+    core::count_each<Integer>(integers, least, table.data());
     const auto distinct = static_cast<std::size_t>(
         std::count_if(table.begin(), table.end(), [](npy_intp occurrences) { return occurrences != 0; }));
     ValuesAndCounts found{new_array(distinct, dtype), new_array(distinct, NPY_INTP)};
@@ -110,13 +109,13 @@ template <class Integer>
 ValuesAndCounts distinct_integers(const ArrayColumn& column, const ExcludedRows& left_out) {
     PyArray_Descr* dtype = PyArray_DESCR(column.array);
     if (left_out.marked() == 0) {
-        auto found = counted<Integer>(column.data, column.stride, column.rows, dtype);
+        auto found = counted<Integer>(column, dtype);
         return found ? std::move(*found) : sorted_runs<Integer, Integer>(column, left_out, dtype);
     }
     const std::size_t size = column.rows - left_out.marked();
     Ref copy = new_array(size, dtype);
-    core::copy_kept<Integer>(column.data, column.stride, left_out.marks(), data_of<Integer>(copy), size);
-    if (auto found = counted<Integer>(PyArray_BYTES(as_array(copy)), sizeof(Integer), size, dtype)) {
+    core::copy_kept<Integer>(column, left_out.marks(), data_of<Integer>(copy), size);
+    if (auto found = counted<Integer>({PyArray_BYTES(as_array(copy)), sizeof(Integer), size}, dtype)) {
         return std::move(*found);
     }
     sort(copy);
@@ -128,8 +127,7 @@ ValuesAndCounts distinct_integers(const ArrayColumn& column, const ExcludedRows&
 std::optional<ValuesAndCounts> distinct_numbers(const ArrayColumn& column, ExcludedRows left_out) {
     std::optional<ValuesAndCounts> found;
     // A boolean may be a byte of any value, and what numpy makes of those is its own affair.
-    if (column.storage == Storage::boolean &&
-        core::range_of<std::uint8_t>(column.data, column.stride, column.rows).greatest > 1) {
+    if (column.storage == Storage::boolean && core::range_of<std::uint8_t>(column).greatest > 1) {
         return found;
     }
     core::with_number_type(column, [&](auto type) {
@@ -154,14 +152,15 @@ std::optional<ValuesAndCounts> distinct_as_float64(const ArrayColumn& column, Ex
     const std::size_t size = column.rows - left_out.marked();
     const Ref copy = new_array(size, NPY_FLOAT);
     auto* numbers = data_of<float>(copy);
-    core::copy_kept<float>(column.data, column.stride, left_out.marks(), numbers, size);
+    core::copy_kept<float>(column, left_out.marks(), numbers, size);
     if (core::has_unlike_equals(numbers, size)) return sorted_runs<float, double>(column, left_out, wide);
     // Half the width sorts faster, and where equal numbers are all alike the result is the same.
     sort(copy);
     Ref counts = collapse(numbers, size);
     const auto distinct = static_cast<std::size_t>(PyArray_SIZE(as_array(counts)));
     Ref values = new_array(distinct, wide);
-    core::copy_kept<float>(PyArray_BYTES(as_array(copy)), sizeof(float), nullptr, data_of<double>(values), distinct);
+    core::copy_kept<float>({PyArray_BYTES(as_array(copy)), sizeof(float), distinct}, nullptr, data_of<double>(values),
+                           distinct);
     return ValuesAndCounts{std::move(values), std::move(counts)};
 }
 

@@ -41,7 +41,7 @@ std::optional<std::vector<bool>> native_hits(Question question, Object X, Object
     const std::optional<ArrayColumn> column = flat_column(first);
     if (!column) return std::nullopt;
     const auto width = static_cast<std::size_t>(PyArray_DIM(array, 1));
-    const core::FloatTable table{column->data, column->rows, width, column->stride, PyArray_STRIDE(array, 1)};
+    const core::Table table{*column, width, PyArray_STRIDE(array, 1)};
     switch (column->storage) {
         case Storage::objects:
         case Storage::fixed_text:

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -26,7 +27,7 @@ struct Bounds {
     Object num_stds;
 };
 
-// NaN fails none of the three tests, since no comparison with it holds.
+// NaN fails none of the three tests: every ordered comparison with it is false.
 bool fails(Object elt, const Bounds& bounds) {
     const Ref deviation = absolute(subtract(elt, bounds.mean_value));
     const Ref allowed = multiply(bounds.num_stds, bounds.std_value);
@@ -41,7 +42,7 @@ bool vector_passes(Object X, Object k, const Bounds& bounds) {
     return true;
 }
 
-// A failing value ends its row only: the rows behind it are looked at as well.
+// A failing value ends its row only. The rows after it are tested as well.
 bool matrix_passes(Object X, Object k, const Bounds& bounds) {
     bool flag = true;
     const Py_ssize_t rows = count(row_count(X));
@@ -59,8 +60,8 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
 
 constexpr double modest_limit = 1e15;
 
-// A number whose arithmetic a 64-bit float does as the interpreter does it, rounding included: none is so large that an
-// integer would stay exact where a float is rounded.
+// An exact float or int whose arithmetic as a 64-bit float has the interpreter's result: no integer is so large that
+// only an int is exact.
 std::optional<double> modest_number(Object value) noexcept {
     double number = 0.0;
     if (PyFloat_CheckExact(value.get())) {
@@ -76,29 +77,32 @@ std::optional<double> modest_number(Object value) noexcept {
     return number;
 }
 
-// The numbers of a column, and how far the arithmetic of the kernels is that of the interpreter: exact, and without a
-// warning.
-struct Measured {
+// The arithmetic of a column, and the magnitudes for which that of the kernels has the interpreter's results without a
+// warning of numpy.
+struct Arithmetic {
     enum class As { float64, float32, whole, boolean } as;
-    double most;         // larger numbers are the interpreter's
-    double most_factor;  // and so are larger factors
+    double most;          // of the elements
+    double most_factor;   // of the factors
+    double least_normal;  // a smaller product can underflow
 };
 
-std::optional<Measured> measured(const ArrayColumn& values) noexcept {
+std::optional<Arithmetic> arithmetic_of(const ArrayColumn& values) noexcept {
     // Products of integers stay below the first that a float does not hold.
     constexpr double most_whole = 1e9;
     constexpr double most_whole_factor = 1e6;
+    constexpr double least_float64 = std::numeric_limits<double>::min();
+    constexpr double least_float32 = std::numeric_limits<float>::min();
     switch (values.storage) {
         case Storage::float64:
-            return Measured{Measured::As::float64, modest_limit, modest_limit};
+            return Arithmetic{Arithmetic::As::float64, modest_limit, modest_limit, least_float64};
         case Storage::float32:
-            return Measured{Measured::As::float32, modest_limit, modest_limit};
+            return Arithmetic{Arithmetic::As::float32, modest_limit, modest_limit, least_float32};
         case Storage::boolean:
-            return Measured{Measured::As::boolean, 1.0, most_whole_factor};
+            return Arithmetic{Arithmetic::As::boolean, 1.0, most_whole_factor, least_float64};
         case Storage::integer:
-            // Narrow integers and those without a sign overflow in ways of their own.
-            if (values.width != sizeof(std::int64_t) || !PyTypeNum_ISSIGNED(PyArray_TYPE(values.array))) break;
-            return Measured{Measured::As::whole, most_whole, most_whole_factor};
+            // Narrow and unsigned integers overflow by other rules.
+            if (values.width != sizeof(std::int64_t) || !values.is_signed) break;
+            return Arithmetic{Arithmetic::As::whole, most_whole, most_whole_factor, least_float64};
         case Storage::objects:
         case Storage::fixed_text:
             break;
@@ -106,8 +110,43 @@ std::optional<Measured> measured(const ArrayColumn& values) noexcept {
     return std::nullopt;
 }
 
-// Since numpy 2 a product or a difference of a float32 and a Python number is a float32, before that it may be a
-// float64: what the numpy in use does is seen best on the first element.
+// Nothing unless all factors are plain numbers within the limits of the arithmetic.
+std::optional<std::vector<double>> read_factors(Object unit_factors_list, const Arithmetic& arithmetic) {
+    std::vector<double> factors;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
+        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        if (!factor || std::fabs(*factor) > arithmetic.most_factor) return std::nullopt;
+        factors.push_back(*factor);
+    }
+    return factors;
+}
+
+// Nothing unless all bounds are plain numbers.
+std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
+    const auto mean = modest_number(bounds.mean_value);
+    const auto deviation = modest_number(bounds.std_value);
+    const auto min = modest_number(bounds.min_value);
+    const auto max = modest_number(bounds.max_value);
+    const auto stds = modest_number(bounds.num_stds);
+    if (!mean || !deviation || !min || !max || !stds) return std::nullopt;
+    const core::Limits limits{*mean, *stds * *deviation, *min, *max};
+    if (std::fabs(limits.allowed) > modest_limit) return std::nullopt;
+    return limits;
+}
+
+// A number x with |x| >= least_magnitude underflows with none of the factors: |factor * x| >= 2 * least_normal. A
+// difference never underflows: if it is smaller than the least normal number, it is exact.
+double least_magnitude(const std::vector<double>& factors, const Arithmetic& arithmetic) noexcept {
+    double least = 0.0;
+    for (const double factor : factors) {
+        if (factor != 0) least = std::max(least, 2 * arithmetic.least_normal / std::fabs(factor));
+    }
+    // Within the range of float32, and above every number that the kernels compute with.
+    return std::min(least, 2 * modest_limit);
+}
+
+// Since numpy 2 the product and the difference of a float32 and a Python number are float32, before it they may be
+// float64. The numpy in use is tried on the first element.
 bool stays_float32(const ArrayColumn& values) {
     const Ref first = Ref::take(PyArray_Scalar(const_cast<char*>(values.data), PyArray_DESCR(values.array),
                                                reinterpret_cast<PyObject*>(values.array)));
@@ -116,44 +155,35 @@ bool stays_float32(const ArrayColumn& values) {
            is_float32(subtract(first, 1.0));
 }
 
+// Gives up if an element overflows, underflows or is a signalling NaN: numpy may warn or raise then.
 template <class Number>
-std::optional<bool> passes(const ArrayColumn& values, const Measured& kind, const std::vector<double>& factors,
+std::optional<bool> passes(const ArrayColumn& values, const Arithmetic& arithmetic, const std::vector<double>& factors,
                            const core::Limits& limits) {
-    if (core::any_beyond<Number>(values.data, values.stride, values.rows, kind.most)) return std::nullopt;
-    return std::any_of(factors.begin(), factors.end(), [&](double factor) {
-        return core::all_within<Number>(values.data, values.stride, values.rows, factor, limits);
-    });
+    const double least = least_magnitude(factors, arithmetic);
+    if (!core::all_ordinary<Number>(values, least, arithmetic.most)) return std::nullopt;
+    if (arithmetic.as == Arithmetic::As::float32 && !stays_float32(values)) return std::nullopt;
+    return std::any_of(factors.begin(), factors.end(),
+                       [&](double factor) { return core::all_within<Number>(values, factor, limits); });
 }
 
 std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
     if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
     const std::optional<ArrayColumn> values = single_column(X);
     if (!values) return std::nullopt;
-    const std::optional<Measured> kind = measured(*values);
-    const auto mean = modest_number(bounds.mean_value);
-    const auto deviation = modest_number(bounds.std_value);
-    const auto min = modest_number(bounds.min_value);
-    const auto max = modest_number(bounds.max_value);
-    const auto stds = modest_number(bounds.num_stds);
-    if (!kind || !mean || !deviation || !min || !max || !stds) return std::nullopt;
-    const core::Limits limits{*mean, *stds * *deviation, *min, *max};
-    if (std::fabs(limits.allowed) > modest_limit) return std::nullopt;
-    std::vector<double> factors;
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
-        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
-        if (!factor || std::fabs(*factor) > kind->most_factor) return std::nullopt;
-        factors.push_back(*factor);
-    }
-    switch (kind->as) {
-        case Measured::As::float64:
-            return passes<double>(*values, *kind, factors, limits);
-        case Measured::As::float32:
-            if (!stays_float32(*values)) return std::nullopt;
-            return passes<float>(*values, *kind, factors, limits);
-        case Measured::As::whole:
-            return passes<std::int64_t>(*values, *kind, factors, limits);
-        case Measured::As::boolean:
-            return passes<std::uint8_t>(*values, *kind, factors, limits);
+    const std::optional<Arithmetic> arithmetic = arithmetic_of(*values);
+    const std::optional<core::Limits> limits = read_limits(bounds);
+    if (!arithmetic || !limits) return std::nullopt;
+    const std::optional<std::vector<double>> factors = read_factors(unit_factors_list, *arithmetic);
+    if (!factors) return std::nullopt;
+    switch (arithmetic->as) {
+        case Arithmetic::As::float64:
+            return passes<double>(*values, *arithmetic, *factors, *limits);
+        case Arithmetic::As::float32:
+            return passes<float>(*values, *arithmetic, *factors, *limits);
+        case Arithmetic::As::whole:
+            return passes<std::int64_t>(*values, *arithmetic, *factors, *limits);
+        case Arithmetic::As::boolean:
+            return passes<std::uint8_t>(*values, *arithmetic, *factors, *limits);
     }
     return std::nullopt;
 }
@@ -245,7 +275,7 @@ True
 )",
     .body = [](Object dfc) -> Ref {
         if (first_cell_is_text(dfc)) return Ref::truth(false);
-        // The mean is that of the two means; the deviation is (2.9 ** 2 + 2.7 ** 2) / 4.
+        // mean = (69.1 + 63.7) / 2, deviation = (2.9 ** 2 + 2.7 ** 2) / 4
         return check({dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, list({1, 2.54})});
     },
 };
@@ -316,7 +346,7 @@ True
 )",
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        // The first row stands for the column.
+        // Only the first row is classified.
         const auto [miss_values, dtype_str] =
             Classifier()(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
         if (first_cell_is_text(dfc) || truth(compare(dtype_str, Py_NE, "int_num"_py))) return Ref::truth(false);

@@ -149,7 +149,7 @@ bool can_only_be_null(const ArrayColumn& column, const References& values) noexc
 Members null_rows(const ArrayColumn& column, std::uint32_t bits) {
     Members found{new_array(column.rows, NPY_BOOL)};
     const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
-    found.marked = mark(column.data, column.stride, column.rows, PyArray_BYTES(as_array(found.mask)));
+    found.marked = mark(column, PyArray_BYTES(as_array(found.mask)));
     if (found.marked != 0) found.bits = bits;
     return found;
 }

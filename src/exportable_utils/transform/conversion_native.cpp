@@ -134,7 +134,7 @@ Ref native_boolean2float(Object X, Object missing_values_reference_list) {
         char& flag = PyArray_BYTES(column->array)[static_cast<std::ptrdiff_t>(row) * column->stride];
         if (flag == 0 ? false_is_missing : true_is_missing) flag = 1;
     }
-    core::write_flags(column->data, column->stride, column->rows, floats_of(Y));
+    core::write_flags(*column, floats_of(Y));
     return Y;
 }
 
