@@ -51,6 +51,8 @@ std::optional<Answer> answer_floats(const ArrayColumn& column, const References&
     } else {
         facts = core::gather_numbers<float>(column);
     }
+    // numpy warns of a signalling NaN.
+    if (facts.nulls && core::any_signalling_nan(column)) return std::nullopt;
     if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
         facts = {.nulls = false, .values = true, .fractions = true};
     }

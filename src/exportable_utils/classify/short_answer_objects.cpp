@@ -2,6 +2,7 @@
 #include <bit>
 #include <cmath>
 
+#include "core/float_bits.hpp"
 #include "exportable_utils/classify/short_answer_parts.hpp"
 #include "exportable_utils/distinct/object_tally.hpp"
 
@@ -67,6 +68,7 @@ bool gather_objects(const ArrayColumn& column, const References& markers, Object
         if (type == &PyFloat_Type && !numbers) {
             const double real = PyFloat_AS_DOUBLE(value);
             const bool nan = std::isnan(real);
+            if (nan && core::is_signalling_nan(real)) return false;
             facts.nan = facts.nan || nan;
             facts.reals = facts.reals || !nan;
             facts.fractions = facts.fractions || !(nan || is_whole(real));

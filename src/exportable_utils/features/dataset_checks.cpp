@@ -1,5 +1,6 @@
 // Questions about a whole data set. Five of them are one walk over the columns: each column is classified, and what
 // is asked of the answer, and what is done with it, is a line per question.
+#include <algorithm>
 #include <optional>
 #include <vector>
 
@@ -28,6 +29,22 @@ bool hit(Question question, const Classified& column) {
            equal(column.dtype_str, "float_str"_py);
 }
 
+// The columns with nulls, if these count. Nothing if numpy would warn of a signalling NaN in a column that the walk
+// over the columns classifies: with one_is_enough it ends at the first column with a null.
+template <class Float>
+std::optional<std::vector<bool>> null_hits(core::Table table, bool nulls_count, bool one_is_enough) {
+    if (!nulls_count) {
+        if (core::any_signalling_nan<Float>(table)) return std::nullopt;
+        return std::vector<bool>(table.columns);
+    }
+    std::vector<bool> hits = core::null_columns<Float>(table, one_is_enough);
+    const auto first = static_cast<std::size_t>(std::find(hits.begin(), hits.end(), true) - hits.begin());
+    if (first == hits.size()) return hits;
+    if (one_is_enough) table.columns = first + 1;
+    if (core::any_signalling_nan<Float>(table)) return std::nullopt;
+    return hits;
+}
+
 // The columns of a table of numbers that the question hits, straight from its memory: numbers are never text, and
 // without a number among the markers only nulls are missing.
 std::optional<std::vector<bool>> native_hits(Question question, Object X, Object markers_list, bool one_is_enough) {
@@ -42,16 +59,15 @@ std::optional<std::vector<bool>> native_hits(Question question, Object X, Object
     if (!column) return std::nullopt;
     const auto width = static_cast<std::size_t>(PyArray_DIM(array, 1));
     const core::Table table{*column, width, PyArray_STRIDE(array, 1)};
+    const bool nulls_count = question.missing && markers->null_bits != 0;
     switch (column->storage) {
         case Storage::objects:
         case Storage::fixed_text:
             return std::nullopt;
         case Storage::float64:
-            if (!question.missing || markers->null_bits == 0) break;
-            return core::null_columns<double>(table, one_is_enough);
+            return null_hits<double>(table, nulls_count, one_is_enough);
         case Storage::float32:
-            if (!question.missing || markers->null_bits == 0) break;
-            return core::null_columns<float>(table, one_is_enough);
+            return null_hits<float>(table, nulls_count, one_is_enough);
         case Storage::integer:
         case Storage::boolean:
             break;

@@ -146,13 +146,14 @@ double least_magnitude(const std::vector<double>& factors, const Arithmetic& ari
 }
 
 // Since numpy 2 the product and the difference of a float32 and a Python number are float32, before it they may be
-// float64. The numpy in use is tried on the first element.
-bool stays_float32(const ArrayColumn& values) {
-    const Ref first = Ref::take(PyArray_Scalar(const_cast<char*>(values.data), PyArray_DESCR(values.array),
-                                               reinterpret_cast<PyObject*>(values.array)));
-    const auto is_float32 = [](const Ref& number) { return Py_TYPE(number.get()) == &PyFloatArrType_Type; };
-    return is_float32(multiply(1, first)) && is_float32(multiply(1.0, first)) && is_float32(subtract(first, 1)) &&
-           is_float32(subtract(first, 1.0));
+// float64. The numpy in use is tried, before the column is opened: an operator is foreign code.
+bool products_stay_float32() {
+    float number = 1;
+    const Ref dtype = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_FLOAT)));
+    const Ref one = Ref::take(PyArray_Scalar(&number, reinterpret_cast<PyArray_Descr*>(dtype.get()), nullptr));
+    const auto is_float32 = [](const Ref& result) { return Py_TYPE(result.get()) == &PyFloatArrType_Type; };
+    return is_float32(multiply(1, one)) && is_float32(multiply(1.0, one)) && is_float32(subtract(one, 1)) &&
+           is_float32(subtract(one, 1.0));
 }
 
 // Gives up if an element overflows, underflows or is a signalling NaN: numpy may warn or raise then.
@@ -161,13 +162,17 @@ std::optional<bool> passes(const ArrayColumn& values, const Arithmetic& arithmet
                            const core::Limits& limits) {
     const double least = least_magnitude(factors, arithmetic);
     if (!core::all_ordinary<Number>(values, least, arithmetic.most)) return std::nullopt;
-    if (arithmetic.as == Arithmetic::As::float32 && !stays_float32(values)) return std::nullopt;
     return std::any_of(factors.begin(), factors.end(),
                        [&](double factor) { return core::all_within<Number>(values, factor, limits); });
 }
 
+bool is_float32_array(Object X) noexcept {
+    return is_exact_array(X) && PyArray_TYPE(as_array(X)) == NPY_FLOAT;
+}
+
 std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
     if (!originals_in_place() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
+    const bool float32_stays = is_float32_array(X) && products_stay_float32();
     const std::optional<ArrayColumn> values = single_column(X);
     if (!values) return std::nullopt;
     const std::optional<Arithmetic> arithmetic = arithmetic_of(*values);
@@ -179,6 +184,7 @@ std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_fac
         case Arithmetic::As::float64:
             return passes<double>(*values, *arithmetic, *factors, *limits);
         case Arithmetic::As::float32:
+            if (!float32_stays) return std::nullopt;
             return passes<float>(*values, *arithmetic, *factors, *limits);
         case Arithmetic::As::whole:
             return passes<std::int64_t>(*values, *arithmetic, *factors, *limits);

@@ -7,6 +7,8 @@
 
 #include "core/column.hpp"
 #include "core/distinct/number_runs.hpp"
+#include "core/float_bits.hpp"
+#include "core/gather/number_facts.hpp"
 #include "python/errors.hpp"
 
 namespace quorin::references {
@@ -40,6 +42,11 @@ std::optional<std::uint32_t> bits_of_other(PyObject* value, const References& va
     return values.bits_of_object(number);
 }
 
+bool is_plain_number(PyObject* value) noexcept {
+    if (PyFloat_CheckExact(value)) return !core::is_signalling_nan(PyFloat_AS_DOUBLE(value));
+    return PyLong_CheckExact(value);
+}
+
 // Each of these calls on_match(row, bits) for the rows that equal a value, and answers false where it gives up.
 
 template <class OnMatch>
@@ -61,7 +68,7 @@ bool match_objects(const ArrayColumn& column, const References& values, OnMatch 
             case core::Cell::other: {
                 PyObject* value = column.object(row);
                 // Plain numbers equal no text.
-                if (!numbers && value != nullptr && (PyLong_CheckExact(value) || PyFloat_CheckExact(value))) break;
+                if (!numbers && value != nullptr && is_plain_number(value)) break;
                 const std::optional<std::uint32_t> bits = bits_of_other(value, values);
                 if (!bits) return false;
                 if (*bits != 0) on_match(row, *bits);
@@ -88,10 +95,17 @@ bool match_fixed_texts(const ArrayColumn& column, const References& values, OnMa
 
 template <class Float, class OnMatch>
 bool match_floats(const ArrayColumn& column, const References& values, OnMatch on_match) {
-    if (values.null_bits == 0 && values.numbers.empty()) return true;
+    // numpy warns of a signalling NaN, whatever it is compared with.
+    if (values.null_bits == 0 && values.numbers.empty()) return !core::any_signalling_nan<Float>(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
-        const double value = static_cast<double>(core::load<Float>(column, row));
-        const std::uint32_t bits = std::isnan(value) ? values.null_bits : values.bits_of_number(value);
+        const Float value = core::load<Float>(column, row);
+        std::uint32_t bits = 0;
+        if (std::isnan(value)) {
+            if (core::is_signalling_nan(value)) return false;
+            bits = values.null_bits;
+        } else {
+            bits = values.bits_of_number(static_cast<double>(value));
+        }
         if (bits != 0) on_match(row, bits);
     }
     return true;
@@ -145,13 +159,24 @@ bool can_only_be_null(const ArrayColumn& column, const References& values) noexc
     return is_float(column) && values.numbers.empty();
 }
 
-// The rows that hold NaN.
-Members null_rows(const ArrayColumn& column, std::uint32_t bits) {
+// The rows that hold NaN; nothing if one of them is signalling. Both tests read a block while it is in the cache.
+template <class Float>
+std::optional<Members> null_rows_of(const ArrayColumn& column, std::uint32_t bits) {
+    constexpr std::size_t block_size = 2048;
     Members found{new_array(column.rows, NPY_BOOL)};
-    const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
-    found.marked = mark(column, PyArray_BYTES(as_array(found.mask)));
+    char* mask = PyArray_BYTES(as_array(found.mask));
+    for (std::size_t begin = 0; begin < column.rows; begin += block_size) {
+        const core::StridedMemory block = column.part(begin, std::min(column.rows, begin + block_size));
+        const std::size_t nulls = core::mark_nulls<Float>(block, mask + begin);
+        if (nulls != 0 && core::any_signalling_nan<Float>(block)) return std::nullopt;
+        found.marked += nulls;
+    }
     if (found.marked != 0) found.bits = bits;
     return found;
+}
+
+std::optional<Members> null_rows(const ArrayColumn& column, std::uint32_t bits) {
+    return column.storage == Storage::float64 ? null_rows_of<double>(column, bits) : null_rows_of<float>(column, bits);
 }
 
 std::optional<Members> first_members(const ArrayColumn& column, const References& values) {
@@ -190,10 +215,11 @@ std::optional<Ref> membership_mask(const ArrayColumn& column, const References& 
 std::optional<MarkedRows> marked_rows(const ArrayColumn& column, const References& values) {
     MarkedRows found;
     if (can_only_be_null(column, values) && std::has_single_bit(values.null_bits)) {
-        Members nulls = null_rows(column, values.null_bits);
-        found.bits = nulls.bits;
-        if (nulls.bits != 0) found.masks.push_back(Ref::share(nulls.mask));
-        found.mask = std::move(nulls.mask);
+        std::optional<Members> nulls = null_rows(column, values.null_bits);
+        if (!nulls) return std::nullopt;
+        found.bits = nulls->bits;
+        if (nulls->bits != 0) found.masks.push_back(Ref::share(nulls->mask));
+        found.mask = std::move(nulls->mask);
         return found;
     }
     std::array<Ref, core::most_references> masks;

@@ -74,6 +74,8 @@ bool numbers_to_floats(const ArrayColumn& column, const References& missing, dou
         const bool compared = !missing.numbers.empty();
         // How markers compare with short floats depends on the version of numpy.
         if (compared && std::is_same_v<Number, float>) return false;
+        // numpy may warn when it converts a signalling NaN.
+        if (std::is_same_v<Number, float> && core::any_signalling_nan(column)) return false;
         for (std::size_t row = 0; row < column.rows; ++row) {
             const Number number = core::load<Number>(column, row);
             double value = static_cast<double>(number);
