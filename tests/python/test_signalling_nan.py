@@ -97,14 +97,18 @@ class PassThrough:
 
 
 def warned(call: Callable[[np.ndarray], Any], column: np.ndarray) -> List[str]:
-    """The warnings of a call, and its result or error as text, which does not show a NaN's bits."""
+    """What numpy warns of in a call, and its result or error as text.
+
+    The text does not show the bits of a NaN. Other warnings are those of deprecated names.
+    """
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")
         try:
             result = call(column)
         except Exception as error:
             result = error
-    return [str(warning.message) for warning in caught] + [repr(result)]
+    runtime = [warning for warning in caught if issubclass(warning.category, RuntimeWarning)]
+    return [str(warning.message) for warning in runtime] + [repr(result)]
 
 
 def of_interpreter_route(
