@@ -36,8 +36,7 @@ struct ObjectNumber {
 
 // A signalling NaN has no known type: numpy warns when it is compared.
 inline ObjectNumber object_number_of(double value, bool scalar) noexcept {
-    if (core::is_signalling_nan(value)) return {};
-    return {NumberType::real, scalar, 0, value};
+    return {core::is_signalling_nan(value) ? NumberType::none : NumberType::real, scalar, 0, value};
 }
 
 inline ObjectNumber object_number_of(PyObject* value) noexcept {
