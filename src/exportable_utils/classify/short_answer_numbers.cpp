@@ -62,6 +62,7 @@ bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, 
 
 }  // namespace
 
+<<<<<<< HEAD
 bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     const References& references = *arguments.references;
     core::NumberFacts numbers;
@@ -74,6 +75,27 @@ bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     if (numbers.nulls) facts.references |= references.null_bits;
     if (numbers.values) facts.verdict.kinds.add(numbers.fractions ? Kind::float_num : Kind::float_int_num);
     return true;
+=======
+// NaN that no marker takes away is a value with a fraction.
+std::optional<Answer> answer_floats(const ArrayColumn& column, const References& markers) {
+    core::ReferenceBits found = 0;
+    core::NumberFacts facts;
+    if (!markers.numbers.empty()) {
+        facts = gather_beside(column, markers, found);
+    } else if (column.storage == Storage::float64) {
+        facts = core::gather_numbers<double>(column);
+    } else {
+        facts = core::gather_numbers<float>(column);
+    }
+    // numpy warns of a signalling NaN.
+    if (facts.nulls && core::any_signalling_nan(column)) return std::nullopt;
+    if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
+        facts = {.nulls = false, .values = true, .fractions = true};
+    }
+    if (!facts.values) return no_values(markers, found, facts.nulls);
+    if (facts.nulls) found |= markers.null_bits;
+    return Answer{list_of_references(markers, found), facts.fractions ? Kind::float_num : Kind::float_int_num};
+>>>>>>> main
 }
 
 bool gather_integers(NativeArguments& arguments, ShortFacts& facts) {
