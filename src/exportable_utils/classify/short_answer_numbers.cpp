@@ -41,8 +41,8 @@ core::NumberFacts gather_others(const ArrayColumn& column, const References& ref
 }
 
 core::NumberFacts gather_all(const ArrayColumn& column) {
-    return column.storage == Storage::float64 ? core::gather_float64(column.data, column.stride, column.rows)
-                                              : core::gather_float32(column.data, column.stride, column.rows);
+    return column.storage == Storage::float64 ? core::gather_numbers<double>(column)
+                                              : core::gather_numbers<float>(column);
 }
 
 bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, ReferenceBits& found) {
@@ -60,13 +60,20 @@ bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, 
     });
 }
 
+bool any_signalling_nan(const ColumnSource& source) {
+    return !source.in_blocks([](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return !core::any_signalling_nan(rows_of(column, first, last));
+    });
+}
+
 }  // namespace
 
-<<<<<<< HEAD
 bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     const References& references = *arguments.references;
     core::NumberFacts numbers;
     if (!gather_numbers(arguments, numbers, facts.references)) return false;
+    // numpy warns of a signalling NaN.
+    if (numbers.nulls && any_signalling_nan(*arguments.column)) return false;
     if (numbers.nulls && references.null_bits == 0 && !references.none()) {
         // NaN that is not missing is a value with a fraction.
         facts.verdict.kinds.add(Kind::float_num);
@@ -75,27 +82,6 @@ bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     if (numbers.nulls) facts.references |= references.null_bits;
     if (numbers.values) facts.verdict.kinds.add(numbers.fractions ? Kind::float_num : Kind::float_int_num);
     return true;
-=======
-// NaN that no marker takes away is a value with a fraction.
-std::optional<Answer> answer_floats(const ArrayColumn& column, const References& markers) {
-    core::ReferenceBits found = 0;
-    core::NumberFacts facts;
-    if (!markers.numbers.empty()) {
-        facts = gather_beside(column, markers, found);
-    } else if (column.storage == Storage::float64) {
-        facts = core::gather_numbers<double>(column);
-    } else {
-        facts = core::gather_numbers<float>(column);
-    }
-    // numpy warns of a signalling NaN.
-    if (facts.nulls && core::any_signalling_nan(column)) return std::nullopt;
-    if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
-        facts = {.nulls = false, .values = true, .fractions = true};
-    }
-    if (!facts.values) return no_values(markers, found, facts.nulls);
-    if (facts.nulls) found |= markers.null_bits;
-    return Answer{list_of_references(markers, found), facts.fractions ? Kind::float_num : Kind::float_int_num};
->>>>>>> main
 }
 
 bool gather_integers(NativeArguments& arguments, ShortFacts& facts) {

@@ -2,12 +2,8 @@
 #include <bit>
 #include <cmath>
 
-<<<<<<< HEAD
-#include "exportable_utils/classify/short_facts.hpp"
-=======
 #include "core/float_bits.hpp"
-#include "exportable_utils/classify/short_answer_parts.hpp"
->>>>>>> main
+#include "exportable_utils/classify/short_facts.hpp"
 #include "exportable_utils/distinct/object_tally.hpp"
 
 namespace quorin::classify {
@@ -45,22 +41,17 @@ class NumberObjects {
 
 bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
     const ObjectCells cells(column);
-<<<<<<< HEAD
     const bool compared = !references_.numbers.empty();
-    for (std::size_t row = first; row < last; ++row) {
-=======
-    const bool numbers = !markers.numbers.empty();
     std::uint64_t nan_bits = ~std::uint64_t{0};  // the bits that are set in every NaN; kept without a branch
-    for (std::size_t row = 0; row < column.rows; ++row) {
->>>>>>> main
+    for (std::size_t row = first; row < last; ++row) {
         cells.prefetch(row + core::prefetch_distance);
         PyObject* value = column.object(row);
         if (value == nullptr) return false;
         const PyTypeObject* type = Py_TYPE(value);
         if (type == &PyFloat_Type && !compared) {
             const double real = PyFloat_AS_DOUBLE(value);
-<<<<<<< HEAD
             const bool is_nan = std::isnan(real);
+            nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(is_nan) - 1U);
             nan = nan || is_nan;
             reals = reals || !is_nan;
             fractions = fractions || !(is_nan || is_whole(real));
@@ -68,28 +59,9 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
             integers = true;  // of any size
         } else if (!add(value)) {
             return false;
-=======
-            const bool nan = std::isnan(real);
-            nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(nan) - 1U);
-            facts.nan = facts.nan || nan;
-            facts.reals = facts.reals || !nan;
-            facts.fractions = facts.fractions || !(nan || is_whole(real));
-        } else if (type == &PyLong_Type && !numbers) {
-            facts.integers = true;  // whatever its size
-        } else if (value == Py_None) {
-            facts.none = true;
-        } else if (type == &PyUnicode_Type) {
-            core::TextView text{};
-            if (cells.read(row, text) != core::Cell::text) return false;
-            const core::ReferenceBits found = markers.texts.find(text);
-            if (found == 0) return false;
-            facts.markers |= markers.bits_of_texts(found);
-        } else {
-            const ObjectNumber number = object_number_of(value);
-            if (number.type == NumberType::none || !gather_number(number, markers, facts)) return false;
->>>>>>> main
         }
     }
+    // numpy warns of a signalling NaN.
     return (nan_bits & core::quiet_bit<double>) != 0;
 }
 
