@@ -61,6 +61,7 @@ Ref new_objects(std::span<const npy_intp> shape, Where where) {
 }
 
 Ref numpy_alias(At name, Object builtin) {
+    foreign_code_may_run(name.where);
     const Ref np = global(At("np"_py, name.where));
     if (PyModule_Check(np.get())) {
         PyObject* held = PyDict_GetItemWithError(PyModule_GetDict(np.get()), name.name.text);

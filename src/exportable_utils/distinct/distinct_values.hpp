@@ -101,9 +101,7 @@ class DistinctTexts {
         }
         if (!core::add_rows(table_, ObjectCells(column), first, last, skip)) return false;
         // Owned, so that the entries stay valid when the column no longer is borrowed.
-        for (std::size_t i = objects_.size(); i < entries().size(); ++i) {
-            objects_.push_back(Ref::share(column.object(entries()[i].row)));
-        }
+        take_objects(column, entries(), objects_);
         return true;
     }
     // Of fixed-width text the entries view the array's memory; check that it has not changed before reading them.

@@ -57,9 +57,7 @@ bool ObjectTally::add(const ArrayColumn& column, const ObjectCells& cells, std::
 }
 
 void ObjectTally::hold(const ArrayColumn& column) {
-    for (std::size_t i = held_.size(); i < entries_.size(); ++i) {
-        held_.push_back(Ref::share(column.object(entries_[i].row)));
-    }
+    take_objects(column, entries_, held_);
     // Not an entry's object, so it may be freed while foreign code runs.
     last_ = nullptr;
 }

@@ -2,6 +2,7 @@
 // Python defines it: 1, 1.0 and True are equal, no text equals a number, NaN equals only itself.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "core/distinct/number_table.hpp"
@@ -10,6 +11,18 @@
 #include "python/inputs/object_number.hpp"
 
 namespace quorin::distinct {
+
+// Extends `objects` by the objects of the entries that have none there yet.
+template <class Entry>
+void take_objects(const ArrayColumn& column, const std::vector<Entry>& entries, std::vector<Ref>& objects) {
+    constexpr std::size_t ahead = 16;
+    const std::size_t size = entries.size();
+    if (objects.capacity() < size) objects.reserve(std::max(size, 2 * objects.capacity()));
+    for (std::size_t i = objects.size(); i < size; ++i) {
+        if (i + ahead < size) __builtin_prefetch(column.object(entries[i + ahead].row), 1);
+        objects.push_back(Ref::share(column.object(entries[i].row)));
+    }
+}
 
 class ObjectTally {
   public:

@@ -50,18 +50,19 @@ Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
 
-// list(mask) of an all-false mask. Garbage collection does not see the list until it is complete.
+// list(mask) of an all-false mask.
 Ref all_false(std::size_t rows) {
-    foreign_code_may_run();
-    Ref values = Ref::take(PyList_New(static_cast<Py_ssize_t>(rows)));
-    PyObject_GC_UnTrack(values.get());
+    const Ref value = list({PyArrayScalar_False});
+    const auto repeated = [&](std::size_t first, std::size_t last) {
+        foreign_code_may_run();
+        return Ref::take(PySequence_Repeat(value.get(), static_cast<Py_ssize_t>(last - first)));
+    };
+    Ref values;
     in_blocks(rows, [&](std::size_t first, std::size_t last) {
-        for (std::size_t row = first; row < last; ++row) {
-            PyList_SET_ITEM(values.get(), static_cast<Py_ssize_t>(row), Ref::share(PyArrayScalar_False).give());
-        }
+        Ref part = repeated(first, last);
+        values = first == 0 ? std::move(part) : add_in_place(values, part);
         return true;
     });
-    PyObject_GC_Track(values.get());
     return values;
 }
 

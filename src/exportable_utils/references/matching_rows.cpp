@@ -22,7 +22,8 @@ std::uint8_t* bytes_of(Object mask) noexcept {
 //     bits(row) == classes[codes[row] - 1], for all rows with codes[row] != 0.
 class RowCodes {
   public:
-    explicit RowCodes(std::uint8_t* codes) noexcept : codes_(codes) {}
+    RowCodes() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `classes_`
+    void write_to(std::uint8_t* codes) noexcept { codes_ = codes; }
     void set(std::size_t row, ReferenceBits bits) noexcept {
         const auto code = static_cast<std::size_t>(std::countr_zero(bits));
         classes_[code] = bits;
@@ -57,8 +58,8 @@ class RowCodes {
     }
 
   private:
-    std::uint8_t* codes_;
-    std::array<ReferenceBits, core::most_references> classes_;
+    std::uint8_t* codes_ = nullptr;
+    std::array<ReferenceBits, core::most_references> classes_;  // not initialised: the codes in use have one
     ReferenceBits bits_ = 0;
     std::size_t marked_ = 0;
     bool only_class_ = false;
@@ -195,12 +196,6 @@ std::size_t mark_nulls(const ArrayColumn& column, std::uint8_t* mask) noexcept {
     return mark(column.data, column.stride, column.rows, reinterpret_cast<char*>(mask));
 }
 
-struct CodedRows {
-    explicit CodedRows(Ref array) noexcept : mask(std::move(array)), codes(bytes_of(mask)) {}
-    Ref mask;  // holds the codes
-    RowCodes codes;
-};
-
 // The rows of a column of floats that are NaN.
 bool find_null_codes(const ColumnSource& column, ReferenceBits null_bits, RowCodes& codes) {
     return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
@@ -216,16 +211,14 @@ bool find_row_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& 
     });
 }
 
-std::optional<CodedRows> find_codes(const ColumnSource& column, const Wanted& wanted) {
-    std::optional<CodedRows> found;
-    if (is_float(column.storage()) && wanted.references.numbers.empty() && wanted.null_bits != 0) {
-        found.emplace(new_array(column.rows(), NPY_BOOL));
-        if (!find_null_codes(column, wanted.null_bits, found->codes)) found.reset();
-    } else {
-        found.emplace(new_zeros(column.rows(), NPY_BOOL));
-        if (!find_row_codes(column, wanted, found->codes)) found.reset();
-    }
-    return found;
+// An array of codes, or an empty Ref to give up.
+Ref find_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& codes) {
+    const bool nulls_only = is_float(column.storage()) && wanted.references.numbers.empty() && wanted.null_bits != 0;
+    Ref array = nulls_only ? new_array(column.rows(), NPY_BOOL) : new_zeros(column.rows(), NPY_BOOL);
+    codes.write_to(bytes_of(array));
+    const bool done =
+        nulls_only ? find_null_codes(column, wanted.null_bits, codes) : find_row_codes(column, wanted, codes);
+    return done ? std::move(array) : Ref();
 }
 
 // Turns codes into a mask, or into the mask of one code. Blocks: `out` may be `codes`.
@@ -257,9 +250,9 @@ void codes_to_mask(const RowCodes& codes, std::size_t rows) {
 std::optional<Members> find_members(const ColumnSource& column, const References& references, Match match) {
     std::optional<Members> members;
     const ReferenceBits null_bits = match == Match::without_nulls ? 0 : references.null_bits;
-    std::optional<CodedRows> found = find_codes(column, {references, null_bits});
-    if (!found) return members;
-    const RowCodes& codes = found->codes;
+    RowCodes codes;
+    Ref array = find_codes(column, {references, null_bits}, codes);
+    if (!array) return members;
     members.emplace();
     members->bits = codes.bits();
     members->marked = codes.marked();
@@ -269,7 +262,7 @@ std::optional<Members> find_members(const ColumnSource& column, const References
     } else {
         codes_to_mask(codes, column.rows());
     }
-    members->mask = std::move(found->mask);
+    members->mask = std::move(array);
     return members;
 }
 
@@ -286,9 +279,9 @@ Ref membership_mask(const ColumnSource& column, const References& references, Ma
 
 std::optional<MatchedRows> matched_rows(const ColumnSource& column, const References& references) {
     std::optional<MatchedRows> rows;
-    std::optional<CodedRows> found = find_codes(column, {references, references.null_bits});
-    if (!found) return rows;
-    const RowCodes& codes = found->codes;
+    RowCodes codes;
+    Ref array = find_codes(column, {references, references.null_bits}, codes);
+    if (!array) return rows;
     rows.emplace();
     rows->bits = codes.bits();
     for (ReferenceBits left = rows->bits; left != 0 && !std::has_single_bit(rows->bits); left &= left - 1) {
@@ -297,8 +290,8 @@ std::optional<MatchedRows> matched_rows(const ColumnSource& column, const Refere
         rows->masks.push_back(std::move(mask));
     }
     codes_to_mask(codes, column.rows());
-    if (std::has_single_bit(rows->bits)) rows->masks.push_back(Ref::share(found->mask));
-    rows->mask = std::move(found->mask);
+    if (std::has_single_bit(rows->bits)) rows->masks.push_back(Ref::share(array));
+    rows->mask = std::move(array);
     return rows;
 }
 
