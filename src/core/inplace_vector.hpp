@@ -1,4 +1,4 @@
-// A short list that needs no memory of its own.
+// A vector of limited size that allocates no memory.
 #pragma once
 
 #include <array>
@@ -8,29 +8,27 @@
 
 namespace quorin::core {
 
-// Up to `Most` plain things, in place. Room that is not used is not touched either: what is made for a single short
-// question costs no more than what is put into it.
-template <class Thing, std::size_t Most>
+// Up to `Most` values, stored in place. Unused room is not initialised: a large `Most` costs nothing until it is used.
+template <class Value, std::size_t Most>
 class InplaceVector {
-    static_assert(std::is_trivially_copyable_v<Thing>);
+    static_assert(std::is_trivially_copyable_v<Value>);
 
   public:
-    InplaceVector() noexcept {
-    }  // NOLINT(*-use-equals-default): no thing is there yet, which a union cannot tell by itself
-    void push_back(const Thing& thing) noexcept {
+    InplaceVector() noexcept {}  // NOLINT(*-use-equals-default): the union has no active member yet
+    void push_back(const Value& value) noexcept {
         assert(size_ < Most);
-        things_[size_++] = thing;
+        values_[size_++] = value;
     }
     [[nodiscard]] std::size_t size() const noexcept { return size_; }
     [[nodiscard]] bool empty() const noexcept { return size_ == 0; }
-    [[nodiscard]] const Thing& operator[](std::size_t i) const noexcept { return things_[i]; }
-    [[nodiscard]] const Thing* begin() const noexcept { return things_.data(); }
-    [[nodiscard]] const Thing* end() const noexcept { return things_.data() + size_; }
+    [[nodiscard]] const Value& operator[](std::size_t i) const noexcept { return values_[i]; }
+    [[nodiscard]] const Value* begin() const noexcept { return values_.data(); }
+    [[nodiscard]] const Value* end() const noexcept { return values_.data() + size_; }
 
   private:
     std::size_t size_ = 0;
     union {
-        std::array<Thing, Most> things_;
+        std::array<Value, Most> values_;
     };
 };
 

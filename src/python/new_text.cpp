@@ -35,7 +35,7 @@ bool narrow(const std::uint32_t* characters, std::size_t length,
 }
 
 Ref searched_text(core::TextView text) {
-    return Ref::take(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
+    return Ref::take(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.size)));
 }
 
 }  // namespace
@@ -49,11 +49,11 @@ Ref ascii_text(std::string_view characters) {
 }
 
 Ref new_text(core::TextView text) {
-    if (text.compact) return ascii_text({static_cast<const char*>(text.characters), text.length});
-    if (std::endian::native == std::endian::little && text.width == 4 && text.length <= longest_narrowed) {
+    if (text.is_ascii()) return ascii_text({static_cast<const char*>(text.characters), text.size});
+    if (std::endian::native == std::endian::little && text.width == 4 && text.size <= longest_narrowed) {
         std::array<char, longest_narrowed> narrowed;
-        if (narrow(static_cast<const std::uint32_t*>(text.characters), text.length, narrowed)) {
-            return ascii_text({narrowed.data(), text.length});
+        if (narrow(static_cast<const std::uint32_t*>(text.characters), text.size, narrowed)) {
+            return ascii_text({narrowed.data(), text.size});
         }
     }
     return searched_text(text);
@@ -65,9 +65,9 @@ Ref text_scalar(Object text) {
 }
 
 Ref text_without_white_space(core::TextView text, std::vector<char>& room) {
-    room.resize(std::max(room.size(), text.length * static_cast<std::size_t>(text.width)));
+    room.resize(std::max(room.size(), text.size * static_cast<std::size_t>(text.width)));
     const std::size_t left = core::remove_white_space(text, character_tables, room.data());
-    return text.compact ? ascii_text({room.data(), left}) : new_text({room.data(), left, text.width});
+    return text.is_ascii() ? ascii_text({room.data(), left}) : new_text({room.data(), left, text.width});
 }
 
 }  // namespace quorin

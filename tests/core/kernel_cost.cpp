@@ -15,7 +15,10 @@
 #include <type_traits>
 #include <vector>
 
+#include "core/cells/dictionary.hpp"
 #include "core/cells/fixed_width.hpp"
+#include "core/cells/utf8_offsets.hpp"
+#include "core/cells/utf8_views.hpp"
 #include "core/distinct/key_order.hpp"
 #include "core/distinct/number_runs.hpp"
 #include "core/distinct/number_table.hpp"
@@ -89,7 +92,7 @@ class ObjectColumn {
         const Object* object = objects_[row];
         if (object->type != &text_type) return object->type == &null_type ? Cell::null : Cell::other;
         if (object->state == 0) return Cell::other;
-        text = {object + 1, object->length, static_cast<int>(object->state), true};
+        text = {object + 1, object->length, static_cast<int>(object->state), Encoding::padded_ascii};
         return Cell::text;
     }
     static constexpr std::string_view null_text{"null"};
@@ -161,8 +164,8 @@ template <class Cells>
 void classify_column(const Cells& cells) {
     const ReferenceTexts set = markers();
     TextFacts facts;
-    gather_facts(cells, set, script, facts);
-    total += facts.markers + (facts.integers ? 1U : 0U) + (facts.reals ? 1U : 0U);
+    if (gather_facts(cells, set, script, facts) == Walk::gave_up) std::abort();
+    total += facts.references + (facts.integers ? 1U : 0U) + (facts.reals ? 1U : 0U);
     if (!facts.lone_may_be_above) return;
     Ordered least_number;
     Ordered end_marker;
@@ -170,7 +173,7 @@ void classify_column(const Cells& cells) {
     if (!end_marker.found) return;
     TextFacts below;
     std::vector<Ordered> plain;
-    gather_below(cells, set, script, end_marker.text, most_plain, below, plain);
+    if (gather_below(cells, set, script, end_marker.text, most_plain, below, plain) == Walk::gave_up) std::abort();
     total += least_number.row + plain.size();
 }
 
@@ -191,6 +194,67 @@ void classify_fixed_texts(Make make, std::size_t longest, std::size_t rounds) {
     const auto width = static_cast<std::ptrdiff_t>(longest * sizeof(std::uint32_t));
     const FixedWidthText column(reinterpret_cast<const char*>(characters.data()), width, rows, longest);
     for (std::size_t round = 0; round < rounds; ++round) classify_column(column);
+}
+
+// The same texts as Arrow keeps them.
+struct ArrowTexts {
+    explicit ArrowTexts(const std::vector<std::string>& texts) : validity((texts.size() + 7) / 8) {
+        offsets.push_back(0);
+        for (const std::string& text : texts) {
+            const std::size_t row = offsets.size() - 1;
+            const bool null = text == ObjectColumn::null_text;
+            if (!null) validity[row / 8] = static_cast<std::uint8_t>(validity[row / 8] | 1U << row % 8);
+            if (!null) bytes += text;
+            const auto start = static_cast<std::size_t>(offsets.back());
+            offsets.push_back(static_cast<std::int32_t>(bytes.size()));
+            add_view(null ? std::string_view{} : text, start);
+        }
+        buffer = reinterpret_cast<const std::uint8_t*>(bytes.data());
+    }
+    void add_view(std::string_view text, std::size_t start) {
+        std::array<std::uint32_t, 4> view{static_cast<std::uint32_t>(text.size())};
+        if (text.size() <= 12) {
+            std::memcpy(view.data() + 1, text.data(), text.size());
+        } else {
+            std::memcpy(view.data() + 1, text.data(), 4);
+            view[3] = static_cast<std::uint32_t>(start);
+        }
+        views.insert(views.end(), view.begin(), view.end());
+    }
+    [[nodiscard]] Utf8Offsets<std::int32_t> with_offsets() const {
+        return {offsets.data(), buffer, validity.data(), 0, offsets.size() - 1};
+    }
+    [[nodiscard]] Utf8Views with_views() const {
+        return {views.data(), &buffer, validity.data(), 0, offsets.size() - 1};
+    }
+    std::vector<std::int32_t> offsets;
+    std::string bytes;
+    std::vector<std::uint8_t> validity;
+    std::vector<std::uint32_t> views;
+    const std::uint8_t* buffer = nullptr;
+};
+
+template <class Make>
+void classify_offsets(Make make, std::size_t rounds) {
+    const ArrowTexts texts(column_of(make));
+    for (std::size_t round = 0; round < rounds; ++round) classify_column(texts.with_offsets());
+}
+
+template <class Make>
+void classify_views(Make make, std::size_t rounds) {
+    const ArrowTexts texts(column_of(make));
+    for (std::size_t round = 0; round < rounds; ++round) classify_column(texts.with_views());
+}
+
+template <class Make>
+void classify_dictionary(Make make, std::size_t rounds) {
+    const ArrowTexts texts(column_of(make));
+    std::vector<std::int32_t> indices(rows);
+    for (std::int32_t& index : indices) index = static_cast<std::int32_t>(random_below(rows));
+    const std::vector<std::uint8_t> validity(rows / 8 + 1, 0xff);
+    using Cells = DictionaryCells<std::int32_t, Utf8Offsets<std::int32_t>>;
+    const Cells cells(indices.data(), validity.data(), 0, rows, texts.with_offsets());
+    for (std::size_t round = 0; round < rounds; ++round) classify_column(cells);
 }
 
 template <class Number, class Make>
@@ -230,6 +294,31 @@ double eighths() {
 void find_members(std::size_t rounds) {
     const ObjectColumn column(column_of(word));
     const ReferenceTexts set = markers();
+    for (std::size_t round = 0; round < rounds; ++round) {
+        for (std::size_t row = 0; row < rows; ++row) {
+            column.prefetch(row + prefetch_distance);
+            TextView text{};
+            if (column.read(row, text) == Cell::text) total += set.find(text);
+        }
+    }
+}
+
+// The default list of pandas.read_csv, with more texts of the same kind behind it.
+std::string reference_text(std::size_t i) {
+    constexpr std::array<std::string_view, 19> texts{
+        "",     "#N/A", "#N/A N/A", "#NA",  "-1.#IND", "-1.#QNAN", "-NaN", "-nan", "1.#IND", "1.#QNAN",
+        "<NA>", "N/A",  "NA",       "NULL", "NaN",     "None",     "n/a",  "nan",  "null"};
+    return i < texts.size() ? std::string{texts[i]} : "missing " + std::to_string(i);
+}
+
+// Each reference in one row of twenty, words in the others.
+void find_in_list(std::size_t references, std::size_t rounds) {
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < references; ++i) texts.push_back(reference_text(i));
+    ReferenceTexts set;
+    for (const std::string& text : texts) set.add({text.data(), text.size(), 1});
+    const ObjectColumn column(
+        column_of([&] { return random_below(20) == 0 ? texts[random_below(references)] : word(); }));
     for (std::size_t round = 0; round < rounds; ++round) {
         for (std::size_t row = 0; row < rows; ++row) {
             column.prefetch(row + prefetch_distance);
@@ -411,6 +500,19 @@ const std::array kernels{
     Kernel{"fixed-width words", [](std::size_t rounds) { classify_fixed_texts(word, 12, rounds); }},
     Kernel{"fixed-width integer text", [](std::size_t rounds) { classify_fixed_texts(integer_text, 7, rounds); }},
     Kernel{"membership", find_members},
+    Kernel{"membership in 4", [](std::size_t rounds) { find_in_list(4, rounds); }},
+    Kernel{"membership in 16", [](std::size_t rounds) { find_in_list(16, rounds); }},
+    Kernel{"membership in 19", [](std::size_t rounds) { find_in_list(19, rounds); }},
+    Kernel{"membership in 64", [](std::size_t rounds) { find_in_list(64, rounds); }},
+    Kernel{"UTF-8 offsets: words", [](std::size_t rounds) { classify_offsets(word, rounds); }},
+    Kernel{"UTF-8 offsets: integer text", [](std::size_t rounds) { classify_offsets(integer_text, rounds); }},
+    Kernel{"UTF-8 offsets: float text", [](std::size_t rounds) { classify_offsets(float_text, rounds); }},
+    Kernel{"UTF-8 views: words", [](std::size_t rounds) { classify_views(word, rounds); }},
+    Kernel{"UTF-8 views: integer text", [](std::size_t rounds) { classify_views(integer_text, rounds); }},
+    Kernel{"UTF-8 views: float text", [](std::size_t rounds) { classify_views(float_text, rounds); }},
+    Kernel{"dictionary: words", [](std::size_t rounds) { classify_dictionary(word, rounds); }},
+    Kernel{"dictionary: integer text", [](std::size_t rounds) { classify_dictionary(integer_text, rounds); }},
+    Kernel{"dictionary: float text", [](std::size_t rounds) { classify_dictionary(float_text, rounds); }},
     Kernel{"few distinct", [](std::size_t rounds) { find_distinct(10, rounds); }},
     Kernel{"some distinct", [](std::size_t rounds) { find_distinct(2000, rounds); }},
     Kernel{"all distinct", [](std::size_t rounds) { find_distinct(rows, rounds); }},

@@ -50,10 +50,10 @@ std::u32string kept(std::u32string text) {
 
 void check_cell(const FixedWidthText& cells, std::size_t row, const std::u32string& text, const std::string& what) {
     TextView view{};
-    check(cells.read(row, view) == Cell::text && view.width == 4 && !view.compact, what + ": a text");
-    check(view.length == text.size(), what + ": its length");
-    for (std::size_t i = 0; i < view.length && i < text.size(); ++i) {
-        check(core::character(view, i) == text[i], what + ": its characters");
+    check(cells.read(row, view) == Cell::text && view.width == 4 && !view.is_ascii(), what + ": a text");
+    check(view.size == text.size(), what + ": its length");
+    for (std::size_t i = 0; i < view.size && i < text.size(); ++i) {
+        check(core::unit(view, i) == text[i], what + ": its characters");
     }
     bool ascii = true;
     std::uint64_t value = 0;

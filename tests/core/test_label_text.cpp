@@ -1,14 +1,12 @@
-// Labels: alphanumeric or not, without white space, fit for UTF-8; and what is remembered of texts.
+// Labels: alphanumeric or not, without white space, fit for UTF-8.
 #include "core/text/label_text.hpp"
 
 #include <array>
 #include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "core/distinct/recent_texts.hpp"
 #include "harness.hpp"
 #include "stored_text.hpp"
 
@@ -23,8 +21,6 @@ constexpr char32_t wide_space = 0x2003;
 constexpr char32_t letter = 0x6f22;
 constexpr CharacterTables script{[](std::uint32_t c) { return c == letter; },
                                  [](std::uint32_t c) { return c == wide_space ? static_cast<int>(' ') : -1; }};
-
-constexpr std::array wide_storages{Stored::two_bytes, Stored::four_bytes};
 
 void alphanumeric() {
     const auto is = [](std::string_view text, Stored stored) {
@@ -51,11 +47,8 @@ std::u32string squeezed(const std::u32string& text, Stored stored) {
     const TextView view = same_text.view();
     std::vector<char> out(text.size() * 4);
     const std::size_t left = core::remove_white_space(view, script, out.data());
-    std::u32string found;
-    for (std::size_t i = 0; i < left; ++i) {
-        found += static_cast<char32_t>(core::character({out.data(), left, view.width}, i));
-    }
-    return found;
+    return characters_of(
+        {out.data(), left, view.width, view.is_utf8() ? core::Encoding::utf8 : core::Encoding::fixed_width});
 }
 
 void white_space() {
@@ -92,26 +85,8 @@ void encodable() {
 
 void zeros_at_end() {
     const std::u32string text{U'a', 0, U'b', 0, 0};
-    check(core::without_zeros_at_end({text.data(), text.size(), 4}).length == 3, "zeros inside stay");
-    check(core::without_zeros_at_end({text.data() + 3, 2, 4}).length == 0, "nothing but zeros");
-}
-
-// More texts than there are places: every answer has to be the text's own, whoever was forgotten.
-void recent_texts(std::size_t rows) {
-    std::mt19937 random(1);
-    std::vector<std::string> texts;
-    for (int i = 0; i < 5000; ++i) texts.push_back("text " + std::to_string(i));
-    core::RecentTexts<std::string> recent(rows);
-    std::size_t made = 0;
-    for (int i = 0; i < 50000; ++i) {
-        const std::string& text = texts[random() % (i < 25000 ? texts.size() : 20)];
-        const std::string& value = recent.get({text.data(), text.size(), 1}, [&] {
-            ++made;
-            return text;
-        });
-        check(value == text, "another text's value");
-    }
-    check(rows < 1000 || made < 26000, "few texts are remembered");
+    check(core::without_zeros_at_end({text.data(), text.size(), 4}).size == 3, "zeros inside stay");
+    check(core::without_zeros_at_end({text.data() + 3, 2, 4}).size == 0, "nothing but zeros");
 }
 
 const Test words{"alphanumeric texts", alphanumeric};
@@ -119,10 +94,6 @@ const Test spaces{"texts without white space", white_space};
 const Test place{"white space removed in place", in_its_own_place};
 const Test bytes{"texts that have bytes", encodable};
 const Test zeros{"zeros at the end", zeros_at_end};
-const Test memory{"texts met lately", [] {
-                      for (const std::size_t rows : std::to_array<std::size_t>({0, 1, 3, 100, 50000}))
-                          recent_texts(rows);
-                  }};
 
 }  // namespace
 }  // namespace quorin::tests

@@ -34,9 +34,9 @@ class Cells {
     }
     [[nodiscard]] bool glance(std::size_t row, core::ShortText& text) const {
         const core::TextView whole = texts_[row].view();
-        if (kinds_[row] != Cell::text || !whole.compact || whole.length - 1 >= 8) return false;
-        const char* end = static_cast<const char*>(whole.characters) + whole.length;
-        text = {core::eight_bytes(end - 8), whole.length};
+        if (kinds_[row] != Cell::text || !whole.is_padded() || whole.size - 1 >= 8) return false;
+        const char* end = static_cast<const char*>(whole.characters) + whole.size;
+        text = {core::eight_bytes(end - 8), whole.size};
         return true;
     }
     [[nodiscard]] static bool longer_than(std::size_t, std::size_t) { return false; }
@@ -46,14 +46,6 @@ class Cells {
     std::vector<Cell> kinds_;
     std::vector<StoredText> texts_;
 };
-
-bool fits(const std::u32string& text, Stored stored) {
-    const char32_t most = stored == Stored::four_bytes  ? 0x10ffff
-                          : stored == Stored::two_bytes ? 0xffff
-                          : stored == Stored::one_byte  ? 0xff
-                                                        : 0x7f;
-    return std::all_of(text.begin(), text.end(), [&](char32_t c) { return c <= most; });
-}
 
 // Characters at the edges of a byte, which the first comparison does not tell apart, and zeros, which look like an end.
 std::u32string some_text(std::mt19937& random) {
@@ -67,7 +59,7 @@ std::u32string some_text(std::mt19937& random) {
 void random_columns() {
     std::mt19937 random(8);
     const std::u32string marker{U"ab"};
-    const StoredText stored_marker(marker, Stored::compact);
+    const StoredText stored_marker(marker, Stored::padded);
     core::ReferenceTexts markers;
     check(markers.add(stored_marker.view()), "a marker");
     for (int i = 0; i < 2000; ++i) {
@@ -102,7 +94,7 @@ void random_columns() {
 
 void other_cells() {
     Cells cells;
-    cells.add(U"a", Stored::compact);
+    cells.add(U"a", Stored::padded);
     cells.add(Cell::other);
     std::vector<core::KeyedText> least;
     bool nulls = false;

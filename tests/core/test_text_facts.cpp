@@ -19,12 +19,12 @@ namespace {
 
 using core::Cell;
 using core::CharacterTables;
-using core::Gathered;
 using core::Ordered;
 using core::ReferenceTexts;
 using core::TextClass;
 using core::TextFacts;
 using core::TextView;
+using core::Walk;
 
 // Three characters beyond ASCII stand for all: a letter, a digit, white space.
 constexpr char32_t letter = 0xe9;
@@ -52,13 +52,13 @@ class Column {
     }
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const {
         // As a column may: it tells for some and not for others.
-        return row % 2 == 0 && kinds_[row] == Cell::text && texts_[row].view().length > length;
+        return row % 2 == 0 && kinds_[row] == Cell::text && texts_[row].view().size > length;
     }
     [[nodiscard]] bool glance(std::size_t row, core::ShortText& text) const {
         if (row % 3 == 0 || kinds_[row] != Cell::text) return false;
         const TextView view = texts_[row].view();
-        if (!view.compact || view.length == 0 || view.length > 8) return false;
-        text = {core::eight_bytes(static_cast<const char*>(view.characters) + view.length - 8), view.length};
+        if (!view.is_padded() || view.size == 0 || view.size > 8) return false;
+        text = {core::eight_bytes(static_cast<const char*>(view.characters) + view.size - 8), view.size};
         return true;
     }
     void prefetch(std::size_t) const {}
@@ -67,6 +67,15 @@ class Column {
     std::vector<Cell> kinds_;
     std::vector<StoredText> texts_;
 };
+
+}  // namespace
+}  // namespace quorin::tests
+
+template <>
+inline constexpr std::size_t quorin::core::longest_character<quorin::tests::Column> = 4;
+
+namespace quorin::tests {
+namespace {
 
 TextClass class_of(const std::u32string& text) {
     std::string ascii;
@@ -86,10 +95,6 @@ bool is_lone(const std::u32string& text) {
     const char32_t c = text[0];
     if (c > 0x7f) return !script.is_alphanumeric(c);
     return !((c >= U'0' && c <= U'9') || (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z'));
-}
-
-bool is_ascii(const std::u32string& text) {
-    return std::all_of(text.begin(), text.end(), [](char32_t c) { return c <= 0x7f; });
 }
 
 // What the rule makes of the sorted distinct texts.
@@ -145,29 +150,23 @@ Expected by_reference(const std::vector<std::u32string>& rows, const std::vector
     return expected;
 }
 
-std::u32string text_of(TextView view) {
-    std::u32string text;
-    for (std::size_t i = 0; i < view.length; ++i) text.push_back(core::character(view, i));
-    return text;
-}
-
 void expect_below(const Expected& expected, const Column& column, const ReferenceTexts& markers, TextView end_marker,
                   const std::string& what) {
     TextFacts below;
     std::vector<Ordered> plain;
-    const Gathered gathered = gather_below(column, markers, script, end_marker, 256, below, plain);
-    check(gathered == Gathered::all, what + ": below the end marker");
+    const Walk gathered = gather_below(column, markers, script, end_marker, 256, below, plain);
+    check(gathered == Walk::ended, what + ": below the end marker");
     check(below.integers == expected.integers_below, what + ": integers below the end marker");
     check(below.reals == expected.reals_below, what + ": reals below the end marker");
     std::vector<std::u32string> found;
-    for (const Ordered& text : plain) found.push_back(text_of(text.text));
+    for (const Ordered& text : plain) found.push_back(characters_of(text.text));
     const std::vector<std::u32string> wanted(expected.plain_below.begin(), expected.plain_below.end());
     check(found == wanted, what + ": plain texts below the end marker, ascending");
 
     if (wanted.empty()) return;
     TextFacts fewer;
     std::vector<Ordered> some;
-    check(gather_below(column, markers, script, end_marker, wanted.size() - 1, fewer, some) == Gathered::gave_up,
+    check(gather_below(column, markers, script, end_marker, wanted.size() - 1, fewer, some) == Walk::gave_up,
           what + ": one plain text too many");
 }
 
@@ -178,12 +177,12 @@ void expect(const std::vector<std::u32string>& rows, const std::vector<std::u32s
     ReferenceTexts markers;
     stored.reserve(marker_texts.size());
     for (const std::u32string& text : marker_texts) {
-        stored.emplace_back(text, every_storage[stored.size() % 3]);
+        stored.emplace_back(text, every_storage[stored.size() % 4]);
         check(markers.add(stored.back().view()), what + ": a marker");
     }
     TextFacts facts;
-    check(gather_facts(column, markers, script, facts) == Gathered::all, what + ": gathered");
-    check(facts.markers == expected.markers, what + ": markers");
+    check(gather_facts(column, markers, script, facts) == Walk::ended, what + ": gathered");
+    check(facts.references == expected.markers, what + ": markers");
     check(facts.nulls == expected.nulls, what + ": nulls");
     check(facts.texts == !expected.distinct.empty(), what + ": texts");
     check(facts.lone == expected.lone, what + ": lone");
@@ -192,7 +191,7 @@ void expect(const std::vector<std::u32string>& rows, const std::vector<std::u32s
     if (facts.plain && expected.plain.size() == 1) {
         TextView first{};
         check(column.read(facts.first_plain, first) == Cell::text, what + ": first plain is a text");
-        check(text_of(first) == expected.first_plain, what + ": first plain");
+        check(characters_of(first) == expected.first_plain, what + ": first plain");
     }
     if (facts.second_plain && !facts.lone) return;  // numbers do not matter
     check(facts.integers == expected.integers, what + ": integers");
@@ -208,10 +207,10 @@ void expect(const std::vector<std::u32string>& rows, const std::vector<std::u32s
     check(least_number.found == (expected.least_number != nullptr), what + ": least number");
     check(end_marker.found == (expected.end_marker != nullptr), what + ": end marker");
     if (least_number.found && expected.least_number != nullptr) {
-        check(text_of(least_number.text) == *expected.least_number, what + ": which least number");
+        check(characters_of(least_number.text) == *expected.least_number, what + ": which least number");
     }
     if (end_marker.found && expected.end_marker != nullptr) {
-        check(text_of(end_marker.text) == *expected.end_marker, what + ": which end marker");
+        check(characters_of(end_marker.text) == *expected.end_marker, what + ": which end marker");
         expect_below(expected, column, markers, end_marker.text, what);
     }
 }
@@ -266,13 +265,10 @@ const std::vector<std::u32string> marker_vocabulary{U"",
                                                     std::u32string{U'a', U'\0'},
                                                     std::u32string(1, letter)};
 
-// The narrowest storage that holds it, or a wider one.
+// Any storage that can hold it.
 Stored some_storage(const std::u32string& text, std::mt19937& random) {
-    const bool narrow = std::all_of(text.begin(), text.end(), [](char32_t c) { return c <= 0xff; });
     const Stored stored = every_storage[random() % every_storage.size()];
-    if (stored == Stored::compact && !is_ascii(text)) return Stored::four_bytes;
-    if (stored == Stored::one_byte && !narrow) return Stored::two_bytes;
-    return stored;
+    return fits(text, stored) ? stored : Stored::four_bytes;
 }
 
 std::vector<std::u32string> some_of(const std::vector<std::u32string>& texts, std::size_t most, std::mt19937& random) {
@@ -305,10 +301,10 @@ void other_cells() {
     for (std::size_t place = 0; place < 6; ++place) {
         Column column;
         for (std::size_t row = 0; row < 6; ++row) {
-            column.add(row == place ? other_cell : row % 2 == 0 ? U"red" : U"green", Stored::compact);
+            column.add(row == place ? other_cell : row % 2 == 0 ? U"red" : U"green", Stored::padded);
         }
         TextFacts facts;
-        check(gather_facts(column, {}, script, facts) == Gathered::gave_up, "cell " + std::to_string(place));
+        check(gather_facts(column, {}, script, facts) == Walk::gave_up, "cell " + std::to_string(place));
     }
 }
 
@@ -318,14 +314,14 @@ void too_many_digits() {
         TextFacts facts;
         Column alone;
         alone.add(std::u32string(641, U'1'), stored);
-        check(gather_facts(alone, {}, script, facts) == Gathered::gave_up, "digits alone");
+        check(gather_facts(alone, {}, script, facts) == Walk::gave_up, "digits alone");
         Column after_two_words;
         for (const auto& text : {std::u32string{U"red"}, std::u32string{U"green"}, std::u32string(641, U'1')}) {
             after_two_words.add(text, stored);
         }
-        check(gather_facts(after_two_words, {}, script, facts) == Gathered::all, "digits after two words");
+        check(gather_facts(after_two_words, {}, script, facts) == Walk::ended, "digits after two words");
         after_two_words.add(U"*", stored);
-        check(gather_facts(after_two_words, {}, script, facts) == Gathered::gave_up, "digits, then a lone text");
+        check(gather_facts(after_two_words, {}, script, facts) == Walk::gave_up, "digits, then a lone text");
     }
 }
 

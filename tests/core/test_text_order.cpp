@@ -21,13 +21,12 @@ using core::DistinctText;
 
 using Texts = std::vector<std::u32string>;
 
-// As asked for, or in the next wider characters that hold the text.
+// As wanted, or in the narrowest characters that can hold the text.
 Stored storage_of(const std::u32string& text, Stored wanted) {
-    const char32_t highest = text.empty() ? U'\0' : *std::max_element(text.begin(), text.end());
-    if (wanted == Stored::compact && highest > 0x7f) wanted = Stored::one_byte;
-    if (wanted == Stored::one_byte && highest > 0xff) wanted = Stored::two_bytes;
-    if (wanted == Stored::two_bytes && highest > 0xffff) wanted = Stored::four_bytes;
-    return wanted;
+    if (fits(text, wanted)) return wanted;
+    return fits(text, Stored::one_byte)    ? Stored::one_byte
+           : fits(text, Stored::two_bytes) ? Stored::two_bytes
+                                           : Stored::four_bytes;
 }
 
 // What std::sort makes of the texts is the only order of different ones in which each is above the one before.

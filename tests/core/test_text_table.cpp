@@ -25,16 +25,16 @@ using Texts = std::vector<std::u32string>;
 
 class Column {
   public:
-    // Equal texts are of the same width, as the interpreter keeps them: one byte a character stands for the least that
-    // holds it. Whether a text is compact does not matter.
+    // Equal texts are in the same encoding, of which ASCII with or without padding is not a different one.
     Column(const Texts& texts, Stored stored) {
         for (const std::u32string& text : texts) {
-            const char32_t highest = text.empty() ? U'\0' : *std::max_element(text.begin(), text.end());
+            const bool bytes = stored != Stored::two_bytes && stored != Stored::four_bytes;
             Stored used = stored;
-            if (stored == Stored::compact && highest > 0x7f) used = Stored::one_byte;
-            if (stored == Stored::one_byte && highest <= 0x7f && texts_.size() % 2 == 0) used = Stored::compact;
-            if (used == Stored::one_byte && highest > 0xff) used = Stored::two_bytes;
-            if (used == Stored::two_bytes && highest > 0xffff) used = Stored::four_bytes;
+            if (bytes && is_ascii(text) && texts_.size() % 2 == 0)
+                used = texts_.size() % 4 == 0 ? Stored::padded : Stored::ascii;
+            if (used != Stored::utf8 && used != Stored::two_bytes && !fits(text, used)) used = Stored::one_byte;
+            if (used == Stored::one_byte && !fits(text, used)) used = Stored::two_bytes;
+            if (used == Stored::two_bytes && !fits(text, used)) used = Stored::four_bytes;
             texts_.emplace_back(text, used);
         }
     }
@@ -156,10 +156,10 @@ void alike_at_the_start() {
 
 void no_texts() {
     TextTable table(0);
-    check(add_all(table, Column({}, Stored::compact)), "no rows");
+    check(add_all(table, Column({}, Stored::padded)), "no rows");
     check(table.entries().empty() && core::ascending(table.entries()).empty(), "no entries");
     for (const std::size_t row : {0U, 31U, 32U, 99U}) {
-        Column column(Texts(100, U"red"), Stored::compact);
+        Column column(Texts(100, U"red"), Stored::padded);
         column.put_null(row);
         TextTable some(column.size());
         check(!add_all(some, column), "null in row " + std::to_string(row));

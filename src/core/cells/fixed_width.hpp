@@ -1,4 +1,4 @@
-// Cells of fixed-width text: four bytes a character, filled up with zeros.
+// Cells of fixed-width text: four bytes a character, padded with zeros.
 #pragma once
 
 #include <array>
@@ -16,10 +16,10 @@ class FixedWidthText {
         : data_(data), stride_(stride), rows_(rows), longest_(longest) {}
     [[nodiscard]] std::size_t size() const noexcept { return rows_; }
     void prefetch(std::size_t /*row*/) const noexcept {}
-    [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
-        return length < longest_ && characters(row)[length] != 0;
+    [[nodiscard]] bool longer_than(std::size_t row, std::size_t size) const noexcept {
+        return size < longest_ && characters(row)[size] != 0;
     }
-    // Where all characters fit into sixteen bytes, the highest one that is not zero tells the length without a jump.
+    // For columns of up to sixteen characters: the highest byte that is not zero gives the length without a jump.
     [[nodiscard]] bool glance(std::size_t row, ShortText& text) const noexcept {
         constexpr std::size_t most = 16;
         if (longest_ < 4 || longest_ > most || std::endian::native != std::endian::little) return false;
@@ -29,7 +29,7 @@ class FixedWidthText {
         std::uint64_t value = four_from(at, all);
         std::uint64_t beyond = 0;
         if (longest_ <= 8) {
-            // Those that are read twice are the same.
+            // The two loads may overlap.
             value |= std::uint64_t{four_from(at + longest_ - 4, all)} << (8 * (longest_ - 4));
         } else {
             value |= std::uint64_t{four_from(at + 4, all)} << 32U;
@@ -44,7 +44,7 @@ class FixedWidthText {
         text = {value << (8 * zeros), 8 - zeros};
         return true;
     }
-    // Zeros inside a text belong to it, so its end is looked for from behind, two characters at a time.
+    // A text may hold zeros, so its end is searched backwards, two characters at a time.
     Cell read(std::size_t row, TextView& text) const noexcept {
         const std::uint32_t* at = characters(row);
         std::size_t length = longest_;
@@ -56,7 +56,7 @@ class FixedWidthText {
 
   private:
     using Four [[gnu::vector_size(16)]] = std::uint32_t;
-    // Four characters as bytes, the first one lowest; their bits go into `all`.
+    // Four characters as bytes, the first one lowest; `all` collects their bits.
     static std::uint32_t four_from(const std::uint32_t* at, Four& all) noexcept {
         using FourBytes [[gnu::vector_size(4)]] = std::uint8_t;
         Four four;

@@ -1,4 +1,4 @@
-// A small memory for what was worked out of a text, so that a column of few different texts asks for it few times.
+// A cache of values computed from texts, for columns with few distinct texts.
 #pragma once
 
 #include <algorithm>
@@ -11,20 +11,20 @@
 
 namespace quorin::core {
 
-// What is remembered of a text gives way to another text that falls into the same place: the memory stays small
-// whatever a column holds. The texts themselves stay with the caller, unchanged.
+// A direct-mapped cache: a text replaces another one with the same place. The texts are either all in UTF-8 or all in
+// fixed-width characters. The characters stay with the caller and must not change.
 template <class Value>
 class RecentTexts {
   public:
-    // For a column of so many rows.
+    // For a column of this many rows.
     explicit RecentTexts(std::size_t rows) : places_(std::bit_ceil(std::clamp<std::size_t>(rows, 1, most_places))) {}
 
-    // The value of an equal text that was met lately, or else what make() gives for this one.
+    // The cached value of an equal text, or else make().
     template <class Make>
     const Value& get(TextView text, Make make) {
         const std::uint32_t hash = hash_text(text);
         Place& place = places_[hash & (places_.size() - 1)];
-        if (!place.used || place.hash != hash || !same(place.text, text)) {
+        if (!place.used || place.hash != hash || !same_units(place.text, text)) {
             place.value = make();
             place.text = text;
             place.hash = hash;

@@ -15,47 +15,67 @@ struct Entry {
     std::uint32_t bucket;
 };
 
+// What the keys are made of. Keys have to sort as texts do.
+enum class KeyUnits {
+    bytes,       // units that fit into a byte
+    characters,  // units of up to four bytes
+    none         // texts with units that cannot be compared: all keys are equal
+};
+
+bool has_bytes_only(TextView text) noexcept {
+    if (text.width == 1) return true;
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < text.size; ++i) all |= unit(text, i);
+    return all <= 0xffU;
+}
+
+KeyUnits key_units(const std::vector<DistinctText>& texts) noexcept {
+    const auto bit = [](Encoding encoding) { return 1U << static_cast<unsigned>(encoding); };
+    const unsigned mixed = bit(Encoding::utf8) | bit(Encoding::fixed_width);
+    bool bytes = true;
+    unsigned encodings = 0;
+    for (const DistinctText& entry : texts) {
+        bytes = bytes && has_bytes_only(entry.text);
+        encodings |= bit(entry.text.encoding);
+    }
+    if ((encodings & mixed) == mixed) return KeyUnits::none;
+    return bytes ? KeyUnits::bytes : KeyUnits::characters;
+}
+
+// The number of units with which all texts start.
 std::size_t common_start(const std::vector<DistinctText>& texts) noexcept {
     const TextView first = texts.front().text;
-    std::size_t common = first.length;
+    std::size_t common = first.size;
     for (const DistinctText& other : texts) {
         if (common == 0) break;
-        common = std::min(common, other.text.length);
+        common = std::min(common, other.text.size);
         std::size_t i = 0;
-        while (i < common && character(other.text, i) == character(first, i)) ++i;
+        while (i < common && unit(other.text, i) == unit(first, i)) ++i;
         common = i;
     }
     return common;
-}
-
-bool fits_bytes(const DistinctText& entry) noexcept {
-    const TextView text = entry.text;
-    if (text.width == 1) return true;
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < text.length; ++i) all |= character(text, i);
-    return all <= 0xffU;
 }
 
 std::uint64_t first_highest(std::uint64_t bytes) noexcept {
     return std::endian::native == std::endian::little ? __builtin_bswap64(bytes) : bytes;
 }
 
-// The characters from `start` on as one number that sorts as they do: eight of a byte each or two of four bytes. A text
-// that ends is filled up with zeros, so equal keys settle nothing.
-std::uint64_t leading_characters(TextView text, std::size_t start, bool narrow) noexcept {
-    if (text.compact && narrow) {
-        const auto* characters = static_cast<const std::uint8_t*>(text.characters) + start;
-        const std::size_t left = text.length - start;
-        if (left >= 8) return first_highest(eight_bytes(characters));
+// The units from `start` on as one number that sorts as they do: eight bytes or two characters. Missing units are 0, so
+// texts with equal keys may differ.
+std::uint64_t leading_units(TextView text, std::size_t start, KeyUnits units) noexcept {
+    if (units == KeyUnits::none) return 0;
+    const bool bytes = units == KeyUnits::bytes;
+    if (text.is_padded() && bytes) {
+        const std::uint8_t* from = text.bytes() + start;
+        const std::size_t left = text.size - start;
+        if (left >= 8) return first_highest(eight_bytes(from));
         if (left == 0) return 0;
-        return first_highest(eight_bytes(characters + left - 8) >> (64 - 8 * left));
+        return first_highest(eight_bytes(from + left - 8) >> (64 - 8 * left));
     }
-    const std::size_t characters = narrow ? 8 : 2;
-    const unsigned bits = narrow ? 8 : 32;
+    const std::size_t most = bytes ? 8 : 2;
+    const unsigned bits = bytes ? 8 : 32;
     std::uint64_t key = 0;
-    for (std::size_t i = start; i < start + characters; ++i) {
-        key = key << bits | (i < text.length ? character(text, i) : 0U);
-    }
+    for (std::size_t i = start; i < start + most; ++i) key = key << bits | (i < text.size ? unit(text, i) : 0U);
     return key;
 }
 
@@ -63,11 +83,11 @@ unsigned byte_of(std::uint64_t key, std::size_t place) noexcept {
     return static_cast<unsigned>(key >> (8 * (7 - place))) & 0xffU;
 }
 
-// Buckets in the order of the keys: the first bytes as digits of a number, each in the scale of the values that occur
-// in its place. So the 26 letters of a place take 26 buckets and not 256. Gives how many buckets there are.
+// Numbers the buckets in the order of the keys: the first bytes are digits of a number, each with as many values as
+// occur in its place. So 26 letters in a place take 26 buckets, not 256. Returns the number of buckets.
 std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     constexpr std::size_t values = 256;
-    // So many that most hold one key or none, and few enough that one more place does not exceed 32 bits.
+    // Enough that most buckets hold one key or none, and few enough that one more place does not exceed 32 bits.
     const std::size_t wanted = std::min(4 * keyed.size(), std::size_t{1} << 24U);
     std::size_t buckets = 1;
     for (std::size_t place = 0; place < 8 && buckets < wanted; ++place) {
@@ -82,7 +102,7 @@ std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     return buckets;
 }
 
-// Stable, by some bits of the bucket.
+// A stable sort by some bits of the bucket.
 void distribute(const std::vector<Entry>& from, std::vector<Entry>& to, unsigned shift, std::size_t digits) {
     std::vector<std::uint32_t> places(digits);
     const auto digit = [&](const Entry& entry) { return (entry.bucket >> shift) & (digits - 1); };
@@ -105,19 +125,21 @@ void sort_by_bucket(std::vector<Entry>& keyed, std::size_t buckets) {
 
 std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts) {
     if (texts.empty()) return {};
-    const std::size_t start = common_start(texts);
-    const bool narrow = std::all_of(texts.begin(), texts.end(), fits_bytes);
+    const KeyUnits units = key_units(texts);
+    const std::size_t start = units == KeyUnits::none ? 0 : common_start(texts);
     std::vector<Entry> keyed;
     keyed.reserve(texts.size());
     for (std::uint32_t number = 0; number < texts.size(); ++number) {
-        keyed.push_back({leading_characters(texts[number].text, start, narrow), number, 0});
+        keyed.push_back({leading_units(texts[number].text, start, units), number, 0});
     }
-    // Below this number a sort by comparing has few steps.
+    // Fewer texts are sorted faster by comparing alone.
     constexpr std::size_t few = 512;
     if (keyed.size() > few) sort_by_bucket(keyed, assign_buckets(keyed));
     const auto less = [&](const Entry& left, const Entry& right) {
         if (left.key != right.key) return left.key < right.key;
-        return compare(texts[left.number].text, texts[right.number].text) < 0;
+        const TextView a = texts[left.number].text;
+        const TextView b = texts[right.number].text;
+        return (units == KeyUnits::none ? compare(a, b) : compare_units(a, b)) < 0;
     };
     for (auto begin = keyed.begin(); begin != keyed.end();) {
         auto end = begin + 1;

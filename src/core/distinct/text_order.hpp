@@ -1,4 +1,4 @@
-// Sorting different texts.
+// Sorting distinct texts.
 #pragma once
 
 #include <cstdint>

@@ -9,7 +9,7 @@ namespace {
 
 __extension__ using Product = unsigned __int128;
 
-// The hash of no text is that of an empty slot.
+// Keeps hashes apart from the 0 of empty slots.
 constexpr std::uint32_t never_zero = 0x80000000U;
 
 // Two odd numbers without a pattern.
@@ -27,7 +27,7 @@ std::uint32_t four_bytes(const std::uint8_t* at) noexcept {
     return bytes;
 }
 
-// The last eight bytes and the eight before them; where there are fewer, they are the highest of these numbers.
+// The last eight bytes and the eight before them. If there are fewer, they are the highest bytes of the numbers.
 struct LastSixteen {
     std::uint64_t before;
     std::uint64_t last;
@@ -50,17 +50,17 @@ LastSixteen last_sixteen(const std::uint8_t* bytes, std::size_t size) noexcept {
     return {0, up_to_eight(bytes, size)};
 }
 
-// The same, with what lies before the text taken out.
-LastSixteen last_sixteen_of_compact(const std::uint8_t* bytes, std::size_t size) noexcept {
+// The same for a padded text: the bytes before it are masked.
+LastSixteen last_sixteen_of_padded(const std::uint8_t* bytes, std::size_t size) noexcept {
     const EndMasks& masks = end_masks[size < 16 ? size : 16];
     return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
 }
 
-// Not worth a call for each text of a block.
+// Inlined: a call for each text of a block costs as much as a short hash.
 [[gnu::always_inline]] inline std::uint32_t hash_of(const TextView& text) noexcept {
-    const auto* bytes = static_cast<const std::uint8_t*>(text.characters);
-    const std::size_t size = text.length * static_cast<std::size_t>(text.width);
-    const LastSixteen end = text.compact ? last_sixteen_of_compact(bytes, size) : last_sixteen(bytes, size);
+    const std::uint8_t* bytes = text.bytes();
+    const std::size_t size = text.size * static_cast<std::size_t>(text.width);
+    const LastSixteen end = text.is_padded() ? last_sixteen_of_padded(bytes, size) : last_sixteen(bytes, size);
     std::uint64_t hash = mixed(end.last + size, end.before);
     for (std::size_t i = 0; i + 16 < size; i += 16) {
         hash = mixed(hash + eight_bytes(bytes + i), eight_bytes(bytes + i + 8));
@@ -74,9 +74,9 @@ std::uint32_t hash_text(const TextView& text) noexcept {
     return hash_of(text);
 }
 
-// At most half full, so that a free slot is never far. Small tables double; once they are no longer small, what was
-// seen so far tells how many different texts there may be, and a table that is copied once is cheaper than one that is
-// copied at each doubling. Never more than so much at once: the first rows need not be like the others.
+// Tables are at most half full, so that probes are short. Small tables double. Larger ones grow to the number of
+// distinct texts that the rows so far predict, because copying a table once is cheaper than copying it at each
+// doubling; the growth is limited, because the first rows may differ from the others.
 void TextTable::grow(std::size_t rows_so_far) {
     constexpr std::size_t small = 4096;
     constexpr std::size_t most_at_once = 64;
@@ -98,13 +98,13 @@ void TextTable::grow(std::size_t rows_so_far) {
     }
 }
 
-// For texts that do not stand where they are looked for first.
+// For texts that are not in the slot of their hash.
 std::uint32_t TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
     std::size_t slot = hash & (slots_.size() - 1);
     for (; slots_[slot].number != none; slot = (slot + 1) & (slots_.size() - 1)) {
         if (slots_[slot].hash != hash) continue;
         DistinctText& entry = entries_[slots_[slot].number];
-        if (!same(entry.text, text)) continue;
+        if (!same_units(entry.text, text)) continue;
         ++entry.count;
         return slots_[slot].number;
     }
@@ -120,8 +120,8 @@ std::uint32_t TextTable::add(const TextView& text, std::size_t row) {
 }
 
 void TextTable::add(const Block& texts) {
-    // The slots and entries of fewer texts are at hand.
-    constexpr std::size_t at_hand = 1024;
+    // The slots and entries of fewer texts stay in the cache.
+    constexpr std::size_t cached = 1024;
     const std::size_t size = texts.size;
     if (size == 0) return;
     if (2 * (entries_.size() + size) > slots_.size()) grow(texts.rows[size - 1] + 1);
@@ -129,7 +129,7 @@ void TextTable::add(const Block& texts) {
     const Slot* const slots = slots_.data();
     const std::size_t mask = slots_.size() - 1;
     for (std::size_t i = 0; i < size; ++i) hashes[i] = hash_of(texts.texts[i]);
-    if (entries_.size() > at_hand) {
+    if (entries_.size() > cached) {
         for (std::size_t i = 0; i < size; ++i) __builtin_prefetch(&slots[hashes[i] & mask]);
         for (std::size_t i = 0; i < size; ++i) {
             const Slot slot = slots[hashes[i] & mask];
@@ -138,7 +138,7 @@ void TextTable::add(const Block& texts) {
     }
     for (std::size_t i = 0; i < size; ++i) {
         const Slot slot = slots[hashes[i] & mask];
-        if (slot.hash == hashes[i] && same(entries_[slot.number].text, texts.texts[i])) {
+        if (slot.hash == hashes[i] && same_units(entries_[slot.number].text, texts.texts[i])) {
             ++entries_[slot.number].count;
         } else {
             find_or_add(texts.texts[i], hashes[i], texts.rows[i]);

@@ -1,4 +1,4 @@
-// Finding equal texts: which different ones a column holds, where each stands first, how often it occurs.
+// The distinct texts of a column: the row in which each occurs first, and how often it occurs.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace quorin::core {
 
-// Equal for equal texts of the same width, and never 0.
+// Equal for equal texts in the same encoding, as same_units() defines it, and never 0.
 std::uint32_t hash_text(const TextView& text) noexcept;
 
 struct DistinctText {
@@ -18,14 +18,15 @@ struct DistinctText {
     std::int64_t count;
 };
 
-// Open addressing, for columns whose equal texts are of the same width. Texts come in blocks, so that while one is
-// looked up the memory that the next ones need is on its way. Their characters stay with the caller.
+// Open addressing. The texts are either all in UTF-8 or all in fixed-width characters, equal ones in the same. Texts
+// are added in blocks, so that memory is prefetched for a whole block before the first look-up. The characters stay
+// with the caller.
 class TextTable {
   public:
     static constexpr std::size_t block = 32;
     static constexpr std::size_t most_rows = 0x7fffffff;
-    // For texts of so many rows. Entries have numbers of 32 bits: whoever looks up more rows than `most_rows` stops at
-    // some number of entries.
+    // For a column of this many rows. Entries have numbers of 32 bits: a caller with more than `most_rows` rows has to
+    // stop at some number of entries.
     explicit TextTable(std::size_t rows) : rows_(rows), slots_(initial_slots, empty) {}
     struct Block {
         std::array<TextView, block> texts;
@@ -33,7 +34,7 @@ class TextTable {
         std::size_t size = 0;
     };
     void add(const Block& texts);
-    // One text by itself. Gives the number of its entry.
+    // Adds one text; returns the number of its entry.
     std::uint32_t add(const TextView& text, std::size_t row);
     // In the order of their first occurrence.
     [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }

@@ -1,4 +1,4 @@
-// The least different texts of a column, up to a number of them: what is greater is turned away at the first glance.
+// The least distinct texts of a column, up to a number of them. Most greater texts are rejected by their key alone.
 #pragma once
 
 #include <algorithm>
@@ -16,59 +16,90 @@ struct KeyedText {
     std::size_t row;  // of its first occurrence
 };
 
-// The first characters as one number that sorts as they do. Characters that do not fit into a byte end it, as the end
-// of the text does, so that equal keys settle nothing.
+// The first eight characters as one number that sorts as they do, in any encoding. Characters above 0xfe count as 0xff
+// and end it, as the end of the text does, so texts with equal keys may differ.
 inline std::uint64_t leading_characters(TextView text) noexcept {
     constexpr std::size_t most = 8;
-    if (text.compact && text.length >= most) return __builtin_bswap64(eight_bytes(text.characters));
-    if (text.compact && text.length != 0) return __builtin_bswap64(short_text(text));
+    if (text.is_padded() && text.size >= most) return __builtin_bswap64(eight_bytes(text.characters));
+    if (text.is_padded() && text.size != 0) return __builtin_bswap64(short_text(text));
     constexpr std::uint32_t wide = 0xff;
     constexpr unsigned bits = 8;
     std::uint64_t key = 0;
     bool ended = false;
+    std::size_t at = 0;
     for (std::size_t i = 0; i < most; ++i) {
-        const std::uint32_t c = !ended && i < text.length ? character(text, i) : 0;
-        ended = ended || c >= wide;
-        key = key << bits | std::min(c, wide);
+        const Decoded next = !ended && at < text.size ? decode(text, at) : Decoded{0, 0};
+        ended = ended || next.character >= wide;
+        key = key << bits | std::min(next.character, wide);
+        at += next.size;
     }
     return key;
 }
 
-// At most `most` texts, ascending, of those that are no markers; whether there are nulls beside them. False where a
-// cell is neither text nor null.
-template <class Cells>
-[[gnu::flatten]] bool least_distinct(const Cells& cells, const ReferenceTexts& markers, std::size_t most,
-                                     std::vector<KeyedText>& least, bool& nulls) {
-    least.clear();
-    least.reserve(most + 1);
-    const auto below = [](const KeyedText& left, const KeyedText& right) {
+// At most `most` texts, ascending, of those that are not references; and whether there are nulls. Takes ranges of rows
+// as TextGatherer does.
+class LeastDistinct {
+  public:
+    explicit LeastDistinct(std::size_t most) : most_(most) { least_.reserve(most + 1); }
+
+    template <class Cells>
+    [[nodiscard, gnu::flatten]] Walk gather(RowRange rows, const Cells& cells, const ReferenceTexts& references) {
+        TextFacts facts;
+        const auto not_decided = [](ShortText) { return false; };
+        const auto on_text = [this](std::size_t row, TextView text) {
+            add({leading_characters(text), text, row});
+            return Step::next;
+        };
+        const Walk walk = walk_texts(rows, cells, references, facts, not_decided, on_text);
+        nulls_ = nulls_ || facts.nulls;
+        return walk;
+    }
+    // False if a cell is not a text any more.
+    template <class Cells>
+    [[nodiscard]] bool refresh(const Cells& cells) {
+        recent_ = {};
+        return core::refresh(cells, least_);
+    }
+    [[nodiscard]] bool nulls() const noexcept { return nulls_; }
+    [[nodiscard]] std::vector<KeyedText> finish() && { return std::move(least_); }
+
+  private:
+    void add(const KeyedText& entry) {
+        if (least_.size() == most_ && entry.key > least_.back().key) return;
+        KeyedText& recent = recent_[place_of(entry.key)];
+        if (recent.key == entry.key && recent.text.characters != nullptr && same(recent.text, entry.text)) return;
+        recent = entry;
+        const auto place = std::lower_bound(least_.begin(), least_.end(), entry, is_below);
+        if (place != least_.end() && place->key == entry.key && same(place->text, entry.text)) return;
+        least_.insert(place, entry);
+        if (least_.size() > most_) least_.pop_back();
+    }
+    static bool is_below(const KeyedText& left, const KeyedText& right) noexcept {
         if (left.key != right.key) return left.key < right.key;
         return compare(left.text, right.text) < 0;
-    };
-    // Texts that were dealt with lately: of few different ones all but the first are.
-    constexpr unsigned bits = 8;
-    std::array<KeyedText, std::size_t{1} << bits> lately{};
-    const auto place_of = [](std::uint64_t key) {
+    }
+    static constexpr unsigned bits_of_place = 8;
+    static std::size_t place_of(std::uint64_t key) noexcept {
         constexpr std::uint64_t odd = 0x9e3779b97f4a7c15ULL;
-        return static_cast<std::size_t>(key * odd >> (64U - bits));
-    };
-    TextFacts facts;
-    const auto on_text = [&](std::size_t row, TextView text) {
-        const KeyedText entry{leading_characters(text), text, row};
-        if (least.size() == most && entry.key > least.back().key) return true;
-        KeyedText& before = lately[place_of(entry.key)];
-        if (before.key == entry.key && before.text.characters != nullptr && same(before.text, text)) return true;
-        before = entry;
-        const auto place = std::lower_bound(least.begin(), least.end(), entry, below);
-        if (place != least.end() && place->key == entry.key && same(place->text, text)) return true;
-        least.insert(place, entry);
-        if (least.size() > most) least.pop_back();
-        return true;
-    };
-    const auto none_settled = [](ShortText) { return false; };
-    const bool all = walk_texts(cells, markers, facts, none_settled, on_text) == Gathered::all;
-    nulls = facts.nulls;
-    return all;
+        return static_cast<std::size_t>(key * odd >> (64U - bits_of_place));
+    }
+
+    std::size_t most_;
+    std::vector<KeyedText> least_;
+    // Texts added lately: in a column of few distinct texts nearly all are among them.
+    std::array<KeyedText, std::size_t{1} << bits_of_place> recent_{};
+    bool nulls_ = false;
+};
+
+// The whole column. False if the walk gave up.
+template <class Cells>
+[[nodiscard]] bool least_distinct(const Cells& cells, const ReferenceTexts& references, std::size_t most,
+                                  std::vector<KeyedText>& least, bool& nulls) {
+    LeastDistinct gatherer(most);
+    const Walk walk = gatherer.gather({0, cells.size()}, cells, references);
+    nulls = gatherer.nulls();
+    least = std::move(gatherer).finish();
+    return walk != Walk::gave_up;
 }
 
 }  // namespace quorin::core

@@ -1,11 +1,15 @@
-// Gathering: what the verdict on a column of texts depends on, in one walk over its rows, without the sorted distinct
-// values that the verdict is defined by.
+// Gathering what the verdict on a column of texts depends on, in one walk over its rows. The verdict itself is defined
+// by the sorted distinct values, which are not needed.
 //
-// A text is a number text (an integer, or a real number with a dot) or a plain text; a lone text is empty or a single
-// character that is neither letter nor digit. Where no lone text meets a number text, five facts settle everything:
-// which markers and nulls occur, whether integers and reals occur, the first plain text and whether another one exists.
-// Otherwise a second walk finds the least lone text above the least number text: the marker that ends the scan of the
-// distinct values, so that only texts below it count.
+// A text is a number text (an integer, or a real number with a dot) or a plain text. A lone text is empty or one
+// character that is neither letter nor digit. Unless the column holds both lone texts and number texts, the verdict
+// follows from: the references and nulls that occur, whether integers and reals occur, the first plain text, whether
+// there is a second one. Otherwise a second walk finds the end marker, which is the least lone text above the least
+// number text: only the texts below it count.
+//
+// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: after
+// code that may free or move them, call refresh() before the next range. It reads again the few texts that are kept;
+// their rows must still hold the same texts.
 #pragma once
 
 #include <vector>
@@ -20,14 +24,14 @@ inline bool is_ascii_letter(std::uint32_t c) noexcept {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-inline bool is_lone(TextView text, const CharacterTables& script) noexcept {
-    if (text.length != 1) return text.length == 0;
-    const std::uint32_t c = character(text, 0);
-    if (c > 0x7f) return !script.is_alphanumeric(c);
+inline bool is_lone(TextView text, const CharacterTables& tables) noexcept {
+    if (!is_one_character(text)) return text.size == 0;
+    const std::uint32_t c = first_character(text);
+    if (c > 0x7f) return !tables.is_alphanumeric(c);
     return !((c >= '0' && c <= '9') || is_ascii_letter(c));
 }
 
-// Which lone texts occur: bits for the ASCII characters, the empty text left out.
+// The lone texts that occur, without the empty one: a bit for each ASCII character.
 class LoneTexts {
   public:
     void add(std::uint32_t character) noexcept {
@@ -40,8 +44,8 @@ class LoneTexts {
     [[nodiscard]] bool has_ascii(std::uint32_t character) const noexcept {
         return ((character < 64 ? low_ : high_) >> (character & 63U) & 1U) != 0;
     }
-    // Whether one is above a text of this first character; characters beyond ASCII may be. The text is longer than a
-    // lone one, so one of the same character is below it.
+    // Whether a lone text is above a text of more than one character that starts with `first`. May be true without one
+    // if there are lone texts beyond ASCII.
     [[nodiscard]] bool may_be_above(std::uint32_t first) const noexcept {
         if (beyond_ascii_) return true;
         if (first >= 0x7f) return false;
@@ -56,35 +60,40 @@ class LoneTexts {
 };
 
 struct TextFacts {
-    ReferenceBits markers = 0;  // bits of the markers that occur
+    ReferenceBits references = 0;  // that occur
     bool nulls = false;
-    bool texts = false;  // any that is no marker
+    bool texts = false;  // any that is not a reference
     bool integers = false;
     bool reals = false;
     bool lone = false;
     bool plain = false;
     bool second_plain = false;       // a plain text that differs from the first one
-    bool lone_may_be_above = false;  // a lone text above a number text; where numbers matter
-    std::size_t first_plain = 0;
+    bool lone_may_be_above = false;  // a lone text above a number text; unknown if numbers do not matter
+    std::size_t first_plain = 0;     // row
     [[nodiscard]] bool numbers() const noexcept { return integers || reals; }
 };
 
-enum class Gathered { all, gave_up };
-
-// Skips no row.
-constexpr auto nothing = [](std::size_t) { return false; };
-
-// A walk from `row` on over the texts that are neither marker nor null. Rows for which `skip` holds are passed over.
-// Texts that a glance shows go to `on_short` first, markers among them; it answers whether it is done with the text.
-// `on_text` may stop the walk; `row` then is where.
-enum class Step { next, stop, give_up };
+// A walk gives up at a cell that kernels do not know, or at a text of unknown class.
 enum class Walk { ended, stopped, gave_up };
 
+// Rows first, ..., last - 1.
+struct RowRange {
+    std::size_t first;
+    std::size_t last;
+};
+
+// What a walk does after a text.
+enum class Step { next, stop, give_up };
+
+constexpr auto no_row = [](std::size_t) { return false; };
+
+// Walks over the texts of rows[row .. last) that are neither reference nor null, without the rows for which `skip`
+// holds. Texts that a glance shows go to `on_short` first, references among them; it returns whether the text needs no
+// more. If on_text(row, text) stops the walk, `row` is where.
 template <class Cells, class Skip, class OnShort, class OnText>
-Walk walk_from(std::size_t& row, const Cells& cells, const ReferenceTexts& markers, TextFacts& facts, Skip skip,
-               OnShort on_short, OnText on_text) {
-    const std::size_t rows = cells.size();
-    for (; row < rows; ++row) {
+Walk walk_from(std::size_t& row, std::size_t last, const Cells& cells, const ReferenceTexts& references,
+               TextFacts& facts, Skip skip, OnShort on_short, OnText on_text) {
+    for (; row < last; ++row) {
         cells.prefetch(row + prefetch_distance);
         if (skip(row)) continue;
         if (ShortText glanced{}; cells.glance(row, glanced) && on_short(glanced)) continue;
@@ -98,8 +107,8 @@ Walk walk_from(std::size_t& row, const Cells& cells, const ReferenceTexts& marke
             case Cell::other:
                 return Walk::gave_up;
         }
-        if (const ReferenceBits found = markers.find(text); found != 0) {
-            facts.markers |= found;
+        if (const ReferenceBits found = references.find(text); found != 0) {
+            facts.references |= found;
             continue;
         }
         const Step step = on_text(row, text);
@@ -108,24 +117,21 @@ Walk walk_from(std::size_t& row, const Cells& cells, const ReferenceTexts& marke
     return Walk::ended;
 }
 
-// The whole column; `on_text` gives false to give up.
+// All of the rows.
 template <class Cells, class OnShort, class OnText>
-Gathered walk_texts(const Cells& cells, const ReferenceTexts& markers, TextFacts& facts, OnShort on_short,
-                    OnText on_text) {
-    std::size_t row = 0;
-    const auto step = [&](std::size_t at, TextView text) { return on_text(at, text) ? Step::next : Step::give_up; };
-    return walk_from(row, cells, markers, facts, nothing, on_short, step) == Walk::gave_up ? Gathered::gave_up
-                                                                                           : Gathered::all;
+Walk walk_texts(RowRange rows, const Cells& cells, const ReferenceTexts& references, TextFacts& facts, OnShort on_short,
+                OnText on_text) {
+    return walk_from(rows.first, rows.last, cells, references, facts, no_row, on_short, on_text);
 }
 
-// The walk over texts whose characters do not matter: nothing but markers, nulls and lone texts is looked for. It stops
-// at a lone text.
+// A walk over texts whose class does not matter: it looks for references, nulls and lone texts, and stops at a lone
+// one.
 template <class Cells>
-Walk skip_plain(std::size_t& row, const Cells& cells, const ReferenceTexts& markers, const CharacterTables& script,
-                TextFacts& facts) {
-    const std::size_t rows = cells.size();
-    const std::size_t longest = markers.longest() < 1 ? 1 : markers.longest();
-    for (; row < rows; ++row) {
+Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const ReferenceTexts& references,
+                const CharacterTables& tables, TextFacts& facts) {
+    const std::size_t longest =
+        references.longest() < longest_character<Cells> ? longest_character<Cells> : references.longest();
+    for (; row < last; ++row) {
         cells.prefetch(row + prefetch_distance);
         if (cells.longer_than(row, longest)) continue;
         TextView text{};
@@ -138,165 +144,275 @@ Walk skip_plain(std::size_t& row, const Cells& cells, const ReferenceTexts& mark
             case Cell::other:
                 return Walk::gave_up;
         }
-        if (text.length > longest) continue;
-        if (const ReferenceBits found = markers.find(text); found != 0) {
-            facts.markers |= found;
-        } else if (text.length <= 1 && is_lone(text, script)) {
+        if (text.size > longest) continue;
+        if (const ReferenceBits found = references.find(text); found != 0) {
+            facts.references |= found;
+        } else if (text.size <= longest_character<Cells> && is_lone(text, tables)) {
             return Walk::stopped;
         }
     }
     return Walk::ended;
 }
 
-// While two different plain texts and no lone one are known, numbers no longer matter: the column is text whether there
-// are some or not. A lone text that turns up then asks for the numbers after all, and the walk goes back to where they
-// were skipped first.
-template <class Cells>
-[[gnu::flatten]] Gathered gather_facts(const Cells& cells, const ReferenceTexts& markers, const CharacterTables& script,
-                                       TextFacts& facts) {
-    constexpr std::uint32_t beyond_all = 0xffffffffU;
-    TextFacts seen;
-    TextView first_plain{};
-    LoneTexts lone_texts;
-    std::uint32_t least_start = beyond_all;  // of the number texts
-    bool digits = false;                     // texts of nothing else, which the least start leaves out
-    const std::size_t special = markers.longest() < 1 ? 1 : markers.longest();
-    const auto on_short = [&](ShortText text) {
-        if (text.length <= special) {
-            if (const ReferenceBits found = markers.find(text); found != 0) {
-                seen.markers |= found;
+// Gathers TextFacts from ranges of rows:
+//     for (row = 0; row < rows && !gatherer.gave_up();) row = gatherer.gather(cells, row, min(row + some, rows));
+//
+// Once two different plain texts and no lone one are known, numbers do not matter: the column is text with or without
+// them. If a lone text follows, the numbers are needed after all, and the walk goes back to the first skipped row.
+class TextGatherer {
+  public:
+    TextGatherer(const ReferenceTexts& references, const CharacterTables& tables) noexcept
+        : references_(&references),
+          tables_(&tables),
+          longest_special_(references.longest() < 1 ? 1 : references.longest()) {}
+
+    // Walks over rows from `first` on. Returns the row from which the next call has to go on: `last`, or once an
+    // earlier one, to which the walk goes back.
+    template <class Cells>
+    [[gnu::flatten]] std::size_t gather(const Cells& cells, std::size_t first, std::size_t last) {
+        // A local copy is kept in registers.
+        TextGatherer state = *this;
+        const std::size_t row = state.walk(cells, first, last);
+        *this = state;
+        return row;
+    }
+    // False if the cell is not a text any more.
+    template <class Cells>
+    [[nodiscard]] bool refresh(const Cells& cells) {
+        return !facts_.plain || cells.read(facts_.first_plain, first_plain_) == Cell::text;
+    }
+    [[nodiscard]] bool gave_up() const noexcept { return gave_up_; }
+    [[nodiscard]] TextFacts finish() const noexcept {
+        TextFacts facts = facts_;
+        facts.texts = facts.plain || facts.numbers();
+        const std::uint32_t least = digits_ && least_start_ > '0' ? '0' : least_start_;
+        facts.lone_may_be_above = facts.numbers() && lone_texts_.may_be_above(least);
+        return facts;
+    }
+
+  private:
+    enum class Mode {
+        all,     // until two different plain texts are known
+        skip,    // no class matters, unless a lone text follows
+        numbers  // two plain texts and a lone one are known, so that further plain texts do not matter
+    };
+
+    template <class Cells>
+    std::size_t walk(const Cells& cells, std::size_t row, std::size_t last) {
+        const auto on_short = [this](ShortText text) { return add_short(text); };
+        const auto on_text = [this](std::size_t at, TextView text) { return add_text(at, text); };
+        Walk walk = Walk::ended;
+        if (mode_ == Mode::all) {
+            walk = walk_from(row, last, cells, *references_, facts_, no_row, on_short, on_text);
+            if (walk == Walk::stopped) {
+                mode_ = facts_.lone ? Mode::numbers : Mode::skip;
+                skipped_from_ = row;
+            }
+        }
+        if (mode_ == Mode::skip) {
+            walk = skip_plain(row, last, cells, *references_, *tables_, facts_);
+            if (walk == Walk::stopped) {
+                mode_ = Mode::numbers;
+                return skipped_from_;
+            }
+        }
+        if (mode_ == Mode::numbers) {
+            // No number starts with a letter.
+            const auto plain_words = [&](std::size_t at) {
+                TextView text{};
+                return cells.read(at, text) == Cell::text && text.size > longest_special_ &&
+                       is_ascii_letter(unit(text, 0));
+            };
+            walk = walk_from(row, last, cells, *references_, facts_, plain_words, on_short, on_text);
+        }
+        gave_up_ = walk == Walk::gave_up;
+        return row;
+    }
+
+    bool add_short(ShortText text) noexcept {
+        if (text.length <= longest_special_) {
+            if (const ReferenceBits found = references_->find(text); found != 0) {
+                facts_.references |= found;
                 return true;
             }
         }
         const auto first = static_cast<std::uint8_t>(text.value());
         if (others_of(text) == 0) {
-            seen.integers = true;
-            digits = true;
+            facts_.integers = true;
+            digits_ = true;
             return true;
         }
-        if (text.length == 1 && lone_texts.has_ascii(first)) return true;
+        if (text.length == 1 && lone_texts_.has_ascii(first)) return true;
         const TextClass text_class = classify_short(text);
         if (text_class != TextClass::integer && text_class != TextClass::real) return false;
-        (text_class == TextClass::integer ? seen.integers : seen.reals) = true;
-        least_start = first < least_start ? first : least_start;
+        add_number(text_class, first);
         return true;
-    };
-    // No number starts with a letter, and of plain texts a third one tells nothing new.
-    const auto plain_words = [&](std::size_t row) {
-        TextView text{};
-        return cells.read(row, text) == Cell::text && text.length > special && is_ascii_letter(character(text, 0));
-    };
-    const auto on_text = [&](std::size_t row, TextView text) {
-        const bool lone = text.length <= 1 && is_lone(text, script);
-        seen.lone = seen.lone || lone;
-        if (lone && text.length == 1) lone_texts.add(character(text, 0));
-        const TextClass text_class = lone ? TextClass::plain : classify_text(text, script);
+    }
+
+    Step add_text(std::size_t row, TextView text) noexcept {
+        const bool lone = is_lone(text, *tables_);
+        facts_.lone = facts_.lone || lone;
+        if (lone && text.size != 0) lone_texts_.add(first_character(text));
+        const TextClass text_class = lone ? TextClass::plain : classify_text(text, *tables_);
         switch (text_class) {
             case TextClass::unsettled:
                 return Step::give_up;
             case TextClass::integer:
             case TextClass::real:
-                (text_class == TextClass::integer ? seen.integers : seen.reals) = true;
-                least_start = character(text, 0) < least_start ? character(text, 0) : least_start;
+                add_number(text_class, first_character(text));
                 break;
             case TextClass::plain:
-                if (!seen.plain) {
-                    seen.plain = true;
-                    seen.first_plain = row;
-                    first_plain = text;
-                } else if (!seen.second_plain) {
-                    seen.second_plain = !same(first_plain, text);
-                    if (seen.second_plain) return Step::stop;
-                }
-                break;
+                return add_plain(row, text);
         }
         return Step::next;
-    };
-    std::size_t row = 0;
-    Walk walk = Walk::stopped;
-    while (walk == Walk::stopped) {
-        walk = seen.second_plain ? walk_from(row, cells, markers, seen, plain_words, on_short, on_text)
-                                 : walk_from(row, cells, markers, seen, nothing, on_short, on_text);
-        if (walk != Walk::stopped || seen.lone) continue;
-        const std::size_t skipped_from = row;
-        walk = skip_plain(row, cells, markers, script, seen);
-        if (walk == Walk::stopped) row = skipped_from;
     }
-    seen.texts = seen.plain || seen.numbers();
-    if (digits && least_start > '0') least_start = '0';
-    seen.lone_may_be_above = seen.numbers() && lone_texts.may_be_above(least_start);
-    facts = seen;
-    return walk == Walk::gave_up ? Gathered::gave_up : Gathered::all;
+
+    void add_number(TextClass text_class, std::uint32_t first) noexcept {
+        (text_class == TextClass::integer ? facts_.integers : facts_.reals) = true;
+        least_start_ = first < least_start_ ? first : least_start_;
+    }
+
+    // Stops at the second one.
+    Step add_plain(std::size_t row, TextView text) noexcept {
+        if (!facts_.plain) {
+            facts_.plain = true;
+            facts_.first_plain = row;
+            first_plain_ = text;
+        } else if (!facts_.second_plain && !same(first_plain_, text)) {
+            facts_.second_plain = true;
+            return Step::stop;
+        }
+        return Step::next;
+    }
+
+    const ReferenceTexts* references_;
+    const CharacterTables* tables_;
+    std::size_t longest_special_;  // longer texts are neither references nor lone ASCII characters
+    TextFacts facts_;
+    TextView first_plain_{};
+    LoneTexts lone_texts_;
+    std::uint32_t least_start_ = 0xffffffffU;  // first character of the number texts, except those of digits only
+    bool digits_ = false;                      // texts of digits only
+    bool gave_up_ = false;
+    Mode mode_ = Mode::all;
+    std::size_t skipped_from_ = 0;
+};
+
+// The whole column.
+template <class Cells>
+[[nodiscard]] Walk gather_facts(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
+                                TextFacts& facts) {
+    TextGatherer gatherer(references, tables);
+    for (std::size_t row = 0; row < cells.size() && !gatherer.gave_up();) {
+        row = gatherer.gather(cells, row, cells.size());
+    }
+    facts = gatherer.finish();
+    return gatherer.gave_up() ? Walk::gave_up : Walk::ended;
 }
 
+// A text of a row.
 struct Ordered {
     bool found = false;
     std::size_t row = 0;
     TextView text{};
 };
 
-// The second walk: the least number text, the least lone text above it.
+// Reads the texts again. False if one is not a text any more.
+template <class Cells, class Entry>
+[[nodiscard]] bool refresh(const Cells& cells, std::vector<Entry>& entries) {
+    for (Entry& entry : entries) {
+        if (cells.read(entry.row, entry.text) != Cell::text) return false;
+    }
+    return true;
+}
+
 template <class Cells>
-[[gnu::flatten]] void find_end_marker(const Cells& cells, const ReferenceTexts& markers, const CharacterTables& script,
-                                      Ordered& least_number, Ordered& end_marker) {
+[[nodiscard]] bool refresh(const Cells& cells, Ordered& entry) {
+    return !entry.found || cells.read(entry.row, entry.text) == Cell::text;
+}
+
+// The least number text of the rows, if it is below `least_number`.
+template <class Cells>
+[[gnu::flatten]] void find_least_number(RowRange rows, const Cells& cells, const ReferenceTexts& references,
+                                        const CharacterTables& tables, Ordered& least_number) {
     TextFacts facts;
     std::uint64_t least_order = ~std::uint64_t{0};
+    const auto keep_order = [&] {
+        if (ShortText few{}; cells.glance(least_number.row, few)) least_order = ascending_key(few);
+    };
+    if (least_number.found) keep_order();
     const auto is_above = [&](ShortText text) { return ascending_key(text) > least_order; };
-    walk_texts(cells, markers, facts, is_above, [&](std::size_t row, TextView text) {
-        if ((!least_number.found || compare(text, least_number.text) < 0) &&
-            !(text.length <= 1 && is_lone(text, script)) && classify_text(text, script) != TextClass::plain) {
+    walk_texts(rows, cells, references, facts, is_above, [&](std::size_t row, TextView text) {
+        if ((!least_number.found || compare(text, least_number.text) < 0) && !is_lone(text, tables) &&
+            classify_text(text, tables) != TextClass::plain) {
             least_number = {true, row, text};
-            if (ShortText few{}; cells.glance(row, few)) least_order = ascending_key(few);
+            keep_order();
         }
-        return true;
-    });
-    if (!least_number.found) return;
-    const auto is_long = [](ShortText text) { return text.length > 1; };
-    walk_texts(cells, markers, facts, is_long, [&](std::size_t row, TextView text) {
-        if (text.length <= 1 && is_lone(text, script) && compare(text, least_number.text) > 0 &&
-            (!end_marker.found || compare(text, end_marker.text) < 0)) {
-            end_marker = {true, row, text};
-        }
-        return true;
+        return Step::next;
     });
 }
 
-// The texts below the end marker, a single character: which numbers occur, and the distinct plain ones. Gives up beyond
-// `most_plain` of them, before the search among them grows expensive.
+// The least lone text of the rows above the least number text, if it is below `end_marker`.
 template <class Cells>
-[[gnu::flatten]] Gathered gather_below(const Cells& cells, const ReferenceTexts& markers, const CharacterTables& script,
-                                       TextView end_marker, std::size_t most_plain, TextFacts& below,
-                                       std::vector<Ordered>& plain) {
-    const std::uint32_t end_character = character(end_marker, 0);
-    const auto on_short = [&](ShortText text) {
-        if (static_cast<std::uint8_t>(text.value()) >= end_character) return true;
-        if (markers.find(text) != 0) return true;
-        const TextClass text_class = classify_short(text);
+[[gnu::flatten]] void find_lone_above(RowRange rows, const Cells& cells, const ReferenceTexts& references,
+                                      const CharacterTables& tables, const Ordered& least_number, Ordered& end_marker) {
+    TextFacts facts;
+    const auto is_long = [](ShortText text) { return text.length > 1; };
+    walk_texts(rows, cells, references, facts, is_long, [&](std::size_t row, TextView text) {
+        if (is_lone(text, tables) && compare(text, least_number.text) > 0 &&
+            (!end_marker.found || compare(text, end_marker.text) < 0)) {
+            end_marker = {true, row, text};
+        }
+        return Step::next;
+    });
+}
+
+// The whole column: the least number text, the least lone text above it.
+template <class Cells>
+void find_end_marker(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
+                     Ordered& least_number, Ordered& end_marker) {
+    const RowRange all{0, cells.size()};
+    find_least_number(all, cells, references, tables, least_number);
+    if (least_number.found) find_lone_above(all, cells, references, tables, least_number, end_marker);
+}
+
+// The texts below the end marker, which is one character: which numbers occur, and the distinct plain texts, ascending.
+// Gives up if these are more than `most_plain`, because they are searched one by one.
+template <class Cells>
+[[nodiscard, gnu::flatten]] Walk gather_below(RowRange rows, const Cells& cells, const ReferenceTexts& references,
+                                              const CharacterTables& tables, TextView end_marker,
+                                              std::size_t most_plain, TextFacts& below, std::vector<Ordered>& plain) {
+    const std::uint32_t end_character = first_character(end_marker);
+    const auto add_number = [&](TextClass text_class) {
         if (text_class != TextClass::integer && text_class != TextClass::real) return false;
         (text_class == TextClass::integer ? below.integers : below.reals) = true;
         return true;
     };
-    return walk_texts(cells, markers, below, on_short, [&](std::size_t row, TextView text) {
-        if (compare(text, end_marker) >= 0) return true;
-        switch (classify_text(text, script)) {
-            case TextClass::unsettled:
-                return false;
-            case TextClass::integer:
-                below.integers = true;
-                return true;
-            case TextClass::real:
-                below.reals = true;
-                return true;
-            case TextClass::plain:
-                break;
-        }
+    const auto on_short = [&](ShortText text) {
+        if (static_cast<std::uint8_t>(text.value()) >= end_character) return true;
+        if (references.find(text) != 0) return true;
+        return add_number(classify_short(text));
+    };
+    return walk_texts(rows, cells, references, below, on_short, [&](std::size_t row, TextView text) {
+        if (compare(text, end_marker) >= 0) return Step::next;
+        const TextClass text_class = classify_text(text, tables);
+        if (add_number(text_class)) return Step::next;
+        if (text_class == TextClass::unsettled) return Step::give_up;
         auto place = plain.begin();
         while (place != plain.end() && compare(place->text, text) < 0) ++place;
-        if (place != plain.end() && same(place->text, text)) return true;
-        if (plain.size() == most_plain) return false;
+        if (place != plain.end() && same(place->text, text)) return Step::next;
+        if (plain.size() == most_plain) return Step::give_up;
         plain.insert(place, Ordered{true, row, text});
-        return true;
+        return Step::next;
     });
+}
+
+// The whole column.
+template <class Cells>
+[[nodiscard]] Walk gather_below(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
+                                TextView end_marker, std::size_t most_plain, TextFacts& below,
+                                std::vector<Ordered>& plain) {
+    return gather_below({0, cells.size()}, cells, references, tables, end_marker, most_plain, below, plain);
 }
 
 }  // namespace quorin::core

@@ -1,51 +1,109 @@
 #include "core/references/reference_texts.hpp"
 
 #include <algorithm>
+#include <bit>
 
 namespace quorin::core {
 
 namespace {
 
-// False where the text is none of one to eight ASCII characters.
-bool ascii_value(TextView text, std::uint64_t& value) noexcept {
-    if (text.length - 1 >= 8) return false;
+// The value of texts that are not ASCII.
+constexpr std::uint64_t not_ascii = ~std::uint64_t{0};
+
+bool has_only_ascii(TextView text) noexcept {
     std::uint32_t all = 0;
-    for (std::size_t i = 0; i < text.length; ++i) {
-        const std::uint32_t c = character(text, i);
-        all |= c;
-        value |= std::uint64_t{c} << (8 * i);
-    }
+    for (std::size_t i = 0; i < text.size; ++i) all |= unit(text, i);
     return all <= 0x7f;
+}
+
+// The last characters, up to eight, the first of them lowest.
+std::uint64_t value_of(TextView text) noexcept {
+    if (!text.is_ascii() && !has_only_ascii(text)) return not_ascii;
+    std::uint64_t value = 0;
+    const std::size_t start = text.size <= 8 ? 0 : text.size - 8;
+    for (std::size_t i = text.size; i > start; --i) value = value << 8U | unit(text, i - 1);
+    return value;
+}
+
+std::size_t size_in_utf8(std::uint32_t c) noexcept {
+    return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+}
+
+std::size_t size_in_utf8(TextView text) noexcept {
+    if (text.is_utf8()) return text.size;
+    std::size_t size = 0;
+    for (std::size_t i = 0; i < text.size; ++i) size += size_in_utf8(unit(text, i));
+    return size;
+}
+
+// The lead byte. Of it the lowest six bits matter.
+std::uint32_t first_in_utf8(std::uint32_t c) noexcept {
+    switch (size_in_utf8(c)) {
+        case 1:
+            return c;
+        case 2:
+            return 0xc0U | c >> 6U;
+        case 3:
+            return 0xe0U | c >> 12U;
+        default:
+            return 0xf0U | c >> 18U;
+    }
 }
 
 }  // namespace
 
-bool ReferenceTexts::add(const TextView& text) noexcept {
-    if (texts_.size() == most_references || text.length > longest_possible) return false;
-    if (text.length == 0) {
-        empty_ |= ReferenceBits{1} << texts_.size();
-    } else {
-        const std::uint64_t others = has_length(text.length) ? firsts_[text.length] : 0;
-        firsts_[text.length] = others | std::uint64_t{1} << (character(text, 0) & 63U);
+// Longer texts in UTF-8 are not filtered.
+void ReferenceTexts::add_to_filter(std::size_t size, std::uint32_t first) noexcept {
+    if (size >= sizes) return;
+    if (!has_size(size)) {
+        sizes_ |= std::uint64_t{1} << size;
+        firsts_[size] = 0;
+        heads_[size] = none;
     }
-    lengths_ |= 1U << text.length;
-    longest_ = std::max(longest_, text.length);
-    // Field by field: what was written so a moment ago the processor cannot read as a whole yet.
-    texts_.push_back({text.characters, text.length, text.width});
-    std::uint64_t value = 0;
-    values_.push_back(ascii_value(text, value) ? Value{value, text.length} : Value{0, 0});
+    firsts_[size] |= std::uint64_t{1} << (first & 63U);
+}
+
+bool ReferenceTexts::add(const TextView& text) noexcept {
+    if (texts_.size() == most_references) return false;
+    const auto number = static_cast<std::uint8_t>(texts_.size());
+    const std::size_t length = length_of(text);
+    if (length >= sizes) return false;
+    const bool ascii = has_only_ascii(text);
+    const std::uint32_t first = length == 0 ? 0 : first_character(text);
+    add_to_filter(length, first);
+    longest_ = std::max(longest_, length);
+    if (length == 0) empty_ |= ReferenceBits{1} << number;
+    if (!ascii) {
+        const std::size_t size = size_in_utf8(text);
+        add_to_filter(size, first_in_utf8(first));
+        longest_ = std::max(longest_, size);
+        not_ascii_ |= ReferenceBits{1} << number;
+    }
+    // Field by field: copying the whole text would load fields that were stored a moment ago by narrower stores, which
+    // stalls store forwarding.
+    const bool bytes = ascii && text.width == 1 && !text.is_padded();
+    texts_.push_back({text.characters, text.size, text.width, bytes ? Encoding::ascii : text.encoding});
+    values_.push_back({value_of(text), heads_[length]});
+    heads_[length] = number;
     return true;
 }
 
-ReferenceBits ReferenceTexts::find_slowly(const void* characters, std::size_t length, int width) const noexcept {
-    const TextView text{characters, length, width};
-    std::uint64_t value = 0;
-    if (ascii_value(text, value)) return find_value(value, length);
-    ReferenceBits found = 0;
-    for (std::size_t i = 0; i < texts_.size(); ++i) {
-        if (same(texts_[i], text)) found |= ReferenceBits{1} << i;
+ReferenceBits ReferenceTexts::find_filtered(const void* characters, std::size_t size, int width,
+                                            Encoding encoding) const noexcept {
+    const TextView text{characters, size, width, encoding};
+    if (text.is_padded() && size <= 8) return find_value(short_text(text), size);
+    const std::uint64_t value = value_of(text);
+    if (value == not_ascii && text.is_utf8()) {
+        ReferenceBits found = 0;
+        for (ReferenceBits left = not_ascii_; left != 0; left &= left - 1) {
+            const auto i = static_cast<std::size_t>(std::countr_zero(left));
+            if (same(texts_[i], text)) found |= ReferenceBits{1} << i;
+        }
+        return found;
     }
-    return found;
+    if (size >= sizes) return 0;
+    if (value != not_ascii && size <= 8) return find_value(value, size);
+    return find_if(size, [&](std::size_t i) { return values_[i].value == value && same(texts_[i], text); });
 }
 
 }  // namespace quorin::core

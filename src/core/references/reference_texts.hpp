@@ -1,4 +1,4 @@
-// The marker texts of a column, to be found in its cells.
+// Finding the reference texts of a column in its cells.
 #pragma once
 
 #include <array>
@@ -15,59 +15,68 @@ using ReferenceBits = std::uint64_t;
 
 constexpr std::size_t most_references = 64;
 
-// The marker texts of a column, to be found in its cells; short ones only.
+// Texts in any encoding, found in cells of any encoding. Their characters stay with the caller.
 class ReferenceTexts {
   public:
     ReferenceTexts() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `firsts_`
-    // False where the text is none that this set can hold.
+    // False if the set is full, or the text has more than 63 characters.
     bool add(const TextView& text) noexcept;
-    // The bits of the markers that the text equals. Most texts differ from all of them in length or first character.
+    // The bits of the references that the text equals. Most texts differ from all of them in size or first unit, so
+    // that the number of references does not matter.
     [[nodiscard]] ReferenceBits find(TextView text) const noexcept {
-        if (!has_length(text.length)) return 0;
-        if (text.length == 0) return empty_;
-        if (!has_first(text.length, character(text, 0))) return 0;
-        if (text.compact && text.length - 1 < 8) {
-            const auto* end = static_cast<const char*>(text.characters) + text.length;
-            return find_value(ShortText{eight_bytes(end - 8), text.length}.value(), text.length);
+        if (has_size(text.size)) {
+            if (text.size == 0) return empty_;
+            if (!has_first(text.size, unit(text, 0))) return 0;
+        } else if (!text.is_utf8() || text.size < sizes) {
+            return 0;
         }
-        return find_slowly(text.characters, text.length, text.width);
+        return find_filtered(text.characters, text.size, text.width, text.encoding);
     }
     [[nodiscard]] ReferenceBits find(ShortText text) const noexcept {
-        if (!has_length(text.length)) return 0;
+        if (!has_size(text.length)) return 0;
         const std::uint64_t value = text.value();
         return has_first(text.length, value & 0xffU) ? find_value(value, text.length) : 0;
     }
-    [[nodiscard]] bool has_length(std::size_t length) const noexcept {
-        return length <= longest_possible && (lengths_ >> length & 1U) != 0;
-    }
-    // No marker is longer.
+    // No reference has more units, in any encoding.
     [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
 
   private:
-    static constexpr std::size_t longest_possible = 31;
-    [[nodiscard]] bool has_first(std::size_t length, std::uint64_t first) const noexcept {
-        return (firsts_[length] >> (first & 63U) & 1U) != 0;
+    static constexpr std::size_t sizes = 64;
+    static constexpr std::uint8_t none = most_references;
+
+    [[nodiscard]] bool has_size(std::size_t size) const noexcept { return size < sizes && (sizes_ >> size & 1U) != 0; }
+    [[nodiscard]] bool has_first(std::size_t size, std::uint64_t first) const noexcept {
+        return (firsts_[size] >> (first & 63U) & 1U) != 0;
     }
-    [[nodiscard]] ReferenceBits find_value(std::uint64_t value, std::size_t length) const noexcept {
+    // Walks over the references of one length, which are a linked list.
+    template <class Holds>
+    [[nodiscard]] ReferenceBits find_if(std::size_t length, Holds holds) const noexcept {
         ReferenceBits found = 0;
-        for (std::size_t i = 0; i < values_.size(); ++i) {
-            const bool equal = values_[i].value == value && values_[i].length == length;
-            found |= static_cast<ReferenceBits>(equal) << i;
+        for (std::size_t i = heads_[length]; i != none; i = values_[i].next) {
+            found |= static_cast<ReferenceBits>(holds(i)) << i;
         }
         return found;
     }
-    [[nodiscard]] ReferenceBits find_slowly(const void* characters, std::size_t length, int width) const noexcept;
+    [[nodiscard]] ReferenceBits find_value(std::uint64_t value, std::size_t length) const noexcept {
+        return find_if(length, [&](std::size_t i) { return values_[i].value == value; });
+    }
+    // For a text that passes the filter. Takes it in parts: gcc keeps a text that is passed whole in memory.
+    [[nodiscard]] ReferenceBits find_filtered(const void* characters, std::size_t size, int width,
+                                              Encoding encoding) const noexcept;
+    void add_to_filter(std::size_t size, std::uint32_t first) noexcept;
 
-    std::uint32_t lengths_ = 0;
-    ReferenceBits empty_ = 0;  // the bits of the markers without characters
+    std::uint64_t sizes_ = 0;      // bits of the sizes that occur: in characters, in bytes of UTF-8
+    ReferenceBits empty_ = 0;      // of the empty texts
+    ReferenceBits not_ascii_ = 0;  // of the texts that are not ASCII
     std::size_t longest_ = 0;
-    // By length, of those that a marker has: a bit for the first character, modulo 64.
-    std::array<std::uint64_t, longest_possible + 1> firsts_;
+    // By size, for the sizes that occur; not initialised for the others, so that a short list costs little. A bit for
+    // the first unit, modulo 64; the last reference with as many characters.
+    std::array<std::uint64_t, sizes> firsts_;
+    std::array<std::uint8_t, sizes> heads_;
     InplaceVector<TextView, most_references> texts_;
-    // The ASCII texts of one to eight characters among them, the first one lowest; of length 0 in the place of others.
     struct Value {
-        std::uint64_t value;
-        std::size_t length;
+        std::uint64_t value;  // of an ASCII text: its last characters, up to eight, the first of them lowest
+        std::size_t next;     // reference of as many characters
     };
     InplaceVector<Value, most_references> values_;
 };

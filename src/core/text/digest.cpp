@@ -38,7 +38,7 @@ std::uint32_t word_at(const std::uint8_t* bytes) noexcept {
            static_cast<std::uint32_t>(bytes[3]) << 24U;
 }
 
-// One of the 64 steps. The loops over them are unrolled, so that everything but the words is a constant.
+// One of the 64 steps. The step is a template parameter so that everything but the words is a constant.
 template <std::size_t Step>
 [[gnu::always_inline]] inline void step(State& state, const std::uint8_t* block) noexcept {
     constexpr std::size_t round = Step / 16;
@@ -52,7 +52,7 @@ template <std::size_t Step>
     if constexpr (round == 0) {
         mixed = d ^ (b & (c ^ d));
     } else if constexpr (round == 1) {
-        // The two halves have no bit in common, so that the sum takes them in any order.
+        // The operands have no bit in common: the sum equals the union, and can be reassociated.
         mixed = (c & ~d) + (b & d);
     } else if constexpr (round == 2) {
         mixed = b ^ c ^ d;
@@ -75,7 +75,7 @@ void add_block(State& state, const std::uint8_t* block) noexcept {
     for (std::size_t i = 0; i < state.size(); ++i) state[i] += mixed[i];
 }
 
-// Bytes in blocks of 64: a one behind the last, zeros, and the number of bits in the last eight.
+// Collects bytes in blocks of 64. The end is a one bit, zeros, and the number of bits in the last eight bytes.
 class Blocks {
   public:
     void add(std::uint8_t byte) noexcept {
@@ -122,8 +122,8 @@ class Blocks {
     std::uint64_t flushed_ = 0;
 };
 
-// The six lowest bits from `shift` on, as a byte that continues a character.
-std::uint8_t continued(std::uint32_t c, unsigned shift) noexcept {
+// The continuation byte of UTF-8 with the six bits from `shift` on.
+std::uint8_t continuation(std::uint32_t c, unsigned shift) noexcept {
     return static_cast<std::uint8_t>(0x80U | (c >> shift & 0x3fU));
 }
 
@@ -132,17 +132,17 @@ bool add_character(Blocks& blocks, std::uint32_t c) noexcept {
         blocks.add(static_cast<std::uint8_t>(c));
     } else if (c < 0x800) {
         blocks.add(static_cast<std::uint8_t>(0xc0U | c >> 6U));
-        blocks.add(continued(c, 0));
+        blocks.add(continuation(c, 0));
     } else if (c < 0x10000) {
         if (c >= 0xd800 && c < 0xe000) return false;
         blocks.add(static_cast<std::uint8_t>(0xe0U | c >> 12U));
-        blocks.add(continued(c, 6));
-        blocks.add(continued(c, 0));
+        blocks.add(continuation(c, 6));
+        blocks.add(continuation(c, 0));
     } else if (c < 0x110000) {
         blocks.add(static_cast<std::uint8_t>(0xf0U | c >> 18U));
-        blocks.add(continued(c, 12));
-        blocks.add(continued(c, 6));
-        blocks.add(continued(c, 0));
+        blocks.add(continuation(c, 12));
+        blocks.add(continuation(c, 6));
+        blocks.add(continuation(c, 0));
     } else {
         return false;
     }
@@ -153,11 +153,11 @@ bool add_character(Blocks& blocks, std::uint32_t c) noexcept {
 
 bool digest_text(TextView text, Digest& digest) noexcept {
     Blocks blocks;
-    if (text.compact) {
-        blocks.add(static_cast<const std::uint8_t*>(text.characters), text.length);
+    if (text.is_ascii() || text.is_utf8()) {
+        blocks.add(text.bytes(), text.size);
     } else {
-        for (std::size_t i = 0; i < text.length; ++i) {
-            if (!add_character(blocks, character(text, i))) return false;
+        for (std::size_t i = 0; i < text.size; ++i) {
+            if (!add_character(blocks, unit(text, i))) return false;
         }
     }
     digest = blocks.end();
@@ -167,7 +167,7 @@ bool digest_text(TextView text, Digest& digest) noexcept {
 std::size_t write_decimal(const Digest& digest, std::array<char, most_decimal_digits>& digits) noexcept {
     Whole number = 0;
     for (const std::uint8_t byte : digest) number = number << 8U | byte;
-    // As many digits at a time as fit 64 bits, which are divided much faster.
+    // As many digits at a time as fit into 64 bits: dividing 128 bits is much slower.
     constexpr std::size_t at_once = 19;
     constexpr std::uint64_t scale = 10'000'000'000'000'000'000U;
     std::size_t start = digits.size();

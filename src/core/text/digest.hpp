@@ -1,4 +1,4 @@
-// MD5 of a text's UTF-8 bytes.
+// MD5 of a text's bytes in UTF-8.
 #pragma once
 
 #include <array>
@@ -11,10 +11,10 @@ namespace quorin::core {
 
 using Digest = std::array<std::uint8_t, 16>;
 
-// False for a text that UTF-8 has no bytes for: one with a surrogate, or with what is no character at all.
+// False if the text cannot be encoded in UTF-8: it holds a surrogate or a number above U+10FFFF.
 bool digest_text(TextView text, Digest& digest) noexcept;
 
-// The digest as a number, its first byte highest, in decimal digits; tells how many.
+// Writes the digest as a decimal number, its first byte being the highest; returns the number of digits.
 constexpr std::size_t most_decimal_digits = 39;
 std::size_t write_decimal(const Digest& digest, std::array<char, most_decimal_digits>& digits) noexcept;
 

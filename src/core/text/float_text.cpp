@@ -29,7 +29,7 @@ class Writer {
     char* at_;
 };
 
-// The digits of a positive number without the dot behind the first, and the power of ten of that one.
+// A positive number as digits d0 d1 d2 ... and a power: d0.d1d2... * 10 ** power.
 struct Digits {
     std::array<char, 24> characters;
     std::size_t size;
@@ -46,7 +46,7 @@ bool shortest_digits(double number, Digits& digits) noexcept {
     if (written.ec != std::errc{}) return false;
     const std::string_view all(text.data(), static_cast<std::size_t>(written.ptr - text.data()));
     const std::size_t exponent = all.find('e');
-    // Either the only digit stands before the power or a dot stands behind the first.
+    // The form is d or d.ddd before the exponent.
     const std::size_t fraction = exponent < 2 ? 0 : exponent - 2;
     if (exponent == std::string_view::npos || fraction >= digits.characters.size()) return false;
     digits.characters[0] = all[0];
@@ -59,13 +59,13 @@ bool shortest_digits(double number, Digits& digits) noexcept {
     return true;
 }
 
-// From 1e-4 on and below 1e16 a number is written out; beyond, its power of ten is told, in two digits at least.
-constexpr int least_written_out = -4;
-constexpr int first_told = 16;
+// repr() writes numbers x with 1e-4 <= x < 1e16 without an exponent, and others with one of at least two digits.
+constexpr int least_power_without_exponent = -4;
+constexpr int least_power_with_exponent = 16;
 
 void put_digits(Writer& writer, const Digits& digits) noexcept {
     const int power = digits.power;
-    if (power < least_written_out || power >= first_told) {
+    if (power < least_power_without_exponent || power >= least_power_with_exponent) {
         writer.put(digits.first(1));
         if (digits.size > 1) {
             writer.put('.');

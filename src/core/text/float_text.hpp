@@ -7,13 +7,13 @@
 
 namespace quorin::core {
 
-// Room for any of them, such as -2.2250738585072014e-308.
+// Large enough for any number, such as -2.2250738585072014e-308.
 using FloatText = std::array<char, 32>;
 
-// Writes what repr() gives for the number and tells its length; 0 where the compiler's library cannot say.
+// Writes repr(number) and returns its length; 0 if the C++ library has no std::to_chars() for floats.
 std::size_t write_float(double number, FloatText& text) noexcept;
 
-// One byte a character to four bytes a character.
+// Copies characters of one byte to characters of four bytes.
 void widen(const char* from, std::size_t size, std::uint32_t* to) noexcept;
 
 }  // namespace quorin::core

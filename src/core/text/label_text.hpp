@@ -1,4 +1,4 @@
-// Category labels: what a label consists of, and the label without its white space.
+// Labels of categories: which characters they hold, and how they read without white space.
 #pragma once
 
 #include <cstddef>
@@ -9,18 +9,18 @@
 namespace quorin::core {
 
 // str.isalnum()
-bool is_alphanumeric(TextView text, const CharacterTables& script) noexcept;
+bool is_alphanumeric(TextView text, const CharacterTables& tables) noexcept;
 
-// "".join(text.split()): writes what is left, in characters of the same width, and tells how many those are. `out` has
-// room for the whole text and may be where the text itself lies.
-std::size_t remove_white_space(TextView text, const CharacterTables& script, void* out) noexcept;
+// "".join(text.split()): writes what is left, in the same encoding, and returns its size in units. `out` has room for
+// the whole text and may be the text itself.
+std::size_t remove_white_space(TextView text, const CharacterTables& tables, void* out) noexcept;
 
-// Whether all of these are characters that have bytes in UTF-8: no surrogates, nothing beyond the last plane.
+// Whether the text can be encoded in UTF-8: it holds no surrogates and no numbers above U+10FFFF.
 bool is_encodable(TextView text) noexcept;
 
-// The text without zeros at its end, which fixed-width storage takes for room that is not used.
+// The text without NUL characters at its end, as fixed-width storage drops them.
 inline TextView without_zeros_at_end(TextView text) noexcept {
-    while (text.length != 0 && character(text, text.length - 1) == 0) --text.length;
+    while (text.size != 0 && unit(text, text.size - 1) == 0) --text.size;
     return text;
 }
 

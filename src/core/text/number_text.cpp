@@ -8,7 +8,7 @@ namespace quorin::core {
 
 namespace {
 
-// int() refuses texts with more digits than a limit that applications may set, but never below this number.
+// int() refuses texts with more digits than a limit that an application may set, but not below this number.
 constexpr std::size_t always_allowed_digits = 640;
 
 template <class Character>
@@ -39,8 +39,8 @@ struct Scanner {
     void skip_sign() noexcept {
         if (!skip('+')) skip('-');
     }
-    // Digits with single underscores between them; gives how many digits there are. A misplaced underscore is left
-    // standing, where nothing that may follow accepts it.
+    // Digits with single underscores between them; returns the number of digits. Stops at a misplaced underscore, which
+    // nothing that may follow accepts.
     std::size_t skip_digits() noexcept {
         std::size_t digits = 0;
         while (digit()) {
@@ -60,7 +60,7 @@ bool is_ascii(const Character* at, const Character* end) noexcept {
     return true;
 }
 
-// Grammar, after white space on both sides is gone:
+// Grammar, after white space on both sides has been removed:
 //   [sign] (inf | infinity | nan)   letters in either case
 //   [sign] (digits [. [digits]] | . digits) [(e | E) [sign] digits]
 template <class Character>
@@ -88,12 +88,12 @@ NumberText parse(const Character* begin, const Character* end) noexcept {
     return scan.more() ? NumberText::none : NumberText::real;
 }
 
-// Characters beyond ASCII may be digits or white space of another script, which the interpreter translates first.
+// Characters beyond ASCII may be digits or white space, which the interpreter translates first.
 template <class Character>
 NumberText classify(TextView text) noexcept {
     const auto* begin = static_cast<const Character*>(text.characters);
-    const auto* end = begin + text.length;
-    if (!text.compact && !is_ascii(begin, end)) return NumberText::ask;
+    const auto* end = begin + text.size;
+    if (!text.is_ascii() && !is_ascii(begin, end)) return NumberText::ask;
     return parse(begin, end);
 }
 
@@ -115,15 +115,15 @@ NumberText classify_number(TextView text) noexcept {
 namespace {
 
 bool is_ascii(TextView text) noexcept {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (character(text, i) > 0x7f) return false;
+    for (std::size_t i = 0; i < text.size; ++i) {
+        if (unit(text, i) > 0x7f) return false;
     }
     return true;
 }
 
 bool has_dot(TextView text) noexcept {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (character(text, i) == '.') return true;
+    for (std::size_t i = 0; i < text.size; ++i) {
+        if (unit(text, i) == '.') return true;
     }
     return false;
 }
@@ -142,60 +142,63 @@ TextClass from_grammar(TextView text) noexcept {
     return TextClass::plain;
 }
 
-// Digits and white space of every script become ASCII first, as the number parsers do; any other character beyond ASCII
-// makes the text a plain one.
-TextClass classify_translated(TextView text, const CharacterTables& script) noexcept {
+// Translates digits and white space beyond ASCII to ASCII first, as the number parsers do; any other character beyond
+// ASCII makes the text plain.
+TextClass classify_translated(TextView text, const CharacterTables& tables) noexcept {
     constexpr std::size_t longest = 400;
-    if (text.length > longest) return TextClass::unsettled;
-    std::array<std::uint8_t, longest> translated{};
-    for (std::size_t i = 0; i < text.length; ++i) {
-        const std::uint32_t c = character(text, i);
-        const int ascii = script.translated(c);
+    if (length_of(text) > longest) return TextClass::unsettled;
+    std::array<std::uint8_t, longest> translated;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < text.size;) {
+        const Decoded decoded = decode(text, i);
+        const int ascii = tables.translated(decoded.character);
         if (ascii < 0) return TextClass::plain;
-        translated[i] = static_cast<std::uint8_t>(ascii);
+        translated[length++] = static_cast<std::uint8_t>(ascii);
+        i += decoded.size;
     }
-    return from_grammar({translated.data(), text.length, 1});
+    return from_grammar({translated.data(), length, 1});
 }
 
-// Room for what classify_common() looks at, and for what it may read before.
-struct Narrowed {
-    std::array<std::uint8_t, 16 + 32> bytes;
+// A short text with padding before it.
+struct Padded {
+    static constexpr std::size_t most = 32;
+    std::array<std::uint8_t, 16 + most> bytes;
 };
 
-// The compact text of the same characters, where they are few and ASCII.
+// Writes the characters of an ASCII text of at most Padded::most. False for other texts.
 template <class Character>
-bool narrow(TextView text, Narrowed& narrowed) noexcept {
-    if (text.length > narrowed.bytes.size() - 16 || std::endian::native != std::endian::little) return false;
+bool pad(TextView text, Padded& padded) noexcept {
+    if (text.size > Padded::most || std::endian::native != std::endian::little) return false;
     const auto* from = static_cast<const Character*>(text.characters);
-    std::uint8_t* to = narrowed.bytes.data() + 16;
+    std::uint8_t* to = padded.bytes.data() + 16;
     Character all = 0;
-    for (std::size_t i = 0; i < text.length; ++i) {
+    for (std::size_t i = 0; i < text.size; ++i) {
         all = static_cast<Character>(all | from[i]);
         to[i] = static_cast<std::uint8_t>(from[i]);
     }
     return all <= 0x7f;
 }
 
-TextClass classify_narrowed(TextView text) noexcept {
-    Narrowed narrowed;
-    const bool done = text.width == 4   ? narrow<std::uint32_t>(text, narrowed)
-                      : text.width == 2 ? narrow<std::uint16_t>(text, narrowed)
-                                        : narrow<std::uint8_t>(text, narrowed);
+TextClass classify_padded(TextView text) noexcept {
+    Padded padded;
+    const bool done = text.width == 4   ? pad<std::uint32_t>(text, padded)
+                      : text.width == 2 ? pad<std::uint16_t>(text, padded)
+                                        : pad<std::uint8_t>(text, padded);
     if (!done) return TextClass::unsettled;
-    return classify_common({narrowed.bytes.data() + 16, text.length, 1, true});
+    return classify_common({padded.bytes.data() + 16, text.size, 1, Encoding::padded_ascii});
 }
 
 }  // namespace
 
-TextClass classify_uncommon(const void* characters, std::size_t length, int width, bool compact,
-                            const CharacterTables& script) noexcept {
-    const TextView text{characters, length, width, compact};
-    if (!text.compact) {
-        const std::uint32_t first = character(text, 0);
+TextClass classify_uncommon(const void* characters, std::size_t size, int width, Encoding encoding,
+                            const CharacterTables& tables) noexcept {
+    const TextView text{characters, size, width, encoding};
+    if (!text.is_padded()) {
+        const std::uint32_t first = unit(text, 0);
         if (first <= 0x7f && !may_start_number[first]) return TextClass::plain;
-        const TextClass common = classify_narrowed(text);
+        const TextClass common = classify_padded(text);
         if (common != TextClass::unsettled) return common;
-        if (!is_ascii(text)) return classify_translated(text, script);
+        if (!is_ascii(text)) return classify_translated(text, tables);
     }
     return from_grammar(text);
 }

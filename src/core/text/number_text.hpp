@@ -1,4 +1,4 @@
-// Which texts the interpreter's int() and float() accept, and what that makes of them in a column.
+// Which texts int() and float() accept, and the class that this gives a text in a column.
 #pragma once
 
 #include <array>
@@ -13,21 +13,21 @@ namespace quorin::core {
 enum class NumberText {
     none,     // neither accepts it
     integer,  // int() and float() accept it
-    real,     // float() alone accepts it
-    ask       // only the interpreter can say: not ASCII, or more digits than every digit limit allows
+    real,     // only float() accepts it
+    ask       // only the interpreter knows: not ASCII, or more digits than every digit limit allows
 };
 
 NumberText classify_number(TextView text) noexcept;
 
-// What only the interpreter knows about characters beyond ASCII.
+// The interpreter's tables of characters beyond ASCII.
 struct CharacterTables {
     bool (*is_alphanumeric)(std::uint32_t character);
-    // The digit's value, ' ' for white space, or -1: as the number parsers translate a character.
+    // The digit as an ASCII character, ' ' for white space, or -1: what the number parsers replace a character by.
     int (*translated)(std::uint32_t character);
 };
 
-// What the C locale's isspace() accepts. The separators \x1c to \x1f, white space elsewhere in the interpreter, are
-// none for the number parsers.
+// isspace() of the C locale. The separators \x1c to \x1f, which str.isspace() accepts, are not white space to the
+// number parsers.
 template <class Character>
 bool is_space(Character c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -35,7 +35,7 @@ bool is_space(Character c) noexcept {
 
 enum class TextClass { plain, integer, real, unsettled };
 
-// A number text starts with white space, a sign, a dot or a digit; words for infinity and NaN hold no dot and are
+// A number text starts with white space, a sign, a dot or a digit. Words for infinity and NaN hold no dot and so are
 // plain.
 constexpr std::array<bool, 256> may_start_number = [] {
     std::array<bool, 256> may{};
@@ -43,22 +43,21 @@ constexpr std::array<bool, 256> may_start_number = [] {
     return may;
 }();
 
-// Eight ASCII characters looked at together. Of a character c, (c ^ '0') + 0x76 has the highest bit set unless c is a
-// digit, and never overflows into its neighbour.
-constexpr std::uint64_t every_byte = 0x0101010101010101;
+// For each of eight ASCII characters c: the highest bit of (c ^ '0') + 0x76, which is set unless c is a digit. The sum
+// does not overflow into the next byte.
 constexpr std::uint64_t bits_of_others(std::uint64_t bytes) noexcept {
-    // What lies before a text need not be ASCII, but must not overflow either.
+    // The bytes before a text may be any; their highest bit is cleared so that they do not overflow either.
     const std::uint64_t less_zero = (bytes ^ '0' * every_byte) & 0x7f * every_byte;
-    return (less_zero + 0x76 * every_byte) & 0x80 * every_byte;
+    return (less_zero + 0x76 * every_byte) & beyond_ascii;
 }
 
-// The highest bit of each character that is no digit, the first one lowest.
+// The highest bit of each character that is not a digit, the first one lowest.
 inline std::uint64_t others_of(ShortText text) noexcept {
     return bits_of_others(text.bytes) >> (64 - 8 * text.length);
 }
 
-// What the common notations of numbers settle without the whole grammar: digits with a sign before them and a dot among
-// them; `unsettled` for anything else.
+// Decides without the whole grammar for digits with an optional sign and an optional dot, and for texts that cannot be
+// numbers. Returns `unsettled` for any other notation.
 inline TextClass classify_short(ShortText text) noexcept {
     std::uint64_t others = others_of(text);
     if (others == 0) return TextClass::integer;
@@ -77,19 +76,19 @@ inline TextClass classify_short(ShortText text) noexcept {
     return digits == 1 ? TextClass::plain : TextClass::real;
 }
 
-// A text in its parts: where it is handed on whole, gcc keeps it in memory also where nothing is handed on.
-TextClass classify_uncommon(const void* characters, std::size_t length, int width, bool compact,
-                            const CharacterTables& script) noexcept;
+// Takes the text in parts: gcc keeps a text that is passed whole in memory, on the other paths too.
+TextClass classify_uncommon(const void* characters, std::size_t size, int width, Encoding encoding,
+                            const CharacterTables& tables) noexcept;
 
-// The same for any compact text; most in use are short.
+// The same for any padded text.
 inline TextClass classify_common(TextView text) noexcept {
-    const auto* at = static_cast<const std::uint8_t*>(text.characters);
-    const std::uint8_t* const end = at + text.length;
-    if (text.length == 0) return TextClass::plain;
-    if (text.length <= 8) return classify_short({eight_bytes(end - 8), text.length});
+    const std::uint8_t* at = text.bytes();
+    const std::uint8_t* const end = at + text.size;
+    if (text.size == 0) return TextClass::plain;
+    if (text.size <= 8) return classify_short({eight_bytes(end - 8), text.size});
     constexpr std::size_t longest = 32;
     if (!may_start_number[*at]) return TextClass::plain;
-    if (text.length > longest) return TextClass::unsettled;
+    if (text.size > longest) return TextClass::unsettled;
     at += static_cast<unsigned>(*at == '-') | static_cast<unsigned>(*at == '+');
     bool dot = false;
     while (at != end) {
@@ -106,13 +105,13 @@ inline TextClass classify_common(TextView text) noexcept {
 }
 
 // `unsettled` for texts of more digits than every limit of the interpreter allows.
-inline TextClass classify_text(TextView text, const CharacterTables& script) noexcept {
-    if (text.length == 0) return TextClass::plain;
-    if (text.compact) {
+inline TextClass classify_text(TextView text, const CharacterTables& tables) noexcept {
+    if (text.size == 0) return TextClass::plain;
+    if (text.is_padded()) {
         const TextClass common = classify_common(text);
         if (common != TextClass::unsettled) return common;
     }
-    return classify_uncommon(text.characters, text.length, text.width, text.compact, script);
+    return classify_uncommon(text.characters, text.size, text.width, text.encoding, tables);
 }
 
 }  // namespace quorin::core

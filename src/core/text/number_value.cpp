@@ -10,12 +10,12 @@ namespace quorin::core {
 
 namespace {
 
-// Every power of ten that a 64-bit float holds exactly.
+// The powers of ten that a 64-bit float holds exactly.
 constexpr std::array exact_powers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int most_exact_power = static_cast<int>(exact_powers.size()) - 1;
 constexpr std::uint64_t most_exact_whole = std::uint64_t{1} << 53U;
-// So many digits never overflow 64 bits.
+// This many digits do not overflow 64 bits.
 constexpr std::size_t most_digits = 19;
 constexpr std::size_t most_exponent_digits = 4;
 
@@ -27,7 +27,7 @@ bool is_digit(Character c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-// A decimal number in its parts, after signs and white space: the digits as one whole number, times a power of ten.
+// A decimal number without sign: whole * 10 ** power.
 struct Decimal {
     std::uint64_t whole = 0;
     int power = 0;
@@ -53,7 +53,7 @@ bool read_exponent(const Character*& at, const Character* end, int& power) noexc
     return true;
 }
 
-// False where anything but a plain decimal number stands between the two ends.
+// False unless the text is digits with an optional dot and an optional exponent.
 template <class Character>
 bool read_decimal(const Character* at, const Character* end, Decimal& number) noexcept {
     std::size_t digits = add_digits(at, end, number.whole);
@@ -68,7 +68,7 @@ bool read_decimal(const Character* at, const Character* end, Decimal& number) no
     return read_exponent(at, end, number.power) && at == end;
 }
 
-// One multiplication or division of two exact numbers is rounded once, as the number itself is.
+// One multiplication or division of two exact numbers is rounded once, so the result is the nearest float.
 bool exact_value(const Decimal& number, double& value) noexcept {
     if (!rounds_once || number.whole > most_exact_whole) return false;
     const auto whole = static_cast<double>(number.whole);
@@ -102,7 +102,7 @@ bool rounded_value(const Character* /*at*/, const Character* /*end*/, double& /*
 template <class Character>
 bool value_of(TextView text, double& value) noexcept {
     const auto* at = static_cast<const Character*>(text.characters);
-    const auto* end = at + text.length;
+    const auto* end = at + text.size;
     while (at != end && is_space(*at)) ++at;
     while (at != end && is_space(end[-1])) --end;
     const bool negative = at != end && *at == '-';
@@ -116,6 +116,7 @@ bool value_of(TextView text, double& value) noexcept {
 
 }  // namespace
 
+// UTF-8 that is not ASCII fails at its first byte beyond ASCII, as such a character does.
 bool value_of_number(TextView text, double& value) noexcept {
     switch (text.width) {
         case 1:

@@ -1,4 +1,4 @@
-// Texts in memory: their characters, their equality, their order.
+// Texts in memory: characters, equality, order.
 #pragma once
 
 #include <array>
@@ -8,14 +8,29 @@
 
 namespace quorin::core {
 
-// Characters side by side, `width` bytes (1, 2 or 4) each.
+enum class Encoding : std::uint8_t {
+    fixed_width,   // each character takes TextView::width bytes
+    padded_ascii,  // ASCII, the 16 bytes before the first character may be read; on little-endian machines only
+    ascii,
+    utf8
+};
+
+// A text is a sequence of units: characters of a fixed width, or the bytes of UTF-8.
+//
+// UTF-8 must be valid, which is_valid_utf8() checks: kernels return unspecified results for other bytes, but do not
+// read beyond the text.
 struct TextView {
     const void* characters;
-    std::size_t length;
-    int width;
-    // Of one byte each and ASCII alone, with sixteen bytes before the first that may be read as well, whatever they
-    // hold; on little-endian machines only. So the last eight characters of a text, however short, are one read away.
-    bool compact = false;
+    std::size_t size;  // in units
+    int width;         // bytes of a unit: 1, 2 or 4
+    Encoding encoding = Encoding::fixed_width;
+
+    // With padding the last eight characters of a text, however short, are one load.
+    [[nodiscard]] bool is_padded() const noexcept { return encoding == Encoding::padded_ascii; }
+    // False if it is not known.
+    [[nodiscard]] bool is_ascii() const noexcept { return is_padded() || encoding == Encoding::ascii; }
+    [[nodiscard]] bool is_utf8() const noexcept { return encoding == Encoding::utf8; }
+    [[nodiscard]] const std::uint8_t* bytes() const noexcept { return static_cast<const std::uint8_t*>(characters); }
 };
 
 // An ASCII text of one to eight characters: the last of them in the highest byte, anything below the first.
@@ -26,7 +41,7 @@ struct ShortText {
     [[nodiscard]] std::uint64_t value() const noexcept { return bytes >> (64 - 8 * length); }
 };
 
-inline std::uint32_t character(TextView text, std::size_t i) noexcept {
+inline std::uint32_t unit(TextView text, std::size_t i) noexcept {
     switch (text.width) {
         case 1:
             return static_cast<const std::uint8_t*>(text.characters)[i];
@@ -37,47 +52,68 @@ inline std::uint32_t character(TextView text, std::size_t i) noexcept {
     }
 }
 
+// A character and the number of its units.
+struct Decoded {
+    std::uint32_t character;
+    std::size_t size;
+};
+
+constexpr std::size_t longest_in_utf8 = 4;
+
+// The first character of `left` bytes of UTF-8, left != 0.
+inline Decoded decode_utf8(const std::uint8_t* at, std::size_t left) noexcept {
+    const std::uint32_t lead = *at;
+    if (lead < 0x80) return {lead, 1};
+    const std::size_t wanted = lead < 0xe0 ? 2 : lead < 0xf0 ? 3 : 4;
+    const std::size_t size = wanted < left ? wanted : left;
+    std::uint32_t character = lead & (0x7fU >> wanted);
+    for (std::size_t i = 1; i < size; ++i) character = character << 6U | (at[i] & 0x3fU);
+    return {character, size};
+}
+
+// The character that starts at unit `i`.
+inline Decoded decode(TextView text, std::size_t i) noexcept {
+    if (text.is_utf8()) return decode_utf8(text.bytes() + i, text.size - i);
+    return {unit(text, i), 1};
+}
+
+// Of a text that is not empty.
+inline std::uint32_t first_character(TextView text) noexcept {
+    return decode(text, 0).character;
+}
+
+inline bool is_one_character(TextView text) noexcept {
+    if (text.size <= 1 || !text.is_utf8()) return text.size == 1;
+    return text.size <= longest_in_utf8 && decode(text, 0).size == text.size;
+}
+
+// In characters.
+std::size_t length_of(TextView text) noexcept;
+
+// Whether the bytes are UTF-8 as Unicode defines it: no surrogates, no overlong forms, nothing above U+10FFFF.
+bool is_valid_utf8(const void* bytes, std::size_t size) noexcept;
+
 inline std::uint64_t eight_bytes(const void* at) noexcept {
     std::uint64_t bytes = 0;
     std::memcpy(&bytes, at, sizeof bytes);
     return bytes;
 }
 
-// The characters of a compact text of one to eight, the first one lowest, and zeros above them.
+constexpr std::uint64_t every_byte = 0x0101010101010101;
+constexpr std::uint64_t beyond_ascii = 0x80 * every_byte;
+
+// The characters of a padded text of one to eight, the first one lowest, and zeros above them.
 inline std::uint64_t short_text(TextView text) noexcept {
-    const auto* characters = static_cast<const std::uint8_t*>(text.characters);
-    return eight_bytes(characters + text.length - 8) >> (64 - 8 * text.length);
+    return eight_bytes(text.bytes() + text.size - 8) >> (64 - 8 * text.size);
 }
 
-// Sorts as the text does, except that texts of the same key may differ in zeros at their end.
+// Sorts as the text does, except that texts with the same key may differ in zeros at their end.
 inline std::uint64_t ascending_key(ShortText text) noexcept {
     return __builtin_bswap64(text.value());
 }
 
-// By code point, as the interpreter orders texts: below 0, 0 or above 0.
-inline int compare(TextView left, TextView right) noexcept {
-    const std::size_t common = left.length < right.length ? left.length : right.length;
-    if (common != 0) {
-        const std::uint32_t a = character(left, 0);
-        const std::uint32_t b = character(right, 0);
-        if (a != b) return a < b ? -1 : 1;
-    }
-    if (left.width == 1 && right.width == 1) {
-        const int order = common == 0 ? 0 : std::memcmp(left.characters, right.characters, common);
-        if (order != 0) return order;
-    } else {
-        for (std::size_t i = 0; i < common; ++i) {
-            const std::uint32_t a = character(left, i);
-            const std::uint32_t b = character(right, i);
-            if (a != b) return a < b ? -1 : 1;
-        }
-    }
-    return left.length == right.length ? 0 : left.length < right.length ? -1 : 1;
-}
-
-// The bytes of a compact text of up to sixteen characters among the eight before its end and the eight before those. A
-// look into a table, because compilers make jumps of a choice between shifts, and the lengths of texts are
-// unpredictable.
+// For a padded text of up to sixteen characters: masks for its bytes among the last eight and among the eight before
+// those. A table, because compilers choose between shifts by a jump, and lengths of texts are unpredictable.
 struct EndMasks {
     std::uint64_t last;
     std::uint64_t before;
@@ -92,25 +128,72 @@ constexpr std::array<EndMasks, 17> end_masks = [] {
     return masks;
 }();
 
-// Compact texts of the same length.
-inline bool same_compact(const void* left, const void* right, std::size_t length) noexcept {
+// compare() if a text is UTF-8. Takes the texts in parts, as the next function does: gcc keeps a text that is passed
+// whole in memory, on the other paths too.
+int compare_utf8(const void* left, std::size_t left_size, int left_width, Encoding left_encoding, const void* right,
+                 std::size_t right_size, int right_width, Encoding right_encoding) noexcept;
+
+// same() unless both texts are padded. Not inlined, because it would take registers from the paths of padded texts.
+bool same_unpadded(const void* left, std::size_t left_size, int left_width, Encoding left_encoding, const void* right,
+                   std::size_t right_size, int right_width, Encoding right_encoding) noexcept;
+
+// By units: below 0, 0 or above 0. This is the order by code point of two texts in UTF-8, and of two texts in
+// fixed-width characters.
+inline int compare_units(TextView left, TextView right) noexcept {
+    const std::size_t common = left.size < right.size ? left.size : right.size;
+    if (common != 0) {
+        const std::uint32_t a = unit(left, 0);
+        const std::uint32_t b = unit(right, 0);
+        if (a != b) return a < b ? -1 : 1;
+    }
+    if (left.width == 1 && right.width == 1) {
+        const int order = common == 0 ? 0 : std::memcmp(left.characters, right.characters, common);
+        if (order != 0) return order;
+    } else {
+        for (std::size_t i = 0; i < common; ++i) {
+            const std::uint32_t a = unit(left, i);
+            const std::uint32_t b = unit(right, i);
+            if (a != b) return a < b ? -1 : 1;
+        }
+    }
+    return left.size == right.size ? 0 : left.size < right.size ? -1 : 1;
+}
+
+// By code point, as the interpreter orders texts: below 0, 0 or above 0.
+inline int compare(TextView left, TextView right) noexcept {
+    if (left.is_utf8() || right.is_utf8()) {
+        return compare_utf8(left.characters, left.size, left.width, left.encoding, right.characters, right.size,
+                            right.width, right.encoding);
+    }
+    return compare_units(left, right);
+}
+
+// Padded texts of the same size.
+inline bool same_padded(const void* left, const void* right, std::size_t size) noexcept {
     const auto* a = static_cast<const std::uint8_t*>(left);
     const auto* b = static_cast<const std::uint8_t*>(right);
-    if (length > 16) return std::memcmp(a, b, length) == 0;
-    const std::uint64_t last = eight_bytes(a + length - 8) ^ eight_bytes(b + length - 8);
-    const std::uint64_t before = eight_bytes(a + length - 16) ^ eight_bytes(b + length - 16);
-    return ((last & end_masks[length].last) | (before & end_masks[length].before)) == 0;
+    if (size > 16) return std::memcmp(a, b, size) == 0;
+    const std::uint64_t last = eight_bytes(a + size - 8) ^ eight_bytes(b + size - 8);
+    const std::uint64_t before = eight_bytes(a + size - 16) ^ eight_bytes(b + size - 16);
+    return ((last & end_masks[size].last) | (before & end_masks[size].before)) == 0;
+}
+
+// Whether texts in the same encoding are equal. ASCII and characters of one byte are the same encoding, and ASCII and
+// UTF-8 are.
+inline bool same_units(const TextView& left, const TextView& right) noexcept {
+    if (left.size != right.size) return false;
+    if (left.is_padded() && right.is_padded()) return same_padded(left.characters, right.characters, left.size);
+    // An empty text may have a null pointer, which memcmp() does not allow.
+    const std::size_t bytes = left.size * static_cast<std::size_t>(left.width);
+    return left.width == right.width && (bytes == 0 || std::memcmp(left.characters, right.characters, bytes) == 0);
 }
 
 inline bool same(TextView left, TextView right) noexcept {
-    if (left.length != right.length) return false;
-    if (left.compact && right.compact) return same_compact(left.characters, right.characters, left.length);
-    if (left.width == right.width) {
-        // No characters need not have an address.
-        const std::size_t size = left.length * static_cast<std::size_t>(left.width);
-        return size == 0 || std::memcmp(left.characters, right.characters, size) == 0;
+    if (left.is_padded() && right.is_padded()) {
+        return left.size == right.size && same_padded(left.characters, right.characters, left.size);
     }
-    return compare(left, right) == 0;
+    return same_unpadded(left.characters, left.size, left.width, left.encoding, right.characters, right.size,
+                         right.width, right.encoding);
 }
 
 }  // namespace quorin::core

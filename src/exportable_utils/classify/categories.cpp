@@ -7,8 +7,8 @@
 #include "exportable_utils/classify/classify.hpp"
 #include "exportable_utils/references/references.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/new_text.hpp"
 #include "python/operations.hpp"
 
@@ -16,27 +16,28 @@ namespace quorin::classify {
 
 namespace {
 
-bool is_compressed(core::TextView text, const references::References& missing) {
+using references::References;
+
+bool is_compressed(core::TextView text, const References& missing) {
     return !core::is_alphanumeric(text, character_tables) && missing.texts.find(text) == 0;
 }
 
-// Labels of an array of objects, each of them an exact str. Those without white space stay the objects they are.
-void compress_objects(const ArrayColumn& labels, const references::References& missing) {
+// Labels that are objects: exact texts. A label without white space stays the same object.
+void compress_objects(const ArrayColumn& labels, const References& missing, std::vector<char>& room) {
     const ObjectCells cells(labels);
-    std::vector<char> room;
     for (std::size_t row = 0; row < labels.rows; ++row) {
         cells.prefetch(row + core::prefetch_distance);
         core::TextView text{};
         if (cells.read(row, text) != core::Cell::text || !is_compressed(text, missing)) continue;
         Ref compressed = text_without_white_space(text, room);
-        if (PyUnicode_GET_LENGTH(compressed.get()) == static_cast<Py_ssize_t>(text.length)) continue;
+        if (PyUnicode_GET_LENGTH(compressed.get()) == PyUnicode_GET_LENGTH(labels.object(row))) continue;
         auto* place = reinterpret_cast<PyObject**>(const_cast<char*>(labels.at(row)));
         Ref::adopt(std::exchange(*place, compressed.give()));
     }
 }
 
-// Labels of fixed width become no longer, so they are compressed where they stand.
-void compress_fixed(const ArrayColumn& labels, const references::References& missing) {
+// Labels of fixed width do not become longer: they are compressed in place.
+void compress_fixed(const ArrayColumn& labels, const References& missing) {
     const ArrayTextCells cells(labels);
     const std::size_t width = labels.width / sizeof(Py_UCS4);
     for (std::size_t row = 0; row < labels.rows; ++row) {
@@ -48,31 +49,46 @@ void compress_fixed(const ArrayColumn& labels, const references::References& mis
     }
 }
 
-bool all_plain_texts(const ArrayColumn& labels) {
+bool all_exact_texts(const ArrayColumn& labels) {
     const ObjectCells cells(labels);
     for (std::size_t row = 0; row < labels.rows; ++row) {
         cells.prefetch(row + core::prefetch_distance);
-        if (labels.object(row) == nullptr || !PyUnicode_CheckExact(labels.object(row))) return false;
+        if (!is_exact_text(labels.object(row))) return false;
     }
     return true;
+}
+
+// Writes in blocks. If a signal ends the call, the rows before it are written, as the interpreter route leaves them; if
+// the route gives up, the interpreter route writes them again with the same result.
+bool compress_in_blocks(const ColumnSource& labels, const References& missing) {
+    if (labels.storage() == Storage::objects) {
+        const auto check = [](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            return all_exact_texts(rows_of(column, first, last));
+        };
+        if (!labels.in_blocks(check)) return false;
+    } else if (labels.storage() != Storage::fixed_text) {
+        return false;
+    }
+    std::vector<char> room;
+    return labels.in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const ArrayColumn part = rows_of(column, first, last);
+        if (!PyArray_ISWRITEABLE(part.array)) return false;
+        part.storage == Storage::objects ? compress_objects(part, missing, room) : compress_fixed(part, missing);
+        return true;
+    });
 }
 
 bool compress_natively(Object column_train_labels, Object misslist) {
-    if (!lookups_unchanged()) return false;
-    const std::optional<ArrayColumn> labels = flat_column(column_train_labels);
-    if (!labels || !PyArray_ISWRITEABLE(labels->array) || !PyList_CheckExact(misslist.get())) return false;
-    const std::optional<references::References> missing = references::read_references(misslist);
-    if (!missing) return false;
-    if (labels->storage == Storage::fixed_text) {
-        compress_fixed(*labels, *missing);
-        return true;
-    }
-    if (labels->storage != Storage::objects || !all_plain_texts(*labels)) return false;
-    compress_objects(*labels, *missing);
-    return true;
+    const Ref done = native_route([&] {
+        const std::optional<ColumnSource> labels = ColumnSource::flat(column_train_labels);
+        if (!labels || !PyList_CheckExact(misslist.get())) return Ref();
+        const std::optional<References> missing = references::read_references(misslist);
+        return missing && compress_in_blocks(*labels, *missing) ? Ref::truth(true) : Ref();
+    });
+    return static_cast<bool>(done);
 }
 
-// Labels that are neither missing nor plain words are compressed where they stand.
+// Compresses, in place, the labels that are neither missing nor alphanumeric.
 void compress_labels(Object column_train_labels, Object misslist) {
     if (compress_natively(column_train_labels, misslist)) return;
     const Ref labels = iterate(column_train_labels);

@@ -1,25 +1,31 @@
-// How often each kind was seen.
+// How many values of each kind the scan has counted.
 #pragma once
 
 #include <array>
-#include <cstddef>
 
-#include "exportable_utils/classify/kinds.hpp"
+#include "core/kinds.hpp"
+#include "python/ref.hpp"
 
 namespace quorin::classify {
 
-// One Python number for each kind.
+using core::Kind;
+
+Name name_of(Kind kind);
+
 class KindCounts {
   public:
-    // All zero but for the rows that are missing.
+    // All zero, except for the rows that are missing.
     explicit KindCounts(Object missing_rows);
-    [[nodiscard]] Object operator[](Kind kind) const { return counts_[static_cast<std::size_t>(kind)]; }
-    void add(Kind kind, const Operand& more);
-    [[nodiscard]] bool any(Kind kind) const;
-    [[nodiscard]] Ref dictionary() const;
+    void add(Kind kind, Py_ssize_t distinct, const Operand& rows);
+    [[nodiscard]] Py_ssize_t distinct(Kind kind) const { return distinct_[static_cast<std::size_t>(kind)]; }
+    [[nodiscard]] bool any_missing_rows() const;
+    // Dictionaries from the word of each kind to its number of distinct values or of rows.
+    [[nodiscard]] Ref distinct_by_word() const;
+    [[nodiscard]] Ref rows_by_word() const;
 
   private:
-    std::array<Ref, kinds> counts_;
+    std::array<Py_ssize_t, core::kind_count> distinct_{};
+    std::array<Ref, core::kind_count> rows_;  // numbers of any type, added up by their own operators
 };
 
 }  // namespace quorin::classify

@@ -1,19 +1,23 @@
 #include <cmath>
 #include <optional>
+#include <vector>
 
 #include "core/column.hpp"
 #include "exportable_utils/classify/classify.hpp"
 #include "exportable_utils/references/list_membership.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
+#include "python/new_text.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::classify {
 
 namespace {
 
-// Whether int() takes every element; gives up where it would raise anything but ValueError.
+using references::References;
+
+// Whether int() accepts every element that is not listed. Gives up if int() would raise anything but ValueError.
 class IntegerTest {
   public:
     [[nodiscard]] bool passed() const noexcept { return passed_; }
@@ -26,59 +30,72 @@ class IntegerTest {
     bool on_text(std::size_t /*row*/, core::TextView text) {
         switch (core::classify_text(text, character_tables)) {
             case core::TextClass::integer:
-                return true;
+                break;
             case core::TextClass::unsettled:
-                return ask(text);
+                unsettled_.push_back(new_text(text));
+                break;
             case core::TextClass::real:
             case core::TextClass::plain:
+                passed_ = false;
                 break;
         }
-        passed_ = false;
         return true;
+    }
+    // Calls the interpreter's int() with the texts that only it can decide. Nothing may be borrowed: an exception
+    // object can start garbage collection.
+    void decide_unsettled() {
+        foreign_code_may_run();
+        for (const Ref& text : unsettled_) {
+            if (Ref::adopt(PyLong_FromUnicodeObject(text.get(), 10))) continue;
+            if (PyErr_ExceptionMatches(PyExc_ValueError) == 0) throw PythonError(Where::current());
+            PyErr_Clear();
+            passed_ = false;
+        }
+        unsettled_.clear();
     }
 
   private:
-    bool ask(core::TextView text) {
-        const Ref copy =
-            Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
-        if (copy && Ref::adopt(PyLong_FromUnicodeObject(copy.get(), 10))) return true;
-        const bool refused = PyErr_ExceptionMatches(PyExc_ValueError) != 0;
-        PyErr_Clear();
-        passed_ = false;
-        return refused;
-    }
     bool passed_ = true;
+    std::vector<Ref> unsettled_;
 };
 
-// Nothing is asked of foreign code, so that looking at the rows behind the first that is no number would show nowhere.
-std::optional<bool> native_isintstr(Object X, Object missing_values_reference_list) {
-    if (!lookups_unchanged()) return std::nullopt;
-    const std::optional<ArrayColumn> column = flat_column(X);
-    if (!column) return std::nullopt;
-    const std::optional<references::References> missing =
-        references::read_references(missing_values_reference_list, *column);
-    if (!missing) return std::nullopt;
-    IntegerTest test;
-    switch (column->storage) {
+// Returns false to give up.
+bool test_rows(const ArrayColumn& column, const References& missing, IntegerTest& test) {
+    switch (column.storage) {
         case Storage::objects:
-            if (!references::visit_unlisted(*column, *missing, test)) return std::nullopt;
-            break;
+            return references::visit_unlisted(column, missing, test);
         case Storage::fixed_text:
-            if (!references::visit_unlisted_texts(*column, *missing, test)) return std::nullopt;
-            break;
+            return references::visit_unlisted_texts(column, missing, test);
         case Storage::float64:
-            for (std::size_t row = 0; row < column->rows; ++row) {
-                const double value = core::load<double>(*column, row);
-                if (!references::is_listed(value, *missing) && !test.on_float(row, value)) return std::nullopt;
+            for (std::size_t row = 0; row < column.rows; ++row) {
+                const double value = core::load<double>(column, row);
+                if (!references::is_listed(value, missing) && !test.on_float(row, value)) return false;
             }
-            break;
-        case Storage::float32:
-            return std::nullopt;
+            return true;
         case Storage::integer:
         case Storage::boolean:
+            return true;
+        case Storage::float32:
             break;
     }
-    return test.passed();
+    return false;
+}
+
+Ref native_isintstr(Object X, Object missing_values_reference_list) {
+    const std::optional<ColumnSource> column = ColumnSource::flat(X);
+    if (!column) return {};
+    const std::optional<References> missing = references::read_references(missing_values_reference_list, *column);
+    if (!missing) return {};
+    IntegerTest test;
+    const bool tested = in_blocks(column->rows(), [&](std::size_t first, std::size_t last) {
+        {
+            const std::optional<ArrayColumn> borrowed = column->borrow();
+            if (!borrowed || !test_rows(rows_of(*borrowed, first, last), *missing, test)) return false;
+        }
+        test.decide_unsettled();
+        return true;
+    });
+    return tested ? Ref::truth(test.passed()) : Ref();
 }
 
 }  // namespace
@@ -120,7 +137,7 @@ True
     .has_native_route = true,
     .lookups = {"isint"},
     .body = [](Object X, Object missing_values_reference_list) -> Ref {
-        if (const auto flag = native_isintstr(X, missing_values_reference_list)) return Ref::truth(*flag);
+        if (Ref flag = native_route([&] { return native_isintstr(X, missing_values_reference_list); })) return flag;
         const Ref l_missing_values_reference_list = or_new_list(missing_values_reference_list);
         bool flag = true;
         const Py_ssize_t rows = count(row_count(X));

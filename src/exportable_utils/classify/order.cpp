@@ -1,5 +1,4 @@
-// What pandas makes of a column when it is to read it as dates. A column that it cannot read has no order: any failure
-// is an answer here, and the answer is False.
+// Questions about a column that pandas.to_datetime() converts. They return False if it fails, whatever it raises.
 #include "exportable_utils/classify/classify.hpp"
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
@@ -9,11 +8,11 @@ namespace quorin::classify {
 
 namespace {
 
-// What `ask` makes of pd.to_datetime(column), or False.
-template <class Ask>
-Ref of_dates(Object column, const char* routine, Ask ask) {
+// Returns property(pd.to_datetime(column)), or False if anything raises an Exception.
+template <class Property>
+Ref of_dates(Object column, const char* routine, Property property) {
     try {
-        return ask(global("pd"_py).attr("to_datetime"_py)({column}));
+        return property(global("pd"_py).attr("to_datetime"_py)({column}));
     } catch (const PythonError& error) {
         if (!PythonError::matches(PyExc_Exception)) throw;
         const Handling handling(error, routine);

@@ -1,18 +1,61 @@
 #include "exportable_utils/classify/partition.hpp"
 
+#include <utility>
+
 #include "exportable_utils/distinct/distinct_numbers.hpp"
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::classify {
 
 namespace {
 
-bool may_hold_nulls(const ColumnSource& column) {
-    return column.storage() == Storage::objects || column.storage() == Storage::float64 ||
-           column.storage() == Storage::float32;
+using distinct::ExcludedRows;
+using references::Match;
+using references::Members;
+
+// The native part of a partition. Without `distinct` the values still have to be found by get_unique_values().
+struct NativeParts {
+    Members missing;
+    std::optional<distinct::ValuesAndCounts> distinct;
+    Ref markers;
+};
+
+std::optional<distinct::ValuesAndCounts> find_distinct(const NativeArguments& arguments, const Members& excluded) {
+    if (arguments.mixed) return std::nullopt;
+    const ExcludedRows rows{excluded.mask, excluded.marked};
+    return arguments.column->storage() == Storage::float32 ? distinct::distinct_as_float64(*arguments.column, rows)
+                                                           : distinct::distinct_values(*arguments.column, rows);
+}
+
+bool may_hold_nulls(Storage storage) {
+    return storage == Storage::objects || storage == Storage::float64 || storage == Storage::float32;
+}
+
+// Without a reference list there is no mask. NaN is not a distinct value then, but its rows are not missing.
+bool partition_without_references(const NativeArguments& arguments, NativeParts& parts) {
+    if (arguments.mixed) return false;
+    Members nulls;
+    if (may_hold_nulls(arguments.column->storage())) {
+        std::optional<Members> found = references::find_nulls(*arguments.column);
+        if (!found) return false;
+        nulls = std::move(*found);
+    }
+    parts.distinct = find_distinct(arguments, nulls);
+    parts.markers = list({});
+    return parts.distinct.has_value();
+}
+
+bool partition_with_references(const NativeArguments& arguments, bool first_only, NativeParts& parts) {
+    std::optional<Members> missing =
+        references::find_members(*arguments.column, *arguments.references, first_only ? Match::first_only : Match::all);
+    if (!missing) return false;
+    parts.missing = std::move(*missing);
+    parts.distinct = find_distinct(arguments, parts.missing);
+    parts.markers = references::list_of_references(*arguments.references, parts.missing.bits);
+    return true;
 }
 
 void take_distinct(Partition& partition, Object values_and_counts) {
@@ -21,91 +64,73 @@ void take_distinct(Partition& partition, Object values_and_counts) {
     partition.xx_xounts = std::move(xx_xounts);
 }
 
-bool find_distinct(Partition& partition, const ColumnSource& column, const distinct::ExcludedRows& left_out) {
-    auto found = column.storage() == Storage::float32 ? distinct::distinct_as_float64(column, left_out)
-                                                      : distinct::distinct_values(column, left_out);
-    if (!found) return false;
-    partition.XX = std::move(found->values);
-    partition.xx_xounts = std::move(found->counts);
-    return true;
+// Calls get_unique_values() with the rows that are not missing, which cannot be sorted natively.
+void take_distinct_by_name(Partition& partition, Object X, const Members& missing) {
+    const Ref flat = PyArray_NDIM(as_array(X)) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
+    const Ref X_non_missing = missing.marked == 0 ? Ref::share(flat) : item(flat, inverted(missing.mask));
+    const distinct::KnownUnsortable known(X_non_missing);
+    take_distinct(partition, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
 }
 
-// Without a reference list there is no mask, and NaN is no distinct value though its rows are not missing.
-bool partition_without_references(Partition& partition, const ColumnSource& column) {
-    references::Members nulls;
-    if (may_hold_nulls(column)) {
-        std::optional<references::Members> found = references::find_nulls(column);
-        if (!found) return false;
-        nulls = std::move(*found);
-    }
-    if (!find_distinct(partition, column, {nulls.mask, nulls.marked})) return false;
-    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows()));
-    partition.missing_reference_values_exist_list = list({});
-    return true;
-}
-
-bool partition_with_references(Partition& partition, Object X, const ColumnSource& column,
-                               const references::References& markers, bool first_only) {
-    const std::optional<references::Members> missing =
-        references::find_members(column, markers, first_only ? references::Match::first_only : references::Match::all);
-    if (!missing) return false;
-    const bool found_distinct = find_distinct(partition, column, {missing->mask, missing->marked});
-    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(column.rows() - missing->marked));
-    partition.missing_reference_values_exist_list = references::list_of_references(markers, missing->bits);
-    partition.cum_missing_mask_arr = Ref::share(missing->mask);
-    // From here on the caller's list may lose its markers to whoever is told that texts stand beside numbers.
-    if (!found_distinct) {
-        const Ref flat = PyArray_NDIM(as_array(X)) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
-        const Ref X_non_missing = missing->marked == 0 ? Ref::share(flat) : item(flat, inverted(missing->mask));
-        take_distinct(partition, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
+bool partition_natively(const Question& question, const NativeArguments& arguments, Partition& partition) {
+    if (!question.plain() || !arguments.known()) return false;
+    NativeParts parts;
+    const bool any_references = !arguments.references->none();
+    const Ref done = native_route([&] {
+        const bool found = any_references ? partition_with_references(arguments, question.first_only(), parts)
+                                          : partition_without_references(arguments, parts);
+        return found ? Ref::truth(true) : Ref();
+    });
+    if (!done) return false;
+    partition.natively = true;
+    partition.X = Ref::share(question.X);
+    partition.non_missing_rows = whole(static_cast<Py_ssize_t>(arguments.column->rows() - parts.missing.marked));
+    partition.missing_reference_values_exist_list = std::move(parts.markers);
+    if (any_references) partition.cum_missing_mask_arr = Ref::share(parts.missing.mask);
+    if (parts.distinct) {
+        partition.XX = std::move(parts.distinct->values);
+        partition.xx_xounts = std::move(parts.distinct->counts);
+    } else {
+        take_distinct_by_name(partition, question.X, parts.missing);
     }
     return true;
 }
 
-// Straight from the column's memory. False, and nothing done, where that is not for memory to say.
-bool partition_natively(Partition& partition, Object X, Object missing_values_reference_list, bool first_only) {
-    if (!lookups_unchanged()) return false;
-    const std::optional<ColumnSource> column = ColumnSource::single(X);
-    if (!column) return false;
-    const std::optional<references::References> markers =
-        references::read_references(missing_values_reference_list, *column);
-    if (!markers) return false;
-    partition.natively = markers->none() ? partition_without_references(partition, *column)
-                                         : partition_with_references(partition, X, *column, *markers, first_only);
-    if (partition.natively) partition.X = Ref::share(X);
-    return partition.natively;
+Ref copied_list(const Question& question) {
+    const Object original = question.missing_values_reference_list;
+    return original.is_none() ? list({}) : original.attr("copy"_py)();
+}
+
+// The rows of X that are not missing, and their distinct values.
+Ref partition_by_indicator(Partition& partition, Object X, const Question& question) {
+    const Ref indicator = global("numpy_compute_missing_indicator"_py)(
+        {X, partition.missing_values_list},
+        {{"stop_at_one_missing_value_flag"_py, question.stop_at_one_missing_value_flag}, {"debug"_py, question.debug}});
+    auto [mask, missing_masks_list, markers] = unpack<3>(indicator);
+    Ref X_non_missing = item(X, inverted(mask));
+    partition.cum_missing_mask_arr = std::move(mask);
+    partition.missing_reference_values_exist_list = std::move(markers);
+    take_distinct(partition, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
+    return X_non_missing;
 }
 
 }  // namespace
 
-Partition partition_column(Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag,
-                           Object debug) {
+Partition partition_column(const Question& question, const NativeArguments& arguments) {
     Partition partition;
-    const auto copied_list = [&] {
-        return missing_values_reference_list.is_none() ? list({}) : missing_values_reference_list.attr("copy"_py)();
-    };
-    if (debug.is(Py_False) && PyBool_Check(stop_at_one_missing_value_flag.get()) &&
-        partition_natively(partition, column, missing_values_reference_list,
-                           stop_at_one_missing_value_flag.is(Py_True))) {
-        partition.missing_values_list = copied_list();
+    if (partition_natively(question, arguments, partition)) {
+        partition.missing_values_list = copied_list(question);
         return partition;
     }
-    Ref X = global("numpy_flatten_column"_py)({column});
-    partition.missing_values_list = copied_list();
+    Ref X = global("numpy_flatten_column"_py)({question.X});
+    partition.missing_values_list = copied_list(question);
     if (equal(X.attr("dtype"_py), "float32"_py)) X = X.attr("astype"_py)({&PyFloat_Type});
 
     Ref X_non_missing;
     if (truth(partition.missing_values_list)) {
-        const Ref indicator = global("numpy_compute_missing_indicator"_py)(
-            {X, partition.missing_values_list},
-            {{"stop_at_one_missing_value_flag"_py, stop_at_one_missing_value_flag}, {"debug"_py, debug}});
-        auto [mask, missing_masks_list, markers] = unpack<3>(indicator);
-        X_non_missing = item(X, inverted(mask));
-        partition.cum_missing_mask_arr = std::move(mask);
-        partition.missing_reference_values_exist_list = std::move(markers);
-        take_distinct(partition, global("get_unique_values"_py)({X_non_missing}, {{"return_counts"_py, true}}));
+        X_non_missing = partition_by_indicator(partition, X, question);
     } else {
-        // There is no mask, and NaN is no distinct value though its rows are not missing.
+        // There is no mask. NaN is not a distinct value, but its rows are not missing.
         partition.missing_reference_values_exist_list = list({});
         X_non_missing = Ref::share(X);
         const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});

@@ -1,6 +1,7 @@
-// A column, partition into rows that are missing and distinct values of the others.
+// Partitioning a column into the rows that are missing and the distinct values of the others.
 #pragma once
 
+#include "exportable_utils/classify/native_arguments.hpp"
 #include "python/module_names.hpp"
 
 namespace quorin::classify {
@@ -9,14 +10,29 @@ struct Partition {
     Local cum_missing_mask_arr{"cum_missing_mask_arr"_py};
     Ref missing_values_list;  // the caller's, copied
     Ref missing_reference_values_exist_list;
-    Ref X;  // the column, flattened where that is not for memory to say
+    Ref X;  // the column: flattened by the interpreter route, as the caller gave it by the native route
     Ref non_missing_rows;
     Ref XX;
     Ref xx_xounts;
-    bool natively = false;  // straight from the column's memory
+    bool natively = false;
 };
 
-Partition partition_column(Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag,
-                           Object debug);
+// What the classifier is called with.
+struct Question {
+    Object X;
+    Object missing_values_reference_list;
+    Object stop_at_one_missing_value_flag;
+    Object debug;
+    Object use_dtype_str1_flag;
+    Object return_stats_flag;
+
+    // Whether native routes may stand in for the steps up to the distinct values.
+    [[nodiscard]] bool plain() const noexcept {
+        return debug.is(Py_False) && PyBool_Check(stop_at_one_missing_value_flag.get());
+    }
+    [[nodiscard]] bool first_only() const noexcept { return stop_at_one_missing_value_flag.is(Py_True); }
+};
+
+Partition partition_column(const Question& question, const NativeArguments& arguments);
 
 }  // namespace quorin::classify

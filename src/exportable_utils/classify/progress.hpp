@@ -1,4 +1,4 @@
-// The classifier's progress texts, printed only where the caller asks for them.
+// The classifier's progress texts, printed if `debug` is true.
 #pragma once
 
 #include "python/module_names.hpp"
@@ -10,12 +10,12 @@ class Progress {
   public:
     explicit Progress(Object debug) : debug_(debug) {}
 
-    void column(Object X);  // the first rows; the clock of the whole call starts
+    void column(Object X);  // the first rows; starts the clock of the whole call
     void scan_starts(Object XX);
     void scan_ends(Object XX) const;
     void datetime_starts(Object check_limit);
     void datetime_ends(Object check_limit) const;
-    // Order and gaps are not looked at; what would be said about them is said all the same.
+    // The texts of two checks that are not made.
     void order_and_gaps(Object check_limit) const;
     void end() const;
 

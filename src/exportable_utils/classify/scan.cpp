@@ -1,8 +1,8 @@
 #include "exportable_utils/classify/scan.hpp"
 
-#include "python/errors.hpp"
+#include <optional>
+
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
 #include "python/numpy.hpp"
 #include "python/operations.hpp"
@@ -11,7 +11,7 @@ namespace quorin::classify {
 
 namespace {
 
-constexpr int dtype_str3_limit = 2;
+constexpr Py_ssize_t dtype_str3_limit = 2;
 
 bool is_float(Object elt) {
     return is_instance(elt, &PyFloat_Type) || is_instance(elt, numpy_alias("float"_py, &PyFloat_Type));
@@ -26,27 +26,40 @@ bool is_boolean(Object elt) {
     return contains(text_of(Py_TYPE(elt.get())), "bool"_py) || is_instance(elt, global("np"_py).attr("bool_"_py));
 }
 
-}  // namespace
+// The scan through the interpreter.
+class InterpreterScan {
+  public:
+    explicit InterpreterScan(Scan& scan) : scan_(scan) {}
+    void run(Object XX, Object xx_xounts, Object missing_values_list);
 
-Scan::Scan(Object missing_rows)
-    : dtypes_cnt(missing_rows),
-      dtypes_weighted_cnt(missing_rows),
-      weird_new_missing_values_list(list({})),
-      start_missing_string_values_list_(list({})) {
-    frozen_.start_missing_string_values_list3 = list({});
-    frozen_.weird_new_missing_values_list3 = list({});
-}
+  private:
+    bool is_end_marker(Object elt) const;
+    void classify_text(Object XX, Py_ssize_t i, Object elt);
+    void number_text_found(Kind kind, Object XX, Py_ssize_t i);
+    void classify_value(Object elt);
+    void value_found(Kind kind);
+    void follow_kind();
+    void apply_stop_rule();
+    [[nodiscard]] bool number_text_seen() const { return scan_.integer_texts || scan_.real_texts; }
 
-void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
-    if (lookups_unchanged() && run_native(XX, xx_xounts, missing_values_list)) return;
+    Scan& scan_;
+    std::optional<Kind> dtype_str_found_;
+    bool found_nonmissing_flag_ = false;
+    bool found_string_flag_ = false;
+    // A running kind that no longer follows once the stop rule holds. No result depends on it, but the rule compares
+    // the number of missing rows, which an odd number can observe.
+    Kind dtype_str3_ = Kind::unknown;
+    bool dtype_str3_stop_flag_ = false;
+};
+
+void InterpreterScan::run(Object XX, Object xx_xounts, Object missing_values_list) {
     const Py_ssize_t values = count(row_count(XX));
     for (Py_ssize_t i = 0; i < values; ++i) {
         const Ref elt = item(XX, i);
         if (is_instance(elt, global("six"_py).attr("string_types"_py))) {
-            if (is_marker(elt)) {
-                // The first marker beyond the numbers ends the walk, uncounted.
+            if (is_end_marker(elt)) {
                 missing_values_list.attr("append"_py)({elt});
-                append(weird_new_missing_values_list, elt);
+                append(scan_.weird_new_missing_values_list, elt);
                 return;
             }
             classify_text(XX, i, elt);
@@ -54,93 +67,109 @@ void Scan::run(Object XX, Object xx_xounts, Object missing_values_list) {
             classify_value(elt);
         }
         if (!dtype_str_found_) fail_unbound("dtype_str_found"_py);
-        // A value of no known kind is counted as its predecessor was.
-        dtypes_cnt.add(*dtype_str_found_, 1);
-        dtypes_weighted_cnt.add(*dtype_str_found_, item(xx_xounts, i));
+        // A value of no known kind is counted with the kind of the value before it.
+        scan_.counts.add(*dtype_str_found_, 1, item(xx_xounts, i));
         apply_stop_rule();
     }
 }
 
-Ref Scan::start_missing_string_values(Object XX) const {
-    if (texts_below_ == 0 && texts_above_.empty()) return Ref::share(start_missing_string_values_list_);
-    Ref texts = item(XX, slice(Py_None, static_cast<Py_ssize_t>(texts_below_))).attr("tolist"_py)();
-    for (const std::size_t i : texts_above_) append(texts, item(XX, static_cast<Py_ssize_t>(i)));
-    return texts;
+// A lone text above a number.
+bool InterpreterScan::is_end_marker(Object elt) const {
+    if (!found_nonmissing_flag_) return false;
+    return equal(elt, ""_py) || (length(elt) == 1 && !truth(elt.attr("isalnum"_py)()));
 }
 
-// Behind a number: no text at all, or one character that is neither letter nor digit.
-bool Scan::is_marker(Object elt) const {
-    if (!found_nonmissing_flag) return false;
-    if (!equal(elt, ""_py) && !(length(elt) == 1 && !truth(elt.attr("isalnum"_py)()))) return false;
-    return !contains(weird_new_missing_values_list, elt);
-}
-
-void Scan::classify_text(Object XX, Py_ssize_t i, Object elt) {
-    dtype_str = Kind::char_str;
+void InterpreterScan::classify_text(Object XX, Py_ssize_t i, Object elt) {
+    scan_.running = Kind::char_str;
     dtype_str_found_ = Kind::char_str;
     follow_kind();
-    if (!frozen_.dtype_str3_stop_flag) {
-        frozen_.weird_new_missing_values_list3 = Ref::share(weird_new_missing_values_list);
-    }
     if (truth(global("isint"_py)({elt})) && !contains(elt, "."_py)) number_text_found(Kind::int_str, XX, i);
     if (truth(global("isfloat"_py)({elt})) && contains(elt, "."_py)) number_text_found(Kind::float_str, XX, i);
-    if (dtype_str == Kind::char_str) {
-        found_string_flag = true;
-        if (number_text_seen() && !contains(start_missing_string_values_list_, elt)) {
-            start_missing_string_values_list_.attr("append"_py)({elt});
-        }
-        follow_kind();
-    }
-}
-
-// Texts that sort before the first number text are candidate markers.
-void Scan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
-    dtype_str = kind;
-    dtype_str_found_ = kind;
-    if (!number_text_seen() && found_string_flag) {
-        start_missing_string_values_list_ = item(XX, slice(Py_None, i)).attr("tolist"_py)();
-    }
-    (kind == Kind::int_str ? found_int_str_flag : found_float_str_flag) = true;
-    found_nonmissing_flag = true;
+    if (scan_.running != Kind::char_str) return;
+    found_string_flag_ = true;
+    Ref& start_texts = scan_.start_missing_string_values_list;
+    if (number_text_seen() && !contains(start_texts, elt)) start_texts.attr("append"_py)({elt});
     follow_kind();
-    if (!frozen_.dtype_str3_stop_flag) {
-        frozen_.start_missing_string_values_list3 = Ref::share(start_missing_string_values_list_);
-    }
 }
 
-// Three tests, and a later one overrides an earlier one: a Python bool is an integer too.
-void Scan::classify_value(Object elt) {
+// The texts below the first number text may be markers.
+void InterpreterScan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
+    scan_.running = kind;
+    dtype_str_found_ = kind;
+    if (!number_text_seen() && found_string_flag_) {
+        scan_.start_missing_string_values_list = item(XX, slice(Py_None, i)).attr("tolist"_py)();
+    }
+    (kind == Kind::int_str ? scan_.integer_texts : scan_.real_texts) = true;
+    found_nonmissing_flag_ = true;
+    follow_kind();
+}
+
+// Three tests, and a later one overrides an earlier one: a Python bool is also an integer.
+void InterpreterScan::classify_value(Object elt) {
     if (is_float(elt)) {
-        // A column keeps "float_num" as its running class once a fraction was seen.
+        // A whole number does not replace the running kind of a fraction.
         const bool whole_valued = truth(elt.attr("is_integer"_py)());
-        const Kind running = dtype_str;
+        const Kind running = scan_.running;
         value_found(whole_valued ? Kind::float_int_num : Kind::float_num);
-        if (whole_valued && running == Kind::float_num) dtype_str = Kind::float_num;
+        if (whole_valued && running == Kind::float_num) scan_.running = Kind::float_num;
         follow_kind();
     }
     if (is_integer(elt)) value_found(Kind::int_num);
     if (is_boolean(elt)) value_found(Kind::boolean);
 }
 
-void Scan::value_found(Kind kind) {
-    dtype_str = kind;
+void InterpreterScan::value_found(Kind kind) {
+    scan_.running = kind;
     dtype_str_found_ = kind;
-    found_nonmissing_flag = true;
+    found_nonmissing_flag_ = true;
     follow_kind();
 }
 
-void Scan::follow_kind() {
-    if (!frozen_.dtype_str3_stop_flag) frozen_.dtype_str3 = dtype_str;
+void InterpreterScan::follow_kind() {
+    if (!dtype_str3_stop_flag_) dtype_str3_ = scan_.running;
 }
 
-void Scan::apply_stop_rule() {
-    for (const Kind kind : {Kind::char_str, Kind::float_str}) {
-        if (frozen_.dtype_str3 == kind && greater(dtypes_cnt[kind], dtype_str3_limit) &&
-            (dtypes_cnt.any(Kind::missing) || length(frozen_.weird_new_missing_values_list3) != 0)) {
-            frozen_.dtype_str3_stop_flag = true;
-            return;
-        }
+void InterpreterScan::apply_stop_rule() {
+    if (dtype_str3_ != Kind::char_str && dtype_str3_ != Kind::float_str) return;
+    if (scan_.counts.distinct(dtype_str3_) <= dtype_str3_limit) return;
+    if (scan_.counts.any_missing_rows()) dtype_str3_stop_flag_ = true;
+}
+
+}  // namespace
+
+Scan::Scan(Object missing_rows)
+    : counts(missing_rows), weird_new_missing_values_list(list({})), start_missing_string_values_list(list({})) {}
+
+core::VerdictFacts Scan::facts(bool other_rows) const {
+    core::VerdictFacts facts;
+    facts.other_rows = other_rows;
+    facts.missing_rows = counts.any_missing_rows();
+    for (std::size_t i = 0; i < core::kind_count; ++i) {
+        const auto kind = static_cast<Kind>(i);
+        if (counts.distinct(kind) != 0) facts.kinds.add(kind);
     }
+    // Compared a second time if nothing is counted, which an odd number can observe.
+    if (facts.kinds.empty()) facts.missing_rows = counts.any_missing_rows();
+    facts.one_text = counts.distinct(Kind::char_str) == 1;
+    facts.end_marker = PyList_GET_SIZE(weird_new_missing_values_list.get()) != 0;
+    facts.running = running;
+    facts.both_number_texts = integer_texts && real_texts;
+    return facts;
+}
+
+Ref Scan::start_missing_string_values(Object XX) const {
+    if (texts_below == 0 && texts_above.empty()) return Ref::share(start_missing_string_values_list);
+    Ref texts = item(XX, slice(Py_None, static_cast<Py_ssize_t>(texts_below))).attr("tolist"_py)();
+    for (const std::size_t i : texts_above) append(texts, item(XX, static_cast<Py_ssize_t>(i)));
+    return texts;
+}
+
+Scan scan_distinct_values(Object XX, Object xx_xounts, Object missing_values_list, Object missing_rows) {
+    Scan scan(missing_rows);
+    if (!scan_memory(XX, xx_xounts, missing_values_list, scan)) {
+        InterpreterScan(scan).run(XX, xx_xounts, missing_values_list);
+    }
+    return scan;
 }
 
 }  // namespace quorin::classify

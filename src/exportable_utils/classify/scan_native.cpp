@@ -1,4 +1,4 @@
-// The scan over distinct values that lie in memory as texts or as plain numbers.
+// The scan in memory.
 #include <array>
 #include <optional>
 #include <utility>
@@ -6,8 +6,9 @@
 
 #include "core/distinct/number_runs.hpp"
 #include "exportable_utils/classify/scan.hpp"
-#include "python/inputs/array_column.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::classify {
@@ -16,88 +17,97 @@ namespace {
 
 using core::TextClass;
 
-struct Tally {
-    Py_ssize_t distinct = 0;
-    npy_intp rows = 0;
-};
-
-// What the walk saw; counted first, written down when nothing can go wrong any more.
-struct Seen {
-    std::array<Tally, kinds> tallies{};
+// What is counted, before any of it is written into a Scan. Positions are those in XX.
+struct Counted {
+    struct Tally {
+        Py_ssize_t distinct = 0;
+        npy_intp rows = 0;
+    };
+    std::array<Tally, core::kind_count> tallies{};
     Kind running = Kind::unknown;
-    bool plain = false;
-    bool integer = false;
-    bool real = false;
-    std::size_t first_number = 0;
-    std::vector<std::size_t> plain_above;  // texts above the first number
+    bool integer_texts = false;
+    bool real_texts = false;
+    std::size_t first_number_text = 0;
+    std::vector<std::size_t> texts_above;
     std::optional<std::size_t> end_marker;
 
-    void count(Kind kind, npy_intp rows) { count(kind, 1, rows); }
-    void count(Kind kind, std::size_t distinct, npy_intp rows) {
+    void add(Kind kind, npy_intp rows) { add(kind, 1, rows); }
+    void add(Kind kind, std::size_t distinct, npy_intp rows) {
         if (distinct == 0) return;
         Tally& tally = tallies[static_cast<std::size_t>(kind)];
         tally.distinct += static_cast<Py_ssize_t>(distinct);
         tally.rows += rows;
         running = kind;
     }
-    [[nodiscard]] bool number() const { return integer || real; }
+    [[nodiscard]] bool number_texts() const { return integer_texts || real_texts; }
 };
 
-npy_intp rows_of(const ArrayColumn& counts, std::size_t i) {
-    return *reinterpret_cast<const npy_intp*>(counts.at(i));
+// Consecutive distinct values and their numbers of rows. The first of them is at position `first` of XX.
+struct Values {
+    ArrayColumn values;
+    ArrayColumn counts;
+    std::size_t first;
+
+    [[nodiscard]] npy_intp rows_of(std::size_t i) const { return *reinterpret_cast<const npy_intp*>(counts.at(i)); }
+    // numpy.unique() makes contiguous counts.
+    [[nodiscard]] bool contiguous_counts() const { return counts.stride == sizeof(npy_intp); }
+    [[nodiscard]] const npy_intp* count_data() const { return reinterpret_cast<const npy_intp*>(counts.data); }
+};
+
+bool count_text(core::TextView text, std::size_t position, npy_intp rows, Counted& counted) {
+    const bool lone = core::is_lone(text, character_tables);
+    if (lone && counted.number_texts()) {
+        counted.end_marker = position;
+        return true;
+    }
+    const TextClass text_class = lone ? TextClass::plain : core::classify_text(text, character_tables);
+    if (text_class == TextClass::unsettled) return false;
+    if (text_class == TextClass::plain) {
+        if (counted.number_texts()) counted.texts_above.push_back(position);
+        counted.add(Kind::char_str, rows);
+        return true;
+    }
+    if (!counted.number_texts()) counted.first_number_text = position;
+    const bool integer = text_class == TextClass::integer;
+    (integer ? counted.integer_texts : counted.real_texts) = true;
+    counted.add(integer ? Kind::int_str : Kind::float_str, rows);
+    return true;
 }
 
+// Texts above the end marker are not counted, but they have to be texts.
 template <class Cells>
-bool walk_texts(const Cells& cells, const ArrayColumn& counts, Seen& seen) {
+bool count_texts(const Cells& cells, const Values& part, Counted& counted) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
         cells.prefetch(i + core::prefetch_distance);
         core::TextView text{};
         if (cells.read(i, text) != core::Cell::text) return false;
-        if (seen.end_marker) continue;  // only its kind matters
-        const bool lone = core::is_lone(text, character_tables);
-        if (lone && seen.number()) {
-            seen.end_marker = i;
-            continue;
-        }
-        const TextClass text_class = lone ? TextClass::plain : core::classify_text(text, character_tables);
-        if (text_class == TextClass::unsettled) return false;
-        if (text_class == TextClass::plain) {
-            seen.plain = true;
-            if (seen.number()) seen.plain_above.push_back(i);
-            seen.count(Kind::char_str, rows_of(counts, i));
-            continue;
-        }
-        if (!seen.number()) seen.first_number = i;
-        const bool integer = text_class == TextClass::integer;
-        (integer ? seen.integer : seen.real) = true;
-        seen.count(integer ? Kind::int_str : Kind::float_str, rows_of(counts, i));
+        if (counted.end_marker) continue;
+        if (!count_text(text, part.first + i, part.rows_of(i), counted)) return false;
     }
     return true;
 }
 
-// Python's numbers and the numpy scalars that are told by the same rules; of the others it is only known that they are
-// not for this walk.
-bool walk_objects(const ArrayColumn& values, const ArrayColumn& counts, Seen& seen) {
-    const ObjectCells cells(values);
-    for (std::size_t i = 0; i < values.rows; ++i) {
+// Python's numbers, and the numpy scalars of the same kinds.
+bool count_objects(const Values& part, Counted& counted) {
+    const ObjectCells cells(part.values);
+    for (std::size_t i = 0; i < part.values.rows; ++i) {
         cells.prefetch(i + core::prefetch_distance);
-        if (values.object(i) == nullptr) return false;
-        const ObjectNumber number = object_number_of(values.object(i));
+        if (part.values.object(i) == nullptr) return false;
+        const ObjectNumber number = object_number_of(part.values.object(i));
         switch (number.type) {
             case NumberType::none:
                 return false;
             case NumberType::boolean:
-                seen.count(Kind::boolean, rows_of(counts, i));
+                counted.add(Kind::boolean, part.rows_of(i));
                 break;
             case NumberType::integer:
             case NumberType::large:
-                seen.count(Kind::int_num, rows_of(counts, i));
+                counted.add(Kind::int_num, part.rows_of(i));
                 break;
             case NumberType::real: {
-                const Kind running = seen.running;
-                const bool whole_valued = is_whole(number.real);
-                seen.count(whole_valued ? Kind::float_int_num : Kind::float_num, rows_of(counts, i));
-                if (running == Kind::float_num) seen.running = running;
+                const Kind running = counted.running;
+                counted.add(is_whole(number.real) ? Kind::float_int_num : Kind::float_num, part.rows_of(i));
+                if (running == Kind::float_num) counted.running = running;
                 break;
             }
         }
@@ -105,52 +115,59 @@ bool walk_objects(const ArrayColumn& values, const ArrayColumn& counts, Seen& se
     return true;
 }
 
-bool starts_with_text(const ArrayColumn& values) {
-    return values.object(0) != nullptr && PyUnicode_CheckExact(values.object(0));
-}
-
-// The numbers and the counts stand side by side, as numpy.unique() makes them.
-std::optional<core::FractionTally> tally_floats(const ArrayColumn& values, const ArrayColumn& counts) {
-    if (values.stride != sizeof(double) || counts.stride != sizeof(npy_intp)) return std::nullopt;
-    return core::tally_fractions(reinterpret_cast<const double*>(values.data),
-                                 reinterpret_cast<const npy_intp*>(counts.data), values.rows);
-}
-
-npy_intp all_rows(const ArrayColumn& counts) {
-    return core::sum(reinterpret_cast<const npy_intp*>(counts.data), counts.rows);
-}
-
-bool walk_floats(const ArrayColumn& values, const ArrayColumn& counts, Seen& seen) {
-    const auto fractions = tally_floats(values, counts);
-    if (!fractions) return false;
-    seen.count(Kind::float_int_num, values.rows - fractions->distinct, all_rows(counts) - fractions->rows);
-    seen.count(Kind::float_num, fractions->distinct, fractions->rows);
+bool count_floats(const Values& part, Counted& counted) {
+    if (part.values.stride != sizeof(double) || !part.contiguous_counts()) return false;
+    const std::size_t distinct = part.values.rows;
+    const auto* numbers = reinterpret_cast<const double*>(part.values.data);
+    const core::FractionTally fractions = core::tally_fractions(numbers, part.count_data(), distinct);
+    const npy_intp rows = core::sum(part.count_data(), distinct);
+    const bool fraction_before = counted.running == Kind::float_num;
+    counted.add(Kind::float_int_num, distinct - fractions.distinct, rows - fractions.rows);
+    counted.add(Kind::float_num, fractions.distinct, fractions.rows);
+    if (fraction_before) counted.running = Kind::float_num;
     return true;
 }
 
-bool walk_alike(const ArrayColumn& values, const ArrayColumn& counts, Kind kind, Seen& seen) {
-    if (counts.stride != sizeof(npy_intp)) return false;
-    seen.count(kind, values.rows, all_rows(counts));
+bool count_all(const Values& part, Kind kind, Counted& counted) {
+    if (!part.contiguous_counts()) return false;
+    counted.add(kind, part.values.rows, core::sum(part.count_data(), part.values.rows));
     return true;
 }
 
-bool walk(const ArrayColumn& values, const ArrayColumn& counts, Seen& seen) {
-    switch (values.storage) {
+bool count_values(const Values& part, bool texts, Counted& counted) {
+    switch (part.values.storage) {
         case Storage::objects:
-            return starts_with_text(values) ? walk_texts(ObjectCells(values), counts, seen)
-                                            : walk_objects(values, counts, seen);
+            return texts ? count_texts(ObjectCells(part.values), part, counted) : count_objects(part, counted);
         case Storage::fixed_text:
-            return walk_texts(ArrayTextCells(values), counts, seen);
+            return count_texts(ArrayTextCells(part.values), part, counted);
         case Storage::float64:
-            return walk_floats(values, counts, seen);
+            return count_floats(part, counted);
         case Storage::integer:
-            return walk_alike(values, counts, Kind::int_num, seen);
+            return count_all(part, Kind::int_num, counted);
         case Storage::boolean:
-            return walk_alike(values, counts, Kind::boolean, seen);
+            return count_all(part, Kind::boolean, counted);
         case Storage::float32:
             break;
     }
     return false;
+}
+
+bool starts_with_text(const ColumnSource& values) {
+    const std::optional<ArrayColumn> column = values.borrow();
+    return column && column->storage == Storage::objects && is_exact_text(column->object(0));
+}
+
+bool count_in_blocks(Object XX, Object xx_xounts, Counted& counted) {
+    const std::optional<ColumnSource> values = ColumnSource::flat(XX);
+    const std::optional<ColumnSource> counts = ColumnSource::flat(xx_xounts);
+    if (!values || !counts || values->rows() != counts->rows()) return false;
+    const bool texts = starts_with_text(*values);
+    return values->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const std::optional<ArrayColumn> count_column = counts->borrow();
+        if (!count_column || PyArray_TYPE(count_column->array) != NPY_INTP) return false;
+        const Values part{rows_of(column, first, last), rows_of(*count_column, first, last), first};
+        return count_values(part, texts, counted);
+    });
 }
 
 Ref numpy_whole(npy_intp value) {
@@ -160,30 +177,23 @@ Ref numpy_whole(npy_intp value) {
 
 }  // namespace
 
-bool Scan::run_native(Object XX, Object xx_xounts, Object missing_values_list) {
-    const std::optional<ArrayColumn> values = flat_column(XX);
-    const std::optional<ArrayColumn> counts = flat_column(xx_xounts);
-    if (!values || !counts || PyArray_TYPE(counts->array) != NPY_INTP || counts->rows != values->rows) return false;
-    Seen seen;
-    if (!walk(*values, *counts, seen)) return false;
-
-    for (std::size_t i = 0; i < kinds; ++i) {
-        const Tally& tally = seen.tallies[i];
-        if (tally.distinct == 0) continue;
-        dtypes_cnt.add(static_cast<Kind>(i), tally.distinct);
-        dtypes_weighted_cnt.add(static_cast<Kind>(i), numpy_whole(tally.rows));
+bool scan_memory(Object XX, Object xx_xounts, Object missing_values_list, Scan& scan) {
+    Counted counted;
+    const Ref done = native_route([&] { return count_in_blocks(XX, xx_xounts, counted) ? Ref::truth(true) : Ref(); });
+    if (!done) return false;
+    for (std::size_t i = 0; i < core::kind_count; ++i) {
+        const Counted::Tally& tally = counted.tallies[i];
+        if (tally.distinct != 0) scan.counts.add(static_cast<Kind>(i), tally.distinct, numpy_whole(tally.rows));
     }
-    if (seen.running != Kind::unknown) dtype_str = seen.running;
-    found_int_str_flag = seen.integer;
-    found_float_str_flag = seen.real;
-    found_string_flag = seen.plain;
-    found_nonmissing_flag = dtype_str != Kind::char_str || seen.number();
-    texts_below_ = seen.number() ? seen.first_number : 0;
-    texts_above_ = std::move(seen.plain_above);
-    if (seen.end_marker) {
-        const Ref marker = item(XX, static_cast<Py_ssize_t>(*seen.end_marker));
+    scan.running = counted.running;
+    scan.integer_texts = counted.integer_texts;
+    scan.real_texts = counted.real_texts;
+    scan.texts_below = counted.number_texts() ? counted.first_number_text : 0;
+    scan.texts_above = std::move(counted.texts_above);
+    if (counted.end_marker) {
+        const Ref marker = item(XX, static_cast<Py_ssize_t>(*counted.end_marker));
         missing_values_list.attr("append"_py)({marker});
-        append(weird_new_missing_values_list, marker);
+        append(scan.weird_new_missing_values_list, marker);
     }
     return true;
 }

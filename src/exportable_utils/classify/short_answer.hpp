@@ -1,20 +1,16 @@
-// The classifier's short answer for a column, drawn from facts of its rows: no distinct values, no sort, no call of the
-// interpreter.
+// The classifier's result for a column from facts about its rows: without distinct values, sorting or calls.
 #pragma once
 
-#include <optional>
-
-#include "exportable_utils/classify/kinds.hpp"
-#include "exportable_utils/references/references.hpp"
+#include "exportable_utils/classify/native_arguments.hpp"
 
 namespace quorin::classify {
 
-struct Answer {
-    Ref misslist;  // the markers that occur, discovered ones last
-    Kind kind;
-};
+// The pair of the markers that occur and the kind. Returns an empty Ref if the facts that are gathered do not decide.
+// With `first_only` only the first reference that occurs is a marker.
+Ref short_answer(NativeArguments& arguments, bool first_only);
 
-// Nothing where the facts that are known here do not settle the answer.
-std::optional<Answer> answer_for(const ArrayColumn& column, const references::References& markers);
+// The first `most` distinct texts that are not references, in an array of the column's dtype. Returns an empty Ref for
+// a column of anything but texts, references and nulls.
+Ref least_texts(const NativeArguments& arguments, std::size_t most);
 
 }  // namespace quorin::classify

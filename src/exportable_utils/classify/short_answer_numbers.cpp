@@ -1,45 +1,81 @@
-// Columns of numbers that are no objects.
+// Columns of numbers that are not objects.
 #include <cmath>
 
 #include "core/column.hpp"
 #include "core/gather/number_facts.hpp"
-#include "exportable_utils/classify/short_answer_parts.hpp"
+#include "exportable_utils/classify/short_facts.hpp"
 
 namespace quorin::classify {
 
 namespace {
 
-// Rows that are neither null nor a marker, when some marker is a number. Like in the other walks an infinite number has
-// a fraction.
-core::NumberFacts gather_beside(const ArrayColumn& column, const References& markers, core::ReferenceBits& found) {
+void merge(core::NumberFacts& facts, const core::NumberFacts& more) noexcept {
+    facts.nulls = facts.nulls || more.nulls;
+    facts.values = facts.values || more.values;
+    facts.fractions = facts.fractions || more.fractions;
+}
+
+// The facts of the rows that are neither null nor a reference.
+template <class Number>
+core::NumberFacts gather_others(const ArrayColumn& column, const References& references, ReferenceBits& found) {
     core::NumberFacts facts;
-    core::with_number_type(column, [&](auto type) {
-        using Number = decltype(type);
-        for (std::size_t row = 0; row < column.rows; ++row) {
-            const Number number = core::load<Number>(column, row);
-            // A marker is exact as a 64-bit float; an integer that is not cannot be equal to one by rounding alone.
-            const auto value = static_cast<double>(number);
-            core::ReferenceBits bits = 0;
-            if constexpr (std::is_floating_point_v<Number>) {
-                if (std::isnan(value)) {
-                    facts.nulls = true;
-                    continue;
-                }
-                bits = markers.bits_of_number(value);
-                if (bits == 0) facts.fractions = facts.fractions || !is_whole(value);
-            } else {
-                if (std::fabs(value) < exact_limit) bits = markers.bits_of_number(value);
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        const Number number = core::load<Number>(column, row);
+        // References are exact. An integer that is not exact as a 64-bit float equals none of them, unless rounded.
+        const auto value = static_cast<double>(number);
+        ReferenceBits bits = 0;
+        if constexpr (std::is_floating_point_v<Number>) {
+            if (std::isnan(value)) {
+                facts.nulls = true;
+                continue;
             }
-            found |= bits;
-            facts.values = facts.values || bits == 0;
+            bits = references.bits_of_number(value);
+            if (bits == 0) facts.fractions = facts.fractions || !is_whole(value);
+        } else {
+            if (std::fabs(value) < exact_limit) bits = references.bits_of_number(value);
         }
-        return true;
-    });
+        found |= bits;
+        facts.values = facts.values || bits == 0;
+    }
     return facts;
+}
+
+core::NumberFacts gather_all(const ArrayColumn& column) {
+    return column.storage == Storage::float64 ? core::gather_float64(column.data, column.stride, column.rows)
+                                              : core::gather_float32(column.data, column.stride, column.rows);
+}
+
+bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, ReferenceBits& found) {
+    const References& references = *arguments.references;
+    return arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const ArrayColumn part = rows_of(column, first, last);
+        if (references.numbers.empty()) {
+            if (!(facts.nulls && facts.fractions)) merge(facts, gather_all(part));
+            return true;
+        }
+        return core::with_number_type(part, [&](auto type) {
+            merge(facts, gather_others<decltype(type)>(part, references, found));
+            return true;
+        });
+    });
 }
 
 }  // namespace
 
+<<<<<<< HEAD
+bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
+    const References& references = *arguments.references;
+    core::NumberFacts numbers;
+    if (!gather_numbers(arguments, numbers, facts.references)) return false;
+    if (numbers.nulls && references.null_bits == 0 && !references.none()) {
+        // NaN that is not missing is a value with a fraction.
+        facts.verdict.kinds.add(Kind::float_num);
+        return true;
+    }
+    if (numbers.nulls) facts.references |= references.null_bits;
+    if (numbers.values) facts.verdict.kinds.add(numbers.fractions ? Kind::float_num : Kind::float_int_num);
+    return true;
+=======
 // NaN that no marker takes away is a value with a fraction.
 std::optional<Answer> answer_floats(const ArrayColumn& column, const References& markers) {
     core::ReferenceBits found = 0;
@@ -59,16 +95,21 @@ std::optional<Answer> answer_floats(const ArrayColumn& column, const References&
     if (!facts.values) return no_values(markers, found, facts.nulls);
     if (facts.nulls) found |= markers.null_bits;
     return Answer{list_of_references(markers, found), facts.fractions ? Kind::float_num : Kind::float_int_num};
+>>>>>>> main
 }
 
-std::optional<Answer> answer_integers(const ArrayColumn& column, const References& markers) {
-    core::ReferenceBits found = 0;
-    if (!markers.numbers.empty()) {
-        if (markers.beyond_exact()) return std::nullopt;
-        if (!gather_beside(column, markers, found).values) return no_values(markers, found, false);
+bool gather_integers(NativeArguments& arguments, ShortFacts& facts) {
+    const References& references = *arguments.references;
+    core::NumberFacts numbers{.nulls = false, .values = true};
+    if (!references.numbers.empty()) {
+        if (references.beyond_exact()) return false;
+        numbers = {};
+        if (!gather_numbers(arguments, numbers, facts.references)) return false;
     }
-    return Answer{list_of_references(markers, found),
-                  column.storage == Storage::boolean ? Kind::boolean : Kind::int_num};
+    if (!numbers.values) return true;
+    const bool booleans = arguments.column->storage() == Storage::boolean;
+    facts.verdict.kinds.add(booleans ? Kind::boolean : Kind::int_num);
+    return true;
 }
 
 }  // namespace quorin::classify

@@ -2,8 +2,12 @@
 #include <bit>
 #include <cmath>
 
+<<<<<<< HEAD
+#include "exportable_utils/classify/short_facts.hpp"
+=======
 #include "core/float_bits.hpp"
 #include "exportable_utils/classify/short_answer_parts.hpp"
+>>>>>>> main
 #include "exportable_utils/distinct/object_tally.hpp"
 
 namespace quorin::classify {
@@ -12,62 +16,59 @@ namespace {
 
 using distinct::ObjectTally;
 
-// What an array of objects holds that are numbers, nulls or markers.
-struct ObjectFacts {
-    core::ReferenceBits markers = 0;
+class NumberObjects {
+  public:
+    explicit NumberObjects(const References& references) : references_(references) {}
+
+    // Returns false to give up.
+    bool gather(const ArrayColumn& column, std::size_t first, std::size_t last);
+
+    ReferenceBits found = 0;
     bool none = false;
     bool nan = false;
     bool scalar_nan = false;  // of a numpy type
-    bool scalars = false;
+    bool scalars = false;     // of numpy types
     bool booleans = false;
     bool integers = false;
     bool reals = false;
-    bool fractions = false;  // a real number with a fraction, or infinite
+    bool fractions = false;   // real numbers with a fraction, and infinite ones
+    bool other_text = false;  // a text that is not a reference
+    [[nodiscard]] bool numbers() const noexcept { return reals || integers || booleans; }
+
+  private:
+    bool add(PyObject* value);
+    bool add_number(const ObjectNumber& number);
+    void add_kind(const ObjectNumber& number);
+
+    const References& references_;
 };
 
-// A number that is no marker. False where that is not to be told.
-bool gather_number(const ObjectNumber& number, const References& markers, ObjectFacts& facts) {
-    facts.scalars = facts.scalars || number.scalar;
-    if (number.type == NumberType::real && std::isnan(number.real)) {
-        facts.nan = true;
-        facts.scalar_nan = facts.scalar_nan || number.scalar;
-        return true;
-    }
-    if (!markers.numbers.empty()) {
-        const std::optional<core::ReferenceBits> bits = markers.bits_of_object(number);
-        if (!bits) return false;
-        facts.markers |= *bits;
-        if (*bits != 0) return true;
-    }
-    switch (number.type) {
-        case NumberType::none:
-            return false;
-        case NumberType::boolean:
-            facts.booleans = true;
-            break;
-        case NumberType::integer:
-        case NumberType::large:
-            facts.integers = true;
-            break;
-        case NumberType::real:
-            facts.reals = true;
-            facts.fractions = facts.fractions || !is_whole(number.real);
-            break;
-    }
-    return true;
-}
-
-bool gather_objects(const ArrayColumn& column, const References& markers, ObjectFacts& facts) {
+bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
     const ObjectCells cells(column);
+<<<<<<< HEAD
+    const bool compared = !references_.numbers.empty();
+    for (std::size_t row = first; row < last; ++row) {
+=======
     const bool numbers = !markers.numbers.empty();
     std::uint64_t nan_bits = ~std::uint64_t{0};  // the bits that are set in every NaN; kept without a branch
     for (std::size_t row = 0; row < column.rows; ++row) {
+>>>>>>> main
         cells.prefetch(row + core::prefetch_distance);
         PyObject* value = column.object(row);
         if (value == nullptr) return false;
         const PyTypeObject* type = Py_TYPE(value);
-        if (type == &PyFloat_Type && !numbers) {
+        if (type == &PyFloat_Type && !compared) {
             const double real = PyFloat_AS_DOUBLE(value);
+<<<<<<< HEAD
+            const bool is_nan = std::isnan(real);
+            nan = nan || is_nan;
+            reals = reals || !is_nan;
+            fractions = fractions || !(is_nan || is_whole(real));
+        } else if (type == &PyLong_Type && !compared) {
+            integers = true;  // of any size
+        } else if (!add(value)) {
+            return false;
+=======
             const bool nan = std::isnan(real);
             nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(nan) - 1U);
             facts.nan = facts.nan || nan;
@@ -86,33 +87,103 @@ bool gather_objects(const ArrayColumn& column, const References& markers, Object
         } else {
             const ObjectNumber number = object_number_of(value);
             if (number.type == NumberType::none || !gather_number(number, markers, facts)) return false;
+>>>>>>> main
         }
     }
     return (nan_bits & core::quiet_bit<double>) != 0;
 }
 
-// Whether an integer is there that a numpy scalar might round when it is compared with it, or refuse.
-bool any_beyond_exact(const ArrayColumn& column) {
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (object_number_of(column.object(row)).beyond_exact()) return true;
+bool NumberObjects::add(PyObject* value) {
+    if (value == Py_None) {
+        none = true;
+        return true;
     }
-    return false;
+    if (PyUnicode_CheckExact(value)) {
+        const std::optional<core::TextView> text = text_view_of(value);
+        const ReferenceBits bits = text ? references_.texts.find(*text) : 0;
+        found |= references_.bits_of_texts(bits);
+        other_text = bits == 0;
+        return !other_text;
+    }
+    const ObjectNumber number = object_number_of(value);
+    return number.type != NumberType::none && add_number(number);
 }
 
-// Numbers of different types that are equal are one distinct value, and which of them stands for it is the sort's
-// affair. The kinds that stand by themselves for some value are found in any case; two of them settle the mix.
-bool two_kinds_for_sure(const ArrayColumn& column, const References& markers) {
-    ObjectTally tally(column.rows);
+bool NumberObjects::add_number(const ObjectNumber& number) {
+    scalars = scalars || number.scalar;
+    if (number.type == NumberType::real && std::isnan(number.real)) {
+        nan = true;
+        scalar_nan = scalar_nan || number.scalar;
+        return true;
+    }
+    if (!references_.numbers.empty()) {
+        const std::optional<ReferenceBits> bits = references_.bits_of_object(number);
+        if (!bits) return false;
+        found |= *bits;
+        if (*bits != 0) return true;
+    }
+    add_kind(number);
+    return true;
+}
+
+void NumberObjects::add_kind(const ObjectNumber& number) {
+    switch (number.type) {
+        case NumberType::none:
+            break;
+        case NumberType::boolean:
+            booleans = true;
+            break;
+        case NumberType::integer:
+        case NumberType::large:
+            integers = true;
+            break;
+        case NumberType::real:
+            reals = true;
+            fractions = fractions || !is_whole(number.real);
+            break;
+    }
+}
+
+// Whether there is an integer that a numpy scalar may round or refuse when it is compared with it.
+bool any_beyond_exact(const ColumnSource& source) {
+    const bool none = source.in_blocks([](const ArrayColumn& column, std::size_t row, std::size_t last) {
+        for (; row < last; ++row) {
+            PyObject* value = column.object(row);
+            if (value == nullptr || object_number_of(value).beyond_exact()) return false;
+        }
+        return true;
+    });
+    return !none;
+}
+
+// Counts the rows that are neither null nor a reference. Returns false to give up.
+bool tally_numbers(const ArrayColumn& column, std::size_t first, std::size_t last, const References& references,
+                   ObjectTally& tally) {
     const ObjectCells cells(column);
-    for (std::size_t row = 0; row < column.rows; ++row) {
+    for (std::size_t row = first; row < last; ++row) {
         PyObject* value = column.object(row);
+        if (value == nullptr) return false;
         if (is_exact_null(value)) continue;
         const ObjectNumber number = object_number_of(value);
         if (number.type == NumberType::none || std::isnan(number.real)) continue;
-        const std::optional<core::ReferenceBits> bits = markers.bits_of_object(number);
+        const std::optional<ReferenceBits> bits = references.bits_of_object(number);
         if (!bits) return false;
         if (*bits == 0 && !tally.add(column, cells, row)) return false;
     }
+    return true;
+}
+
+// Equal numbers of different types are one distinct value, and the sort decides which type stands for it. Returns
+// whether two kinds occur all the same, because each has a value that no other kind equals.
+bool two_kinds(const NativeArguments& arguments) {
+    const std::size_t rows = arguments.column->rows();
+    ObjectTally tally(rows);
+    const bool all = arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        if (!tally_numbers(column, first, last, *arguments.references, tally)) return false;
+        if (last != rows) tally.hold(column);
+        return true;
+    });
+    if (!all) return false;
     unsigned alone = 0;
     for (const ObjectTally::Entry& entry : tally.entries()) {
         if (std::has_single_bit(entry.types)) alone |= entry.types;
@@ -122,27 +193,32 @@ bool two_kinds_for_sure(const ArrayColumn& column, const References& markers) {
 
 }  // namespace
 
-std::optional<Answer> answer_objects(const ArrayColumn& column, const References& markers) {
-    ObjectFacts facts;
-    if (!gather_objects(column, markers, facts)) return std::nullopt;
-    if (facts.scalars && facts.integers && any_beyond_exact(column)) return std::nullopt;
-    if (markers.null_bits == 0 && !markers.none()) {
-        // Nulls that no marker takes away: None has no order, and NaN is a value with a fraction.
-        if (facts.none || facts.scalar_nan) return std::nullopt;
-        facts.fractions = facts.fractions || facts.nan;
-        facts.reals = facts.reals || facts.nan;
+bool gather_number_objects(NativeArguments& arguments, ShortFacts& facts) {
+    const References& references = *arguments.references;
+    NumberObjects objects(references);
+    const auto gather = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return objects.gather(column, first, last);
+    };
+    if (!arguments.column->in_blocks(gather)) {
+        arguments.mixed = objects.other_text && objects.numbers();
+        return false;
     }
-    const core::ReferenceBits found = facts.markers | (facts.none || facts.nan ? markers.null_bits : 0);
-    if (!facts.reals && !facts.integers && !facts.booleans) return no_values(markers, found, false);
-    Kind kind = Kind::unknown;
-    if (facts.fractions) {
-        kind = Kind::float_num;
-    } else if (facts.reals + facts.integers + facts.booleans > 1) {
-        if (!two_kinds_for_sure(column, markers)) return std::nullopt;
-    } else {
-        kind = facts.reals ? Kind::float_int_num : facts.integers ? Kind::int_num : Kind::boolean;
+    if (objects.scalars && objects.integers && any_beyond_exact(*arguments.column)) return false;
+    if (references.null_bits == 0 && !references.none()) {
+        // Nulls that are not missing: None has no order, and NaN is a value with a fraction.
+        if (objects.none || objects.scalar_nan) return false;
+        objects.fractions = objects.fractions || objects.nan;
+        objects.reals = objects.reals || objects.nan;
     }
-    return Answer{list_of_references(markers, found), kind};
+    facts.references = objects.found | (objects.none || objects.nan ? references.null_bits : 0);
+    if (objects.fractions) {
+        facts.verdict.kinds.add(Kind::float_num);
+        return true;
+    }
+    if (objects.reals) facts.verdict.kinds.add(Kind::float_int_num);
+    if (objects.integers) facts.verdict.kinds.add(Kind::int_num);
+    if (objects.booleans) facts.verdict.kinds.add(Kind::boolean);
+    return facts.verdict.kinds.size() < 2 || two_kinds(arguments);
 }
 
 }  // namespace quorin::classify

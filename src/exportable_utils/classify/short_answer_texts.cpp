@@ -1,64 +1,33 @@
-// Columns of texts, and of texts beside nulls and markers.
-#include <utility>
+// Columns of texts, also beside nulls and references.
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
-#include "exportable_utils/classify/short_answer_parts.hpp"
+#include "core/gather/text_facts.hpp"
+#include "exportable_utils/classify/short_facts.hpp"
 #include "python/inputs/object_number.hpp"
 #include "python/new_text.hpp"
-#include "python/operations.hpp"
 
 namespace quorin::classify {
 
 namespace {
 
-using core::Gathered;
 using core::Ordered;
+using core::RowRange;
 using core::TextFacts;
 
-// Distinct plain texts below the marker that ends the scan; a column with more of them goes the long way.
+// A column with more distinct plain texts below its end marker has no short answer.
 constexpr std::size_t most_plain_below = 256;
 
-Kind number_kind(const TextFacts& facts) {
-    return facts.reals ? Kind::float_str : Kind::int_str;
-}
-
-// The markers that occur, those of the caller's list before those that the column gave away. All are held, and none but
-// plain texts are made, before a list or a tuple is.
-class Misslist {
-  public:
-    Misslist(const ArrayColumn& column, std::vector<Ref> held) : column_(column), held_(std::move(held)) {}
-    // Those below the least number text were listed at once, the others were met one by one. Where the least number was
-    // not looked for, the plain text is a lone one that is not above it.
-    void add(const Ordered& text, const Ordered& least_number) {
-        const bool below = !least_number.found || core::compare(text.text, least_number.text) < 0;
-        below ? add_listed(text) : add_scanned(text);
-    }
-    // One that the classifier meets as it stands in the array, which of fixed-width text is a scalar.
-    void add_scanned(const Ordered& text) {
-        if (column_.storage == Storage::fixed_text) scalars_.push_back(held_.size());
-        add_listed(text);
-    }
-    Ref list() && {
-        for (const std::size_t i : scalars_) held_[i] = text_scalar(held_[i]);
-        return list_holding(held_);
-    }
-
-  private:
-    void add_listed(const Ordered& text) {
-        held_.push_back(column_.storage == Storage::objects ? Ref::share(column_.object(text.row))
-                                                            : new_text(text.text));
-    }
-
-    ArrayColumn column_;
-    std::vector<Ref> held_;
-    std::vector<std::size_t> scalars_;
-};
-
-// Objects among which numbers may stand that are markers: these are passed over as nulls are, and remembered.
+// Objects among which numbers may be references. These read as nulls and are remembered.
 class CellsBesideNumbers {
   public:
-    CellsBesideNumbers(const ArrayColumn& column, const References& markers)
-        : column_(column), cells_(column), markers_(&markers) {}
+    struct Found {
+        bool nulls = false;
+        ReferenceBits numbers = 0;
+    };
+    CellsBesideNumbers(const ArrayColumn& column, const References& references, Found& found)
+        : column_(column), cells_(column), references_(&references), found_(&found) {}
     [[nodiscard]] std::size_t size() const noexcept { return cells_.size(); }
     void prefetch(std::size_t row) const noexcept { cells_.prefetch(row); }
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
@@ -69,79 +38,201 @@ class CellsBesideNumbers {
     }
     core::Cell read(std::size_t row, core::TextView& text) const noexcept {
         const core::Cell cell = cells_.read(row, text);
-        if (cell == core::Cell::null) nulls_ = true;
+        if (cell == core::Cell::null) found_->nulls = true;
         if (cell != core::Cell::other) return cell;
         PyObject* value = column_.object(row);
         if (value == nullptr) return cell;
         const ObjectNumber number = object_number_of(value);
         if (number.type == NumberType::none || number.scalar) return cell;
-        const core::ReferenceBits bits = markers_->bits_of_object(number).value_or(0);
-        number_bits_ |= bits;
+        const ReferenceBits bits = references_->bits_of_object(number).value_or(0);
+        found_->numbers |= bits;
         return bits != 0 ? core::Cell::null : cell;
     }
-    [[nodiscard]] bool nulls() const noexcept { return nulls_; }
-    [[nodiscard]] core::ReferenceBits number_bits() const noexcept { return number_bits_; }
 
   private:
     ArrayColumn column_;
     ObjectCells cells_;
-    const References* markers_;
-    mutable bool nulls_ = false;
-    mutable core::ReferenceBits number_bits_ = 0;
+    const References* references_;
+    Found* found_;
 };
 
-template <class Cells>
-std::optional<Answer> answer_texts(const ArrayColumn& column, const References& markers, const Cells& cells) {
-    TextFacts facts;
-    if (gather_facts(cells, markers.texts, character_tables, facts) == Gathered::gave_up) return std::nullopt;
-    core::ReferenceBits found = markers.bits_of_texts(facts.markers);
-    if constexpr (std::is_same_v<Cells, CellsBesideNumbers>) {
-        facts.nulls = cells.nulls();
-        found |= cells.number_bits();
-    }
-    // Nulls that no marker takes away meet texts in the sort.
-    if (facts.nulls && markers.null_bits == 0 && !markers.none()) return std::nullopt;
-    if (!facts.texts) return no_values(markers, found, facts.nulls);
+// Whether the object is a number that equals no reference, for sure.
+bool is_other_number(PyObject* value, const References& references) {
+    if (value == nullptr) return false;
+    const ObjectNumber number = object_number_of(value);
+    if (number.type == NumberType::none || number.scalar || std::isnan(number.real)) return false;
+    return references.numbers.empty() || references.bits_of_object(number) == ReferenceBits{0};
+}
 
-    if (facts.nulls) found |= markers.null_bits;
-    if ((facts.second_plain && !facts.lone) || !facts.numbers())
-        return Answer{list_of_references(markers, found), Kind::char_str};
-    if (!facts.plain) return Answer{list_of_references(markers, found), number_kind(facts)};
-    core::TextView plain_text{};
-    cells.read(facts.first_plain, plain_text);
-    const Ordered only_plain{true, facts.first_plain, plain_text};
+// Walks over a column that is borrowed anew for each block of rows. The texts that are kept in between are read again,
+// by their rows. All functions return false to give up.
+template <class MakeCells>
+class TextColumn {
+  public:
+    TextColumn(NativeArguments& arguments, MakeCells make_cells) : arguments_(arguments), make_cells_(make_cells) {}
+
+    bool gather(TextFacts& facts) const;
+    bool find_least_number(Ordered& least_number) const;
+    bool find_end_marker(Ordered& least_number, Ordered& end_marker) const;
+    bool gather_below(Ordered& end_marker, TextFacts& below, std::vector<Ordered>& plain) const;
+    // Makes the markers that are not references.
+    bool discover(std::vector<Ordered>& plain, Ordered& least_number, Ordered& end_marker, ShortFacts& facts) const;
+
+  private:
+    template <class Use>
+    bool in_ranges(Use use) const {
+        return source().in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+            return use(make_cells_(column), RowRange{first, last});
+        });
+    }
+    [[nodiscard]] const ColumnSource& source() const noexcept { return *arguments_.column; }
+    [[nodiscard]] const core::ReferenceTexts& texts() const noexcept { return arguments_.references->texts; }
+
+    NativeArguments& arguments_;
+    MakeCells make_cells_;
+};
+
+// Not in_blocks(), because the gatherer may go back to an earlier row.
+template <class MakeCells>
+bool TextColumn<MakeCells>::gather(TextFacts& facts) const {
+    const std::size_t rows = source().rows();
+    core::TextGatherer gatherer(texts(), character_tables);
+    std::optional<SignalTimer> timer;
+    if (rows > rows_between_signals) timer.emplace();
+    for (std::size_t row = 0; row < rows;) {
+        if (timer) timer->poll();
+        const std::optional<ArrayColumn> column = source().borrow();
+        if (!column) return false;
+        const auto cells = make_cells_(*column);
+        if (row != 0 && !gatherer.refresh(cells)) return false;
+        row = gatherer.gather(cells, row, std::min(rows, row + rows_between_signals));
+        if (!gatherer.gave_up()) continue;
+        arguments_.mixed =
+            column->storage == Storage::objects && is_other_number(column->object(row), *arguments_.references);
+        return false;
+    }
+    facts = gatherer.finish();
+    return true;
+}
+
+template <class MakeCells>
+bool TextColumn<MakeCells>::find_least_number(Ordered& least_number) const {
+    return in_ranges([&](const auto& cells, RowRange rows) {
+        if (!core::refresh(cells, least_number)) return false;
+        core::find_least_number(rows, cells, texts(), character_tables, least_number);
+        return true;
+    });
+}
+
+template <class MakeCells>
+bool TextColumn<MakeCells>::find_end_marker(Ordered& least_number, Ordered& end_marker) const {
+    if (!find_least_number(least_number)) return false;
+    if (!least_number.found) return true;
+    return in_ranges([&](const auto& cells, RowRange rows) {
+        if (!core::refresh(cells, least_number) || !core::refresh(cells, end_marker)) return false;
+        core::find_lone_above(rows, cells, texts(), character_tables, least_number, end_marker);
+        return true;
+    });
+}
+
+template <class MakeCells>
+bool TextColumn<MakeCells>::gather_below(Ordered& end_marker, TextFacts& below, std::vector<Ordered>& plain) const {
+    return in_ranges([&](const auto& cells, RowRange rows) {
+        if (!core::refresh(cells, end_marker) || end_marker.text.size == 0) return false;
+        if (!core::refresh(cells, plain)) return false;
+        return core::gather_below(rows, cells, texts(), character_tables, end_marker.text, most_plain_below, below,
+                                  plain) != core::Walk::gave_up;
+    });
+}
+
+template <class MakeCells>
+bool TextColumn<MakeCells>::discover(std::vector<Ordered>& plain, Ordered& least_number, Ordered& end_marker,
+                                     ShortFacts& facts) const {
+    const std::optional<ArrayColumn> column = source().borrow();
+    if (!column) return false;
+    const auto cells = make_cells_(*column);
+    const bool texts_left = core::refresh(cells, plain) && core::refresh(cells, least_number);
+    if (!texts_left || !core::refresh(cells, end_marker)) return false;
+    // Of fixed-width texts, the scan lists those below the least number text as str and meets the others as elements.
+    const auto owned = [&](const Ordered& text, bool element) -> ShortFacts::Discovered {
+        if (column->storage == Storage::objects) return {Ref::share(column->object(text.row)), false};
+        return {new_text(text.text), element};
+    };
+    for (const Ordered& text : plain) {
+        const bool above = least_number.found && core::compare(text.text, least_number.text) > 0;
+        facts.texts.push_back(owned(text, above));
+    }
+    if (end_marker.found) facts.end_marker = owned(end_marker, true);
+    return true;
+}
+
+void add_kinds(const TextFacts& texts, core::KindSet& kinds) {
+    if (texts.plain) kinds.add(Kind::char_str);
+    if (texts.integers) kinds.add(Kind::int_str);
+    if (texts.reals) kinds.add(Kind::float_str);
+}
+
+// The facts of the texts that count, when the references and nulls are known.
+template <class MakeCells>
+bool add_texts(const TextColumn<MakeCells>& column, bool fixed_width, const TextFacts& all, ShortFacts& facts) {
     Ordered least_number;
     Ordered end_marker;
-    // Of objects it is the same one wherever it stands.
-    if (facts.lone ? facts.lone_may_be_above : column.storage == Storage::fixed_text) {
-        find_end_marker(cells, markers.texts, character_tables, least_number, end_marker);
-    }
-    if (!end_marker.found && facts.second_plain) return Answer{list_of_references(markers, found), Kind::char_str};
-    Misslist misslist(column, held(markers, found));
-    if (!end_marker.found) {
-        misslist.add(only_plain, least_number);
-        return Answer{std::move(misslist).list(), number_kind(facts)};
-    }
-    TextFacts below;
+    if (all.lone && all.lone_may_be_above && !column.find_end_marker(least_number, end_marker)) return false;
+    TextFacts counted = all;
     std::vector<Ordered> plain;
-    if (gather_below(cells, markers.texts, character_tables, end_marker.text, most_plain_below, below, plain) ==
-        Gathered::gave_up) {
-        return std::nullopt;
+    if (end_marker.found) {
+        counted = {};
+        if (!column.gather_below(end_marker, counted, plain)) return false;
+        counted.plain = !plain.empty();
+    } else if (all.plain && !all.second_plain) {
+        plain.push_back({true, all.first_plain, {}});
     }
-    for (const Ordered& text : plain) misslist.add(text, least_number);
-    misslist.add_scanned(end_marker);
-    return Answer{std::move(misslist).list(), number_kind(below)};
+    add_kinds(counted, facts.verdict.kinds);
+    facts.verdict.one_text = plain.size() == 1;
+    facts.verdict.end_marker = end_marker.found;
+    const bool texts_are_markers = decide(facts.verdict, core::Rule::by_counts).texts_are_markers;
+    if (!texts_are_markers) plain.clear();
+    if (plain.empty() && !end_marker.found) return true;
+    // A lone text is below all number texts here.
+    if (fixed_width && !all.lone && !column.find_least_number(least_number)) return false;
+    return column.discover(plain, least_number, end_marker, facts);
+}
+
+template <class MakeCells>
+bool gather_texts(NativeArguments& arguments, MakeCells make_cells, const CellsBesideNumbers::Found* beside,
+                  ShortFacts& facts) {
+    const References& references = *arguments.references;
+    const TextColumn column(arguments, make_cells);
+    TextFacts all;
+    if (!column.gather(all)) return false;
+    facts.references = references.bits_of_texts(all.references);
+    if (beside != nullptr) {
+        all.nulls = beside->nulls;
+        facts.references |= beside->numbers;
+    }
+    if (all.nulls) {
+        // Nulls that are not missing have no place in the order of the texts.
+        if (references.null_bits == 0 && !references.none()) return false;
+        facts.references |= references.null_bits;
+    }
+    return add_texts(column, arguments.column->storage() == Storage::fixed_text, all, facts);
 }
 
 }  // namespace
 
-std::optional<Answer> answer_object_texts(const ArrayColumn& column, const References& markers) {
-    if (markers.numbers.empty()) return answer_texts(column, markers, ObjectCells(column));
-    return answer_texts(column, markers, CellsBesideNumbers(column, markers));
+bool gather_object_texts(NativeArguments& arguments, ShortFacts& facts) {
+    if (arguments.references->numbers.empty()) {
+        return gather_texts(arguments, [](const ArrayColumn& column) { return ObjectCells(column); }, nullptr, facts);
+    }
+    CellsBesideNumbers::Found found;
+    const auto make_cells = [&](const ArrayColumn& column) {
+        return CellsBesideNumbers(column, *arguments.references, found);
+    };
+    return gather_texts(arguments, make_cells, &found, facts);
 }
 
-std::optional<Answer> answer_fixed_texts(const ArrayColumn& column, const References& markers) {
-    return answer_texts(column, markers, ArrayTextCells(column));
+bool gather_fixed_texts(NativeArguments& arguments, ShortFacts& facts) {
+    return gather_texts(arguments, [](const ArrayColumn& column) { return ArrayTextCells(column); }, nullptr, facts);
 }
 
 }  // namespace quorin::classify

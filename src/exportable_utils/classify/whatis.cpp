@@ -1,12 +1,11 @@
 #include "exportable_utils/classify/classify.hpp"
-#include "exportable_utils/classify/least_texts.hpp"
 #include "exportable_utils/classify/partition.hpp"
 #include "exportable_utils/classify/progress.hpp"
+#include "exportable_utils/classify/scan.hpp"
 #include "exportable_utils/classify/short_answer.hpp"
-#include "exportable_utils/classify/verdict.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::classify {
@@ -17,7 +16,7 @@ Ref date_test() {
     return global("FCplus"_py).attr("is_column_string_in_datetime_format"_py);
 }
 
-// Whether the least distinct values read as dates. A false answer is handed on as it came.
+// Whether the least distinct values are texts that the date test accepts. A false result is returned as it is.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     const Ref check_limit = capped_row_count(XX);
     progress.datetime_starts(check_limit);
@@ -27,29 +26,29 @@ Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     return flag;
 }
 
-// What the classifier concluded, beside what it gathered on the way.
-struct Found {
-    Object dtype_str;
-    Object missing_values;
-    bool unique_values_column_flag;
-    bool constant_column_flag;
-    Object datetime_column_flag;
+// What the classifier has concluded from the scan.
+struct Conclusion {
+    Kind kind_by_last_value;
+    Ref dtype_str_final;
+    Ref new_missing_values_list;
+    bool unique_values_column_flag = false;
+    bool constant_column_flag = false;
 };
 
-Ref statistics(const Partition& partition, const Scan& scan, const Found& found) {
+Ref statistics(const Partition& partition, const Scan& scan, const Conclusion& conclusion, Object datetime_flag) {
     Ref stats_dict = Ref::take(PyDict_New());
     const Keyword entries[] = {
-        {"dtype_str"_py, found.dtype_str},
-        {"missing_values"_py, found.missing_values},
+        {"dtype_str"_py, conclusion.dtype_str_final},
+        {"missing_values"_py, conclusion.new_missing_values_list},
         {"unique_values"_py, partition.XX},
         {"unique_values_counts"_py, partition.xx_xounts},
         {"missing_mask"_py, partition.cum_missing_mask_arr.get()},
-        {"dtypes_cnt"_py, scan.dtypes_cnt.dictionary()},
-        {"dtypes_weighted_cnt_dict"_py, scan.dtypes_weighted_cnt.dictionary()},
+        {"dtypes_cnt"_py, scan.counts.distinct_by_word()},
+        {"dtypes_weighted_cnt_dict"_py, scan.counts.rows_by_word()},
         {"weird_new_missing_values_list"_py, scan.weird_new_missing_values_list},
-        {"unique_values_column_flag"_py, found.unique_values_column_flag},
-        {"constant_column_flag"_py, found.constant_column_flag},
-        {"datetime_column_flag"_py, found.datetime_column_flag},
+        {"unique_values_column_flag"_py, conclusion.unique_values_column_flag},
+        {"constant_column_flag"_py, conclusion.constant_column_flag},
+        {"datetime_column_flag"_py, datetime_flag},
         {"monotonic_column_flag"_py, false},
         {"contiguous_column_flag"_py, false},
     };
@@ -57,37 +56,77 @@ Ref statistics(const Partition& partition, const Scan& scan, const Found& found)
     return stats_dict;
 }
 
-// Asks the date test about the least distinct texts. False, and nothing asked, where those are not for memory to say.
-// The column and the list are read anew: the answer's own list may have started the collector.
-bool ask_least_texts(Object X, Object missing_values_reference_list) {
+// The short answer, if only the pair is wanted. FC's own date test has no effect but its result, which the pair does
+// not depend on. A replacement may have other effects: it is called with the 50 least distinct texts, or, if these
+// cannot be found natively, there is no short answer.
+Ref answer_shortly(const Question& question, NativeArguments& arguments) {
     constexpr std::size_t sample_size = 50;
-    const std::optional<ArrayColumn> column = single_column(X);
-    if (!column) return false;
-    const std::optional<references::References> markers =
-        references::read_references(missing_values_reference_list, *column);
-    if (!markers) return false;
-    const std::optional<Ref> sample = least_texts(*column, *markers, sample_size);
-    if (!sample) return false;
-    static_cast<void>(truth(date_test()({*sample})));
-    return true;
+    const bool pair_only = question.use_dtype_str1_flag.is(Py_True) && question.return_stats_flag.is(Py_False);
+    if (!pair_only || !question.plain() || !arguments.known()) return {};
+    const bool date_test_is_silent = lookups_and_date_test_unchanged();
+    Ref sample;
+    Ref answer = native_route([&]() -> Ref {
+        Ref pair = short_answer(arguments, question.first_only());
+        if (!pair || date_test_is_silent) return pair;
+        sample = least_texts(arguments, sample_size);
+        return sample ? std::move(pair) : Ref();
+    });
+    if (answer && sample) static_cast<void>(truth(date_test()({sample})));
+    return answer;
 }
 
-// The short answer straight from the column's memory, where nobody asks for more and nobody could tell the difference.
-// Our own date test has no effect but its answer, which is not told; any other is asked, for whatever it may do.
-std::optional<Answer> native_answer(Object X, Object missing_values_reference_list, bool first_only) {
-    const bool date_test_is_silent = lookups_and_date_test_unchanged();
-    if (!date_test_is_silent && !lookups_unchanged()) return std::nullopt;
-    const std::optional<ArrayColumn> column = single_column(X);
-    if (!column) return std::nullopt;
-    const std::optional<references::References> markers =
-        references::read_references(missing_values_reference_list, *column);
-    if (!markers) return std::nullopt;
-    std::optional<Answer> answer = answer_for(*column, *markers);
-    if (!answer) return std::nullopt;
-    // Rows with the other markers of the list would not count as missing.
-    if (first_only && PyList_GET_SIZE(answer->misslist.get()) > 1) return std::nullopt;
-    if (!date_test_is_silent && !ask_least_texts(X, missing_values_reference_list)) return std::nullopt;
-    return answer;
+Scan scan_partition(const Partition& partition, Progress& progress) {
+    const Ref missing_rows = subtract(row_count(partition.X), partition.non_missing_rows);
+    progress.scan_starts(partition.XX);
+    Scan scan = scan_distinct_values(partition.XX, partition.xx_xounts, partition.missing_values_list, missing_rows);
+    progress.scan_ends(partition.XX);
+    return scan;
+}
+
+Ref markers_of(const Partition& partition, const Scan& scan, bool texts_are_markers) {
+    Ref markers = Ref::share(partition.missing_reference_values_exist_list);
+    if (texts_are_markers) markers = add(markers, scan.start_missing_string_values(partition.XX));
+    return add(markers, scan.weird_new_missing_values_list);
+}
+
+// Scans the distinct values and decides.
+Conclusion conclude(const Question& question, const Partition& partition, Scan& scan, bool other_rows) {
+    const core::VerdictFacts facts = scan.facts(other_rows);
+    Conclusion conclusion;
+    conclusion.kind_by_last_value = decide(facts, core::Rule::by_last_value).kind;
+    const bool by_counts = truth(question.use_dtype_str1_flag);
+    const core::Verdict verdict = decide(facts, by_counts ? core::Rule::by_counts : core::Rule::by_last_value);
+    conclusion.dtype_str_final = Ref::share(name_of(verdict.kind).text);
+    conclusion.new_missing_values_list = markers_of(partition, scan, verdict.texts_are_markers);
+    return conclusion;
+}
+
+// All steps: the rows that are missing, the distinct values, the scan, the date test.
+Ref classify(const Question& question, const NativeArguments& arguments) {
+    Progress progress(question.debug);
+    progress.column(question.X);
+    const Partition partition = partition_column(question, arguments);
+    const Ref& XX = partition.XX;
+    const bool other_rows = !equal(partition.non_missing_rows, 0);
+    const Ref distinct_values = row_count(XX);
+    const bool unique_values_column_flag = equal(distinct_values, partition.non_missing_rows);
+    const bool constant_column_flag = equal(row_count(XX), 1) || !other_rows;
+
+    Scan scan = scan_partition(partition, progress);
+    Conclusion conclusion = conclude(question, partition, scan, other_rows);
+    conclusion.unique_values_column_flag = unique_values_column_flag;
+    conclusion.constant_column_flag = constant_column_flag;
+    const auto pair = [&] { return tuple({conclusion.new_missing_values_list, conclusion.dtype_str_final}); };
+    // FC's own date test has no effect but its result, which only the statistics report.
+    if (partition.natively && question.return_stats_flag.is(Py_False) && lookups_and_date_test_unchanged()) {
+        return pair();
+    }
+    const Ref datetime_flag = find_datetime_flag(XX, conclusion.kind_by_last_value, progress);
+    progress.order_and_gaps(capped(partition.non_missing_rows));
+    progress.end();
+    if (!truth(question.return_stats_flag)) return pair();
+    return tuple({conclusion.new_missing_values_list, conclusion.dtype_str_final,
+                  statistics(partition, scan, conclusion, datetime_flag)});
 }
 
 }  // namespace
@@ -150,53 +189,13 @@ Examples
     .lookups = {"numpy_flatten_column", "numpy_compute_missing_indicator", "get_unique_values", "np.nan", "isint",
                 "isfloat", "six.string_types", "np.float", "np.integer", "numbers.Integral", "np.bool_",
                 "FCplus.is_column_string_in_datetime_format"},
-    .body = [](Object column, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug,
+    .body = [](Object X, Object missing_values_reference_list, Object stop_at_one_missing_value_flag, Object debug,
                Object use_dtype_str1_flag, Object return_stats_flag) -> Ref {
-        const bool short_question = PyBool_Check(stop_at_one_missing_value_flag.get()) && debug.is(Py_False) &&
-                                    use_dtype_str1_flag.is(Py_True) && return_stats_flag.is(Py_False);
-        if (short_question) {
-            const bool first_only = stop_at_one_missing_value_flag.is(Py_True);
-            if (const auto answer = native_answer(column, missing_values_reference_list, first_only)) {
-                return tuple({answer->misslist, text(answer->kind)});
-            }
-        }
-        Progress progress(debug);
-        progress.column(column);
-        const Partition partition =
-            partition_column(column, missing_values_reference_list, stop_at_one_missing_value_flag, debug);
-        const Ref& XX = partition.XX;
-        const Kind initial = equal(partition.non_missing_rows, 0) ? Kind::missing : Kind::unknown;
-        const Ref distinct_values = row_count(XX);
-        const bool unique_values_column_flag = equal(distinct_values, partition.non_missing_rows);
-        const bool constant_column_flag = equal(row_count(XX), 1) || initial == Kind::missing;
-
-        Scan scan(subtract(row_count(partition.X), partition.non_missing_rows));
-        scan.dtype_str = initial;
-        progress.scan_starts(XX);
-        scan.run(XX, partition.xx_xounts, partition.missing_values_list);
-        progress.scan_ends(XX);
-
-        const Kind dtype_str = scan.found_float_str_flag && scan.found_int_str_flag ? Kind::float_str : scan.dtype_str;
-        const Verdict verdict = decide(scan, initial);
-        const bool by_counts = truth(use_dtype_str1_flag);
-        const Ref dtype_str_final = Ref::share(text(by_counts ? verdict.dtype_str1 : dtype_str).text);
-        Ref new_missing_values_list = Ref::share(partition.missing_reference_values_exist_list);
-        if (!by_counts || verdict.start_missing_string_values_list_flag) {
-            new_missing_values_list = add(new_missing_values_list, scan.start_missing_string_values(XX));
-        }
-        new_missing_values_list = add(new_missing_values_list, scan.weird_new_missing_values_list);
-
-        if (partition.natively && return_stats_flag.is(Py_False) && lookups_and_date_test_unchanged()) {
-            return tuple({new_missing_values_list, dtype_str_final});
-        }
-        const Ref datetime_column_flag = find_datetime_flag(XX, dtype_str, progress);
-        progress.order_and_gaps(capped(partition.non_missing_rows));
-        progress.end();
-        if (!truth(return_stats_flag)) return tuple({new_missing_values_list, dtype_str_final});
-
-        const Found found{dtype_str_final, new_missing_values_list, unique_values_column_flag, constant_column_flag,
-                          datetime_column_flag};
-        return tuple({new_missing_values_list, dtype_str_final, statistics(partition, scan, found)});
+        const Question question{X,     missing_values_reference_list, stop_at_one_missing_value_flag,
+                                debug, use_dtype_str1_flag,           return_stats_flag};
+        NativeArguments arguments(X, missing_values_reference_list);
+        if (Ref answer = answer_shortly(question, arguments)) return answer;
+        return classify(question, arguments);
     },
 };
 

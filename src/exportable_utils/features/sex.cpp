@@ -22,8 +22,8 @@ core::TextView view(std::string_view text) noexcept {
 
 // pandas compares texts up to their first zero, so a text that holds one takes the interpreter route.
 bool holds_zero(core::TextView text) noexcept {
-    for (std::size_t i = 0; i < text.length; ++i) {
-        if (core::character(text, i) == 0) return true;
+    for (std::size_t i = 0; i < text.size; ++i) {
+        if (core::unit(text, i) == 0) return true;
     }
     return false;
 }
@@ -54,11 +54,11 @@ class SexWords {
     }
     // The bit of the word that the text equals, or 0. Without branches on the word: they could not be predicted.
     [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
-        if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
+        if (!text.is_padded() || text.size - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
         const auto is = [&](const SexWord& word) {
             return static_cast<core::ReferenceBits>((characters == word.characters) &
-                                                    (text.length == word.text.size()));
+                                                    (text.size == word.text.size()));
         };
         return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
     }

@@ -85,7 +85,7 @@ bool unchanged_by_asarray(const References& references) noexcept {
         if (!is_plain_text(reference)) continue;
         texts = true;
         const std::optional<core::TextView> text = text_view_of(reference.get());
-        if (!text || (text->length != 0 && core::character(*text, text->length - 1) == 0)) return false;
+        if (!text || (text->size != 0 && core::unit(*text, text->size - 1) == 0)) return false;
     }
     return !texts || references.numbers.empty();
 }

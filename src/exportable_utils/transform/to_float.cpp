@@ -32,7 +32,7 @@ std::optional<double> float_of(core::TextView text) {
     if (core::value_of_number(text, value)) return value;
     if (core::classify_number(text) == core::NumberText::none) return std::nullopt;
     const Ref copy =
-        Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.length)));
+        Ref::adopt(PyUnicode_FromKindAndData(text.width, text.characters, static_cast<Py_ssize_t>(text.size)));
     const Ref number = Ref::adopt(copy ? PyFloat_FromString(copy.get()) : nullptr);
     if (number) return PyFloat_AS_DOUBLE(number.get());
     PyErr_Clear();

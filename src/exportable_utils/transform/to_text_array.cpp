@@ -46,7 +46,7 @@ class ObjectTexts {
             cells.prefetch(row + core::prefetch_distance);
             core::TextView text{};
             if (cells.read(row, text) == core::Cell::text) {
-                width_ = std::max(width_, text.length);
+                width_ = std::max(width_, text.size);
                 continue;
             }
             PyObject* value = column.object(row);
@@ -70,9 +70,9 @@ class ObjectTexts {
                 written_ += length;
             } else {
                 core::TextView text{};
-                if (cells.read(row, text) != core::Cell::text || text.length > width_) return false;
-                length = text.length;
-                for (std::size_t i = 0; i < length; ++i) to[i] = core::character(text, i);
+                if (cells.read(row, text) != core::Cell::text || text.size > width_) return false;
+                length = text.size;
+                for (std::size_t i = 0; i < length; ++i) to[i] = core::unit(text, i);
             }
             end_text(to, length, width_);
         }

@@ -96,8 +96,9 @@ class ObjectCells {
                 const bool ascii = header->state.ascii;
                 const char* characters = reinterpret_cast<const char*>(value) +
                                          (ascii ? sizeof(PyASCIIObject) : sizeof(PyCompactUnicodeObject));
+                const bool padded = ascii && std::endian::native == std::endian::little;
                 text = {characters, static_cast<std::size_t>(header->length), static_cast<int>(header->state.kind),
-                        ascii && std::endian::native == std::endian::little};
+                        padded ? core::Encoding::padded_ascii : core::Encoding::fixed_width};
                 return core::Cell::text;
             }
         } else if (value != nullptr && is_exact_null(value)) {
