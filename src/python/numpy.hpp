@@ -38,6 +38,8 @@ inline bool is_plain_text(Object value) noexcept {
 Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 Ref new_array(std::size_t size, int type, Where where = Where::current());
 Ref new_zeros(std::size_t size, int type, Where where = Where::current());
+// Elements that are objects are null, which numpy reads as None.
+Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 
 // np.<name>, an alias of a built-in type that numpy has given up: where the numpy in use does not hold it, the
 // built-in type itself, without numpy's warning or refusal.
