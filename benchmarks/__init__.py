@@ -1,1 +1,1 @@
-"""How long the routines take, beside their interpreter route and what one would use instead."""
+"""Times of the routines, of their interpreter route and of peers."""

@@ -1,4 +1,4 @@
-"""The same cases for asv: three classes, so that each of them is on one route."""
+"""The cases for asv, with a class for each route and one for the peers."""
 
 from __future__ import annotations
 
@@ -25,7 +25,7 @@ class _Routine:
         self.call = case.routine.call
         self.subject = case.subject(build(case.spec, rows))
         if case.routine.copied:
-            # One call for each set-up, since it writes into its argument.
+            # It writes into its argument: one call for each set-up.
             self.number = 1
 
     def time_call(self, *_params: Any) -> None:
@@ -34,35 +34,35 @@ class _Routine:
 
 
 class NativeRoute(_Routine):
-    """The routines as they are."""
+    """The routines."""
 
     def peakmem_call(self, *_params: Any) -> None:
-        """Measure the process, the column included."""
+        """Measure the process, including the column."""
         self.call(self.subject)
 
 
 class InterpreterRoute(_Routine):
-    """The routines with one of their names replaced."""
+    """The routines, forced to their interpreter route."""
 
     def setup(self, name: str, rows: int) -> None:
-        """Make the argument of the call and replace the name."""
+        """Make the argument of the call and force the route."""
         super().setup(name, rows)
         self.replaced = interpreter_route()
         self.replaced.__enter__()
 
     def teardown(self, *_params: Any) -> None:
-        """Put the name back."""
+        """Release the route."""
         self.replaced.__exit__(None, None, None)
 
 
 class Peer(_Routine):
-    """What one would use instead; the first one where there are several."""
+    """The first peer."""
 
     def setup(self, name: str, rows: int) -> None:
         """Make the argument of the peer's call."""
         case = CASES[name]
         if not case.peers:
-            raise NotImplementedError  # asv's word for a case that does not exist
+            raise NotImplementedError  # tells asv to skip the case
         peer = case.peers[0]
         self.call = peer.call
         self.subject = peer.subject(build(case.spec, rows))

@@ -1,4 +1,4 @@
-"""What a call costs: tests of single values, and columns of 10 and 100 elements."""
+"""Cost of a call: tests of single values, columns of 10 and 100 elements."""
 
 from __future__ import annotations
 
@@ -6,7 +6,7 @@ import re
 import timeit
 from typing import Any, Callable, Iterator, NamedTuple, Optional, Sequence
 
-from benchmarks import table
+from benchmarks import records, table
 from benchmarks.columns import MARKERS, ColumnSpec, build
 from benchmarks.peers import PEERS
 from benchmarks.timing import route
@@ -15,7 +15,7 @@ from quorin_libs.utils import exportable_utils as eu
 SHORTEST_SAMPLE = 0.005
 
 
-# The same bodies in Python, for what a call of one of them costs there.
+# The same bodies as Python functions.
 def plain_isint(value: Any) -> bool:
     """`isint` in Python."""
     try:
@@ -45,7 +45,7 @@ def plain_compress(s: str, compress_type: str = "string") -> Any:
 
 
 class Question(NamedTuple):
-    """A statement and what it is timed beside; `names` is what both of them see."""
+    """A statement, the statements to compare with, and the names that they use."""
 
     name: str
     statement: str
@@ -55,15 +55,28 @@ class Question(NamedTuple):
 
 
 class Answer(NamedTuple):
-    """Seconds per call; the statement's own, then each of the others'."""
+    """Seconds per call of the statement and of each of the others."""
 
     name: str
     seconds: float
     beside: dict[str, float]
 
-    def as_json(self) -> dict[str, Any]:
-        """Return the answer as JSON holds it."""
-        return self._asdict()
+    @property
+    def peer(self) -> Optional[str]:
+        """The name of the peer, if the question has one."""
+        return next((name for name in self.beside if name not in NO_PEERS), None)
+
+    def as_row(self) -> tuple[str, ...]:
+        """Return the answer as CSV holds it: nanoseconds per call, under `HEADER`."""
+        others = (*NO_PEERS, self.peer)
+        times = [self.beside[name] * 1e9 if name in self.beside else None for name in others]
+        interpreter, plain, builtin, peer = map(records.number, times)
+        own = records.number(self.seconds * 1e9)
+        return (self.name, own, interpreter, plain, builtin, self.peer or "", peer)
+
+
+NO_PEERS = ("interpreter", "plain def", "len")
+HEADER = ("call", "native", "interpreter", "plain_def", "len", "peer", "peer_time")
 
 
 def _scalars() -> Iterator[Question]:
@@ -131,7 +144,7 @@ def _measure(question: Question, repeat: int) -> Answer:
 
 
 def run(repeat: int, filters: Sequence[str]) -> list[Answer]:
-    """Time what the filters choose."""
+    """Time the questions that match the filters."""
     progress = table.Progress()
     answers = []
     for question in (*_scalars(), *_small_columns()):
@@ -149,18 +162,15 @@ def _ratio(answer: Answer, name: Optional[str]) -> str:
 
 
 def as_text(answers: Sequence[Answer]) -> str:
-    """Return nanoseconds per call and how many times as long the others take."""
-    rows = []
-    for answer in answers:
-        others = [name for name in answer.beside if name not in ("interpreter", "plain def", "len")]
-        peer = others[0] if others else None
-        rows.append(
-            (
-                answer.name,
-                "{:,.0f}".format(answer.seconds * 1e9),
-                *(_ratio(answer, name) for name in ("len", "plain def", "interpreter", peer)),
-                peer or "",
-            )
+    """Return a table of nanoseconds per call and ratios of the others."""
+    rows = (
+        (
+            answer.name,
+            "{:,.0f}".format(answer.seconds * 1e9),
+            *(_ratio(answer, name) for name in ("len", "plain def", "interpreter", answer.peer)),
+            answer.peer or "",
         )
+        for answer in answers
+    )
     header = ("call", "ns", "len", "plain def", "interpreter", "peer", "peer's name")
     return table.align(header, rows, left=("call", "peer's name"))

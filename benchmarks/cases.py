@@ -1,4 +1,4 @@
-"""The cases: routines, the columns they are timed on, and what one would use instead."""
+"""The cases: routines, the columns that they are timed on, and peers."""
 
 from __future__ import annotations
 
@@ -10,36 +10,36 @@ from benchmarks.columns import KINDS, ColumnSpec
 from benchmarks.peers import PEERS, Peer, as_frame
 from benchmarks.routines import ROUTINES, Routine
 
-# What one axis at a time is varied from.
+# The grid "axes" varies one property of it at a time.
 BASE = ColumnSpec(kind="words")
 
 MISSING = (0.0, 0.5)
 DISTINCT = (3, 1000)
 ORDERS = ("shuffled", "shared")
 
-# Kinds whose cells are objects, which lie somewhere.
+# Kinds whose cells are objects, anywhere in memory.
 SCATTERED = frozenset(name for name, kind in KINDS.items() if kind.dtype is object)
 
 
 class Case(NamedTuple):
-    """A routine on a column; its length is chosen when it is run."""
+    """A routine on a column of any length."""
 
     routine: Routine
     spec: ColumnSpec
 
     @property
     def name(self) -> str:
-        """The name that --filter searches."""
+        """The name that --filter matches."""
         return "{}/{}".format(self.routine.name, self.spec.label)
 
     @property
     def peers(self) -> tuple[Peer, ...]:
-        """What one would use instead on such a column; none for some."""
+        """The peers for such a column, if any."""
         return PEERS.get((self.routine.job, self.spec.kind), ())
 
     @property
     def subject(self) -> Callable[[Any], Any]:
-        """What makes the routine's argument out of the column."""
+        """The function that makes the routine's argument from the column."""
         return as_frame if self.routine.takes_frame else _itself
 
 
@@ -90,7 +90,7 @@ GRIDS = {"base": _only_base, "axes": _one_axis, "full": _every}
 def cases(grid: str = "base") -> list[Case]:
     """Return every routine on each of its kinds of column.
 
-    "base" takes one column of each kind, "axes" varies one property of it at a time, "full" all of
+    "base" has one column of each kind, "axes" varies one property of it at a time, "full" all of
     them together.
     """
     found = (
@@ -99,10 +99,10 @@ def cases(grid: str = "base") -> list[Case]:
         for kind in routine.kinds
         for spec in GRIDS[grid](kind)
     )
-    # Where missing values are left out, columns that differ in their share are the same.
+    # Without missing values, columns that differ in their share are equal.
     return list(dict.fromkeys(found))
 
 
 def elements(subject: Any) -> int:
-    """Return how many cells a routine is given."""
+    """Return the number of cells."""
     return int(np.prod(np.shape(subject)))

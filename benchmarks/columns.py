@@ -1,4 +1,4 @@
-"""Columns to time on: kind of cell, share of missing, number of distinct values, heap order."""
+"""Columns to time on: kind of cell, share of missing, number of distinct values, memory order."""
 
 from __future__ import annotations
 
@@ -7,20 +7,20 @@ from typing import Any, Callable, NamedTuple, Optional
 
 import numpy as np
 
-# Three texts and NaN: what the routines are given as their list of missing values.
+# The marker list for the routines.
 MARKERS = ["?", "", "-", np.nan]
 
 TABLE_WIDTH = 8
 
-# The share of cells that hold the undeclared marker, or a float among words.
+# The share of cells with the marker that is not listed, or with a float among words.
 ODD_SHARE = 0.1
 
 
 class ColumnSpec(NamedTuple):
-    """What a column holds, whatever its length.
+    """The properties of a column, but for its length.
 
-    `order` says where the cells lie: "fresh" one behind the other as they were made, "shuffled"
-    anywhere, "shared" as few objects that many rows point to.
+    `order` is that of the objects in memory: "fresh" in row order, "shuffled" scattered, "shared"
+    few objects that many rows point to.
     """
 
     kind: str
@@ -30,7 +30,7 @@ class ColumnSpec(NamedTuple):
 
     @property
     def label(self) -> str:
-        """The part of a case's name that tells of its column: the kind, and what is unusual."""
+        """The part of a case's name for its column: the kind and properties that are no default."""
         defaults = self._field_defaults
         parts = [self.kind]
         if self.missing != defaults["missing"]:
@@ -43,18 +43,18 @@ class ColumnSpec(NamedTuple):
 
 
 class Kind(NamedTuple):
-    """How to make so many values, what stands for missing among them, and as what they are held."""
+    """A function that makes values, the markers among them, and the dtype of the column."""
 
     values: Callable[[Any, int], Any]
     holes: tuple[Any, ...] = ()
     dtype: Any = object
-    counted: bool = True  # whether a number of distinct values makes sense
+    counted: bool = True  # whether the number of distinct values can be chosen
 
 
 def _words(rng: Any, rows: int) -> Any:
     letters = rng.integers(97, 123, (rows, 12)).astype(np.uint32)
     lengths = rng.integers(4, 13, rows)
-    # Trailing zeros are no part of a fixed-width text, so this makes words of unequal length.
+    # Trailing zeros end a fixed-width text: words of unequal length.
     letters[np.arange(12) >= lengths[:, None]] = 0
     return np.ascontiguousarray(letters).view("U12").ravel()
 
@@ -88,7 +88,7 @@ def _integers(rng: Any, rows: int) -> Any:
 
 
 def _heights(rng: Any, rows: int) -> Any:
-    # In inches, and inside what the detector allows, so that it has to look at every value.
+    # Inches, all within the limits of the detector, so that it reads every value.
     return np.clip(rng.normal(66.4, 2.5, rows), 58.0, 75.0)
 
 
@@ -140,7 +140,7 @@ TABLES = {
 
 @functools.lru_cache(maxsize=None)
 def every_eighth(rows: int) -> Any:
-    """Return a mask; it is made once, before anything is timed."""
+    """Return a mask, made once before anything is timed."""
     return np.arange(rows) % 8 == 0
 
 
@@ -160,7 +160,7 @@ def build(spec: ColumnSpec, rows: int, seed: int = 0) -> Any:
         pool = kind.values(rng, min(spec.distinct, rows))
         if spec.order == "shared":
             pool = pool.astype(kind.dtype)
-        # Cells made from a pool of plain values are objects of their own, as a reader makes them.
+        # Unless shared, every cell becomes an object of its own, as readers of files make them.
         column = pool[rng.integers(0, len(pool), rows)].astype(kind.dtype)
     if kind.holes and spec.missing:
         missing = np.flatnonzero(rng.random(rows) < spec.missing)

@@ -1,4 +1,4 @@
-"""Cost per element and memory as columns grow."""
+"""Cost per element and memory by length."""
 
 from __future__ import annotations
 
@@ -6,9 +6,9 @@ import contextlib
 import ctypes
 import pathlib
 import re
-from typing import Any, Callable, NamedTuple, Optional, Sequence
+from typing import Any, Callable, Mapping, NamedTuple, Optional, Sequence
 
-from benchmarks import table
+from benchmarks import records, table
 from benchmarks.columns import MARKERS, ColumnSpec, build
 from benchmarks.timing import Contestant, compare
 from quorin_libs.utils import exportable_utils as eu
@@ -43,24 +43,38 @@ ROUTINES: tuple[tuple[str, Callable[[Any], Any], ColumnSpec], ...] = (
 
 
 class Point(NamedTuple):
-    """A routine at one length; `memory` in bytes above what was there before the call."""
+    """A routine at one length; `memory` is the growth of the process in bytes."""
 
     case: str
     rows: int
     nanoseconds_per_element: float
     memory: Optional[int]
 
+    def as_row(self) -> tuple[str, ...]:
+        """Return the point as CSV holds it, under `HEADER`."""
+        memory = "" if self.memory is None else str(self.memory)
+        cost = records.number(self.nanoseconds_per_element)
+        return (self.case, str(self.rows), cost, memory)
+
+    @classmethod
+    def from_row(cls, line: Mapping[str, str]) -> Point:
+        """Return the point of a line of CSV."""
+        memory = int(line["peak_bytes"]) if line["peak_bytes"] else None
+        return cls(line["case"], int(line["rows"]), float(line["native"]), memory)
+
+
+HEADER = ("case", "rows", "native", "peak_bytes")
+
 
 def peak_memory(call: Callable[[Any], Any], subject: Any) -> Optional[int]:
-    """Return by how much the process grew at most while the call ran, its result included.
+    """Return the peak growth of the process during the call in bytes, including its result.
 
-    None where the system does not say. What a small column takes hides in memory that the process
-    holds anyway.
+    None if the system does not report it. Small columns use memory that the process already has.
     """
     with contextlib.suppress(AttributeError, OSError):
-        ctypes.CDLL(None).malloc_trim(0)  # glibc: what was freed before would be used first, unseen
+        ctypes.CDLL(None).malloc_trim(0)  # glibc: else freed memory is reused
     try:
-        RESET.write_text("5", encoding="ascii")  # the high-water mark starts at the present size
+        RESET.write_text("5", encoding="ascii")  # resets the high-water mark
         before = _high_water()
         call(subject)
         return _high_water() - before
@@ -76,7 +90,7 @@ def _high_water() -> int:
 
 
 def run(lengths: Sequence[int], repeat: int, filters: Sequence[str]) -> list[Point]:
-    """Measure each routine at each length; a column goes before the next one is made."""
+    """Measure each routine at each length, with one column in memory at a time."""
     progress = table.Progress()
     points = []
     for routine, call, spec in ROUTINES:
@@ -86,17 +100,17 @@ def run(lengths: Sequence[int], repeat: int, filters: Sequence[str]) -> list[Poi
         for rows in lengths:
             progress.show("{} {:,} rows".format(case, rows))
             column = build(spec, rows)
-            # Before anything is timed: that would leave freed memory behind.
+            # Before timing, which leaves freed memory behind.
             memory = peak_memory(call, column)
-            (times,) = compare([Contestant(case, call, column)], repeat)
-            points.append(Point(case, rows, times.least / rows * 1e9, memory))
+            (seconds,) = compare([Contestant(case, call, column)], repeat)
+            points.append(Point(case, rows, seconds / rows * 1e9, memory))
             del column
     progress.show("")
     return points
 
 
 def as_text(points: Sequence[Point]) -> str:
-    """Return nanoseconds per element by length, and bytes per element at the last one."""
+    """Return a table of nanoseconds per element by length and bytes per element at the last."""
     lengths = sorted({point.rows for point in points})
     found = {(point.case, point.rows): point for point in points}
     rows = []

@@ -1,4 +1,4 @@
-"""What one would use instead, by the job and the kind of column."""
+"""Peers: calls that one would use instead, by the job and the kind of column."""
 
 from __future__ import annotations
 
@@ -13,8 +13,8 @@ from benchmarks.columns import MARKERS, every_eighth
 class Peer(NamedTuple):
     """A call of numpy or pandas.
 
-    `subject` makes its argument from the column beforehand, untimed: nobody who uses it starts
-    from an array. `note` says what of the routine's work it leaves out.
+    `subject` makes its argument from the column, which is not timed. `note` says what part of the
+    routine's work it leaves out.
     """
 
     name: str
@@ -29,13 +29,13 @@ def as_array(column: Any) -> Any:
 
 
 def as_series(column: Any) -> Any:
-    """Return a Series of the column's own objects; fixed-width text is none of pandas' types."""
+    """Return a Series of the column's objects; of fixed-width text, which pandas lacks, objects."""
     dtype = object if column.dtype.kind == "U" else column.dtype
     return pd.Series(column.astype(dtype, copy=False), dtype=dtype)
 
 
 def as_frame(column: Any) -> Any:
-    """Return a frame of the column's own objects, with columns 0, 1 and so on."""
+    """Return a frame of the column's objects, with columns 0, 1 and so on."""
     return pd.DataFrame(column, dtype=column.dtype if column.dtype.kind != "U" else object)
 
 
@@ -130,7 +130,7 @@ _OBJECT_NUMBERS = ("object_floats", "object_ints")
 _ANY = (*_OBJECT_TEXT, *_FIXED_TEXT, "mixed", *_NUMBERS, *_OBJECT_NUMBERS)
 _LABELS = ("labels", "U_labels")
 
-# A job, the kinds of column, what does it there.
+# A job, the kinds of column, the peers.
 _BY_JOB: list[tuple[str, tuple[str, ...], tuple[Peer, ...]]] = [
     ("kind", (*_OBJECT_TEXT, "object_floats"), (INFER_DTYPE,)),
     ("kind", ("mixed", "object_ints"), (FIRST_ODD,)),

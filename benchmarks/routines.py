@@ -1,4 +1,4 @@
-"""The routines that are timed. Those of a single numpy or pandas call are left out."""
+"""The routines to time, except those that are a single numpy or pandas call."""
 
 from __future__ import annotations
 
@@ -10,10 +10,10 @@ from quorin_libs.utils.exportable_utils import FCplus
 
 
 class Routine(NamedTuple):
-    """A call of a routine with everything but its column.
+    """A call of a routine with all arguments but its column.
 
-    `job` names what peers are looked up by; `copied` says that the call writes into its argument,
-    `stops_at_missing` that it has nothing more to do once it has seen a missing value.
+    `job` is the key of its peers. `copied`: the call writes into its argument.
+    `stops_at_missing`: it returns at the first missing value.
     """
 
     name: str
@@ -31,8 +31,8 @@ FLOATS = ("float64", "float64_whole", "float32")
 NUMBERS = (*FLOATS, "int64", "bool")
 OBJECT_NUMBERS = ("object_floats", "object_ints")
 ALL = (*TEXT, "mixed", *NUMBERS, *OBJECT_NUMBERS)
-# Without the column of texts and numbers: it has no order, and where the classifier keeps a list of
-# its texts the interpreter route takes quadratic time. One such case is enough.
+# Without the column of texts and numbers, which cannot be sorted: the interpreter route of the
+# classifier takes quadratic time there. One such case is enough.
 SORTED = (*TEXT, *NUMBERS, *OBJECT_NUMBERS)
 NUMBER_TEXT = ("integer_text", "float_text", "U_integer_text", "object_floats", "object_ints")
 OBJECTS_AND_FLOATS = ("object_table", "float_table")

@@ -1,71 +1,69 @@
-"""Running cases and printing what came out as aligned columns."""
+"""Runs cases and prints a table."""
 
 from __future__ import annotations
 
 import platform
 import sys
-from typing import Any, Iterable, NamedTuple, Optional, Sequence, TextIO
+from typing import Iterable, NamedTuple, Optional, Sequence, TextIO
 
 import numpy as np
 import pandas as pd
 
+from benchmarks import records
 from benchmarks.cases import Case, elements
 from benchmarks.columns import build
-from benchmarks.timing import Contestant, Times, compare, geometric_mean
+from benchmarks.timing import Contestant, compare, geometric_mean
 
 
 class Line(NamedTuple):
-    """A case at one length, beside one peer or none; times in seconds per call."""
+    """A case at one length with at most one peer; times in seconds per call."""
 
     case: str
     rows: int
     elements: int
-    native: Times
-    interpreter: Times
+    native: float
+    interpreter: float
     peer: Optional[str]
-    peer_times: Optional[Times]
+    peer_time: Optional[float]
     note: str
 
     @property
     def over_interpreter(self) -> float:
-        """How many times the interpreter route takes as long."""
-        return self.interpreter.least / self.native.least
+        """Time of the interpreter route divided by the routine's."""
+        return self.interpreter / self.native
 
     @property
     def over_peer(self) -> Optional[float]:
-        """How many times the peer takes as long."""
-        return self.peer_times.least / self.native.least if self.peer_times else None
+        """Time of the peer divided by the routine's."""
+        return None if self.peer_time is None else self.peer_time / self.native
 
-    def as_json(self) -> dict[str, Any]:
-        """Return the line as JSON holds it."""
-        times = {"native": self.native, "interpreter": self.interpreter, "peer": self.peer_times}
-        return {
-            "case": self.case,
-            "rows": self.rows,
-            "elements": self.elements,
-            "seconds": {name: t._asdict() for name, t in times.items() if t},
-            "interpreter_over_native": self.over_interpreter,
-            "peer_over_native": self.over_peer,
-            "peer": self.peer,
-            "note": self.note,
-        }
+    def as_row(self) -> tuple[str, ...]:
+        """Return the line as CSV holds it: nanoseconds per element, under `HEADER`."""
+        native, interpreter, peer = (
+            records.number(None if seconds is None else seconds / self.elements * 1e9)
+            for seconds in (self.native, self.interpreter, self.peer_time)
+        )
+        return (self.case, str(self.rows), native, interpreter, self.peer or "", peer, self.note)
+
+
+HEADER = ("case", "rows", "native", "interpreter", "peer", "peer_time", "note")
 
 
 class Progress:
-    """A line on standard error that is written over, if a terminal shows it."""
+    """A line on standard error that is overwritten, if that is a terminal."""
 
     def __init__(self, stream: TextIO = sys.stderr):
         self._stream = stream if stream.isatty() else None
 
     def show(self, text: str) -> None:
-        """Write the text over the last one."""
+        """Replace the line by the text."""
         if self._stream:
             self._stream.write("\r\x1b[K" + text)
             self._stream.flush()
 
 
 def run(case: Case, rows: int, repeat: int) -> list[Line]:
-    """Time one case at one length: a line for each peer, or one alone."""
+    """Time one case at one length; return a line for each peer, at least one."""
     column = build(case.spec, rows)
     routine = case.routine
     native = Contestant("native", routine.call, case.subject(column), copied=routine.copied)
@@ -79,7 +77,7 @@ def run(case: Case, rows: int, repeat: int) -> list[Line]:
 
 
 def run_all(chosen: Sequence[tuple[Case, int]], repeat: int) -> list[Line]:
-    """Time the cases one after the other; an interrupt ends it and keeps what there is."""
+    """Time the cases; after an interrupt return the lines so far."""
     progress = Progress()
     lines: list[Line] = []
     try:
@@ -93,7 +91,7 @@ def run_all(chosen: Sequence[tuple[Case, int]], repeat: int) -> list[Line]:
 
 
 def align(header: Sequence[str], rows: Iterable[Sequence[str]], *, left: Sequence[str]) -> str:
-    """Return the table as text; columns named in `left` start, all others end, together."""
+    """Return the table as text; columns named in `left` are left-aligned, others right-aligned."""
     table = [list(header), *map(list, rows)]
     widths = [max(map(len, column)) for column in zip(*table)]
     table.insert(1, ["-" * width for width in widths])
@@ -114,7 +112,7 @@ def ratio(value: Optional[float]) -> str:
 
 
 def environment() -> dict[str, str]:
-    """Return what the times depend on besides the code."""
+    """Return the versions that the times depend on."""
     return {
         "python": platform.python_version(),
         "numpy": np.__version__,
@@ -132,7 +130,7 @@ def as_text(lines: Sequence[Line]) -> str:
             (
                 line.case,
                 "{:,}".format(line.rows),
-                "{:.4g}".format(line.native.least / line.elements * 1e9),
+                "{:.4g}".format(line.native / line.elements * 1e9),
                 ratio(line.over_interpreter),
                 ratio(line.over_peer),
                 line.peer or "",
@@ -145,11 +143,11 @@ def as_text(lines: Sequence[Line]) -> str:
 
 
 def summary(lines: Sequence[Line]) -> str:
-    """Return geometric means for each length, with the least ratio and whose it is."""
+    """Return the geometric mean and the least ratio with its case for each length."""
     rows = []
     for length in sorted({line.rows for line in lines}):
         there = [line for line in lines if line.rows == length]
-        # A case has a line for each of its peers but one interpreter route.
+        # A case has one interpreter route but a line for each peer.
         routes = {line.case: line.over_interpreter for line in there}
         peers = {
             "{}, {}".format(line.case, line.peer): line.over_peer

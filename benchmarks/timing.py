@@ -1,4 +1,4 @@
-"""Times of calls that are to be compared, taken in turns."""
+"""Times calls in turns, to compare them."""
 
 from __future__ import annotations
 
@@ -12,17 +12,17 @@ import numpy as np
 
 from quorin_libs.utils import exportable_utils as eu
 
-# A sample lasts at least this long, in seconds, so that the clock and one cold call do not show.
+# Least seconds of a sample, which hides the resolution of the clock and one cold call.
 SHORTEST_SAMPLE = 0.002
 SLOW = 0.1
 MOST_CALLS = 20_000
 
 
 class Contestant(NamedTuple):
-    """One of the calls that are compared: `call(subject)`.
+    """One of the calls to compare: `call(subject)`.
 
-    `copied` gives each call a subject of its own, for calls that write into it; `forced` sends the
-    module's routines down their interpreter route.
+    `copied`: each call gets a copy of the subject, because it writes into it. `forced`: the
+    module's routines take their interpreter route.
     """
 
     name: str
@@ -32,19 +32,11 @@ class Contestant(NamedTuple):
     forced: bool = False
 
 
-class Times(NamedTuple):
-    """Seconds per call."""
-
-    least: float
-    median: float
-
-
 @contextlib.contextmanager
 def interpreter_route() -> Iterator[None]:
-    """Put a pass-through where a routine looks up another one.
+    """Force the interpreter route by binding a pass-through to a name that routines look up.
 
-    Any replaced name does. This one is called once for a column and not once for an element, so
-    the pass-through adds nothing to what is timed.
+    This name is called once for a column, not for each element, so the pass-through takes no time.
     """
     original = eu.numpy_flatten_column
 
@@ -60,9 +52,9 @@ def interpreter_route() -> Iterator[None]:
 
 @contextlib.contextmanager
 def route(*, forced: bool) -> Iterator[None]:
-    """Settle which route the calls inside take."""
+    """Choose the route of the calls inside."""
     with interpreter_route() if forced else contextlib.nullcontext():
-        # The first call after a change looks at every name again; that is not what is timed.
+        # The first call after a change looks every name up again: not timed.
         eu.numpy_whatis(_NOTHING)
         yield
 
@@ -81,13 +73,13 @@ def _sample(contestant: Contestant, calls: int) -> float:
     return (clock() - start) / calls
 
 
-def compare(contestants: Sequence[Contestant], repeat: int) -> list[Times]:
-    """Time all of them `repeat` times in turns: A B C, A B C, and so on."""
+def compare(contestants: Sequence[Contestant], repeat: int) -> list[float]:
+    """Time all of them in turns (A B C, A B C) and return the least seconds per call of each."""
     calls = []
     for contestant in contestants:
         with route(forced=contestant.forced):
             once = _sample(contestant, 1)
-            if once < SLOW:  # the first call ever imports, caches and allocates
+            if once < SLOW:  # the first call imports, caches and allocates
                 once = _sample(contestant, 1)
         calls.append(max(1, min(MOST_CALLS, math.ceil(SHORTEST_SAMPLE / max(once, 1e-9)))))
     samples: list[list[float]] = [[] for _ in contestants]
@@ -102,9 +94,9 @@ def compare(contestants: Sequence[Contestant], repeat: int) -> list[Times]:
     finally:
         if collecting:
             gc.enable()
-    return [Times(min(seconds), float(np.median(seconds))) for seconds in samples]
+    return [min(seconds) for seconds in samples]
 
 
 def geometric_mean(ratios: Sequence[float]) -> float:
-    """Return the mean that treats "twice as fast" and "half as fast" as opposites."""
+    """Return the geometric mean."""
     return math.exp(sum(map(math.log, ratios)) / len(ratios)) if ratios else math.nan

@@ -1,15 +1,13 @@
 """Settings of the documentation.
 
-Sphinx with numpydoc: Sphinx imports the built module and asks every routine for its signature and
-its docstring, so that the pages say what was built, not what a source or a stub says about it. The
-docstrings are numpydoc's, and numpydoc needs nothing else to read them. No page asks the network
-for anything, so the build gives the same result everywhere.
+Sphinx imports the built module and takes signatures and docstrings (numpydoc) from it, not from
+sources or the stub. No page needs the network.
 
-Needed: ``sphinx``, ``numpydoc`` and the installed package. Warnings are errors::
+Needs the ``docs`` extra and the installed package. Warnings are errors::
 
     sphinx-build -E -W --keep-going -n docs build/docs
 """
-# ruff: noqa: INP001 -- Sphinx reads this file; nobody imports it.
+# ruff: noqa: INP001 -- Sphinx reads this file by its path.
 
 from __future__ import annotations
 
@@ -28,7 +26,7 @@ import quorin_libs
 from quorin_libs import cli
 from quorin_libs.utils import exportable_utils, fc_methods
 
-sys.path.insert(0, str(pathlib.Path(__file__).parent))  # the directives of measured.py
+sys.path.insert(0, str(pathlib.Path(__file__).parent))  # measured.py
 
 project = "quorin_libs"
 author = "quorin_libs developers"
@@ -44,20 +42,19 @@ html_theme_options = {
     "page_width": "1000px",
     "sidebar_width": "230px",
 }
-# The routines of a page stand beside it.
+# The sidebar lists the routines of the page.
 html_sidebars = {"**": ["about.html", "searchbox.html", "localtoc.html", "navigation.html"]}
 toc_object_entries_show_parents = "hide"
 html_static_path = ["_static"]
 html_css_files = ["measured.css"]
 html_show_sourcelink = False
 
-# The routines' few annotations are coarser than the types their docstrings state.
+# The docstrings state the types more precisely than the annotations.
 autodoc_typehints = "none"
 add_module_names = False
 numpydoc_show_class_members = False
 
-# Single backticks in docstrings: a link where the name is ours, code where it is a parameter or
-# somebody else's.
+# Single backticks: a link if the name is in the reference, else code.
 default_role = "name"
 
 MODULE = exportable_utils.__name__
@@ -65,7 +62,7 @@ FIELD = re.compile(r":(?:param|return)\b *(?P<name>\w*):")
 
 
 def _targets() -> dict[str, str]:
-    """Return the full name of everything with an entry in the reference, by each short name."""
+    """Return the full names of the entries of the reference by their short names."""
     routine = type(exportable_utils.isint)
     targets = {}
     for name, held in vars(exportable_utils).items():
@@ -80,7 +77,7 @@ def _targets() -> dict[str, str]:
         for name in vars(owner):
             if not name.startswith("_"):
                 targets["{}.{}".format(owner.__name__, name)] = "{}.{}".format(full, name)
-                # Methods name their neighbours without the class.
+                # Docstrings of methods name other methods without the class.
                 targets.setdefault(name, "{}.{}".format(full, name))
     return targets
 
@@ -100,22 +97,21 @@ class Name(SphinxRole):
 
 
 class CommandHelp(SphinxDirective):
-    """What ``quorin-profile --help`` prints."""
+    """The output of ``quorin-profile --help``."""
 
     def run(self) -> list[nodes.Node]:
-        """Return the text as it stands, in lines that fit the page."""
+        """Return the text, wrapped at the width of the page."""
         os.environ["COLUMNS"] = "90"
         return [nodes.literal_block(text=cli.build_parser().format_help())]
 
 
 def merge_fields(*event: Any) -> None:
-    """Move what ``:param X:`` lines say to the numpydoc entry of X, or leave it out.
+    """Move the text of ``:param X:`` lines to the numpydoc entry of X.
 
-    Some docstrings keep their authors' own lines above the sections that this project adds. They
-    belong to the docstring, but twice the same list of parameters only puzzles: an entry that has
-    a description of its own stands alone.
+    Some docstrings have both forms. The page shows each parameter once: an entry with a description
+    of its own keeps it.
     """
-    lines: list[str] = event[-1]  # to be changed in place
+    lines: list[str] = event[-1]  # changed in place
     if "Parameters" not in lines:
         return
     sections = lines.index("Parameters")
@@ -143,15 +139,15 @@ def merge_fields(*event: Any) -> None:
 
 
 def keep_signature(*event: Any) -> tuple[str, str] | None:
-    """Keep the signature that Sphinx found. numpydoc's own attempt would show ``self``."""
+    """Keep the signature that Sphinx found; numpydoc would show ``self``."""
     args, annotation = event[-2:]
     return None if args is None else (args, annotation)
 
 
 def setup(app: Sphinx) -> None:
-    """Register what is above."""
+    """Register the role, the directive and the events."""
     app.add_role("name", Name())
     app.add_directive("command-help", CommandHelp)
-    # Before numpydoc, whose priority is the usual 500.
+    # Before numpydoc, which has the default priority, 500.
     app.connect("autodoc-process-docstring", merge_fields, priority=400)
     app.connect("autodoc-process-signature", keep_signature, priority=400)

@@ -1,7 +1,7 @@
 """Column profiling for tables whose missing values are written in many ways.
 
-``import quorin_libs`` loads nothing else: numpy, pandas and the extension module come with the
-first name that needs them.
+``import quorin_libs`` is quick: numpy, pandas and the extension module are imported with the first
+name that needs them.
 
 Examples
 --------

@@ -1,4 +1,4 @@
-"""The command ``quorin-profile``: reads a delimited text file, prints its columns' profile."""
+"""The command ``quorin-profile``: profiles the columns of a delimited text file."""
 
 from __future__ import annotations
 
@@ -15,7 +15,7 @@ __all__ = ["build_parser", "main"]
 
 PROGRAM = "quorin-profile"
 
-# Exit statuses beside 0. A shell reports an interrupted program as 128 + SIGINT.
+# Exit statuses other than 0. Shells report an interrupted program as 128 + SIGINT.
 CANNOT_WRITE = 1
 OUT_OF_MEMORY = 1
 BAD_INPUT = 2
@@ -23,26 +23,26 @@ INTERRUPTED = 130
 
 _DESCRIPTION = """\
 Profile the columns of a delimited text file: what each holds, and which of its
-values stand for missing. Every cell is taken as the text it is.
+values stand for missing. Cells are read as text, without conversion.
 """
 
 _EPILOG = """\
-The first line of FILE holds the column names. A text counts as missing when it
-is on the list of markers (by default ?, - and the empty text; NA and the like
-have to be named), or when the column gives it away: a lone text among numbers,
-or a sign sorted before them. So a mistyped number may be found as a marker.
+The first line of FILE holds the column names. A text counts as missing if it is
+on the list of markers (by default ?, - and the empty text, but not NA and the
+like), or if it is discovered: the only text among numbers, or a sign sorted
+after them. So a single mistyped number may be reported as a marker.
 
 columns of the table:
   kind      char_str: text; int_str, float_str: numbers written as text;
             missing: nothing but missing values
   markers   the listed missing-value markers that occur
-  new       markers on no list, discovered from the column's other values
+  new       discovered markers, which are not on the list
   missing   cells that hold any of these markers, and their share
-  distinct  different values among the other cells
+  distinct  number of distinct values in the other cells
   flags     constant, unique, date-like
 
-exit status: 0 profiled, 1 the output cannot be written or memory does not
-suffice (a table takes about 16 times its file), 2 bad input or usage
+exit status: 0 success, 1 output cannot be written or out of memory (a table
+takes about 16 times its file), 2 bad input or usage
 """
 
 
@@ -52,7 +52,7 @@ def main(argv: Sequence[str] | None = None) -> int:
     Parameters
     ----------
     argv : sequence of str, optional
-        The arguments without the program's name; by default those of the process.
+        The arguments without the program's name. Default: those of the process.
 
     Examples
     --------
@@ -72,7 +72,7 @@ def main(argv: Sequence[str] | None = None) -> int:
 
 
 class _Parser(argparse.ArgumentParser):
-    """Says what is wrong in one line, and writes its help as the command writes everything."""
+    """Reports errors in one line, and handles errors of writing the help."""
 
     def print_help(self, file: Any = None) -> NoReturn:
         raise SystemExit(_write(self.format_help()))
@@ -83,7 +83,7 @@ class _Parser(argparse.ArgumentParser):
 
 
 class _Version(argparse.Action):
-    """Looks the version up when it is asked for: that is slower than all the rest of the parser."""
+    """Looks the version up only if it is requested: the look-up takes longer than parsing."""
 
     def __call__(
         self,
@@ -111,8 +111,8 @@ def build_parser() -> argparse.ArgumentParser:
         "--delimiter",
         type=_delimiter,
         metavar="CHAR",
-        help="a single character, or comma, semicolon, tab, bar, pipe, space, colon; by default "
-        "the one of the first four that cuts the first 100 records into equally many cells",
+        help="a single character, or comma, semicolon, tab, bar, pipe, space, colon; default: "
+        "the one of the first four that splits the first 100 records into equally many cells",
     )
     parser.add_argument(
         "--encoding",
@@ -125,14 +125,14 @@ def build_parser() -> argparse.ArgumentParser:
         type=_markers,
         metavar="LIST",
         help="the missing-value markers, instead of the default '?,,-'. Separated by commas and "
-        "quoted as in a CSV file; nothing between two commas is the empty text, and so is an "
-        "empty LIST. A LIST that begins with - is given as --markers=LIST",
+        "quoted as in a CSV file; nothing between two commas is the empty text, as is an "
+        "empty LIST. If LIST begins with -, write --markers=LIST",
     )
     parser.add_argument(
         "--no-header", action="store_true", help="the first line is a row; columns get numbers"
     )
     parser.add_argument("--json", action="store_true", help="print JSON instead of a table")
-    parser.add_argument("--version", action=_Version, nargs=0, help="print the version and leave")
+    parser.add_argument("--version", action=_Version, nargs=0, help="print the version and exit")
     return parser
 
 
@@ -157,7 +157,7 @@ def _markers(text: str) -> list[str]:
 
 
 def _profile(options: argparse.Namespace) -> int:
-    # Imported here so that --help, --version and wrong usage answer at once.
+    # Imported here so that --help, --version and usage errors are quick.
     from quorin_libs.profiling import profile_table
     from quorin_libs.reading import InputError, read_table
     from quorin_libs.rendering import render_json, render_table
@@ -195,7 +195,7 @@ def _standard_input() -> IO[bytes]:
 
 
 def _say(message: str) -> None:
-    """Print one line on standard error, whatever characters the message quotes."""
+    """Print one line on standard error, with characters escaped that it cannot encode."""
     if sys.stderr is not None:
         encoding = getattr(sys.stderr, "encoding", None) or "utf-8"
         print(f"{PROGRAM}: {printable(message, encoding)}", file=sys.stderr)
@@ -209,7 +209,7 @@ def _write(text: str) -> int:
         sys.stdout.write(text)
         sys.stdout.flush()
     except BrokenPipeError:
-        # The reader has seen enough. What is still buffered must not fail again at exit.
+        # The reader closed the pipe. What is still buffered must not fail again at exit.
         _discard_standard_output()
     except OSError as error:
         _discard_standard_output()
@@ -227,13 +227,12 @@ def _discard_standard_output() -> None:
 
 
 class _Progress:
-    """A counter on standard error, when that is a terminal and the work takes its time.
+    """A counter on standard error, if that is a terminal and the work takes long.
 
-    It is wiped at the end of a ``with`` statement, before anything else is written.
+    It is erased at the end of a ``with`` statement, before anything else is written.
     """
 
-    # Seconds before the first line and between two lines: shorter than a reader gets impatient,
-    # longer than a glance.
+    # Seconds before the first line and between two lines.
     PATIENCE = 0.5
 
     def __init__(self) -> None:

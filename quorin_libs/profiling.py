@@ -16,26 +16,26 @@ __all__ = ["ColumnProfile", "TableProfile", "profile_column", "profile_table"]
 
 @dataclass(frozen=True)
 class ColumnProfile:
-    """What is known about one column.
+    """The profile of one column.
 
     Attributes
     ----------
     name : str
     kind : str
-        The classifier's word: ``missing``, ``char_str`` (text), ``int_str`` (integers written as
+        The classifier's kind: ``missing``, ``char_str`` (text), ``int_str`` (integers written as
         text), ``float_str`` (decimal numbers written as text), or ``Unknown``.
     markers : tuple of str
         The listed markers that occur in the column.
     new_markers : tuple of str
-        Texts that are on no list and that the column's other values give away as markers.
+        Markers that are not listed, discovered from the other values of the column.
     rows : int
         Number of cells.
     missing : int
         Cells that hold one of ``markers`` or ``new_markers``.
     distinct : int
-        Different values among the cells that are not missing.
+        Number of distinct values among the cells that are not missing.
     date_like : bool
-        The values read as dates or times.
+        Whether the values are dates or times.
     """
 
     name: str
@@ -49,17 +49,17 @@ class ColumnProfile:
 
     @property
     def missing_share(self) -> float | None:
-        """Missing cells as a fraction of all cells; ``None`` for a column without rows."""
+        """Missing cells as a fraction of all cells; ``None`` if there are no rows."""
         return self.missing / self.rows if self.rows else None
 
     @property
     def constant(self) -> bool:
-        """The column has rows and at most one value."""
+        """Whether the column has rows and at most one distinct value."""
         return self.rows > 0 and self.distinct <= 1
 
     @property
     def unique(self) -> bool:
-        """Two or more cells hold a value, and no two of them the same."""
+        """Whether two or more cells hold a value and no value occurs twice."""
         return self.distinct > 1 and self.distinct == self.rows - self.missing
 
 
@@ -70,7 +70,7 @@ class TableProfile:
     Attributes
     ----------
     source : str
-        What the table's reader called its input.
+        Name of the input.
     delimiter : str
         The character between two cells of the input.
     rows : int
@@ -78,7 +78,7 @@ class TableProfile:
     columns : tuple of ColumnProfile
         In the table's order.
     notes : tuple of str
-        What was done with odd spots of the input, one sentence each.
+        What was done with irregularities of the input, one sentence each.
     """
 
     source: str
@@ -100,9 +100,8 @@ def profile_table(
     table : Table
         As :func:`quorin_libs.read_table` returns it.
     markers : sequence of str, optional
-        The texts that count as missing wherever they occur. By default the module's own list
-        ``global_missing_values_reference_list``: ``?``, the empty text and ``-``. An empty
-        sequence leaves only what the classifier discovers.
+        The listed markers. Default: ``global_missing_values_reference_list``, which is ``?``, the
+        empty text and ``-``. With an empty sequence all markers are discovered ones.
     progress : callable, optional
         Called as ``progress(done, total)`` before each column and after the last.
 
@@ -113,7 +112,7 @@ def profile_table(
     Raises
     ------
     TypeError
-        For what is no table, and for markers that are not a sequence of texts.
+        If ``table`` is not a Table or ``markers`` is not a sequence of texts.
 
     Examples
     --------
@@ -157,14 +156,14 @@ def _profile_column(
     name: str, column: np.ndarray[Any, Any], reference_list: list[Any]
 ) -> ColumnProfile:
     if len(column) == 0:
-        # The classifier needs a first row to look at. No row holds a value, so: missing.
+        # The classifier fails without a first row. No row holds a value: missing.
         return ColumnProfile(name, "missing", (), (), 0, 0, 0, False)
     found, kind, statistics = exportable_utils.numpy_whatis(
         column, reference_list, return_stats_flag=True
     )
     values = statistics["unique_values"].tolist()
     counts = dict(zip(values, statistics["unique_values_counts"].tolist()))
-    # Listed markers were taken out before the distinct values were counted; new ones were not.
+    # The distinct values exclude listed markers and include discovered ones.
     known = tuple(marker for marker in found if marker not in counts)
     new = tuple(marker for marker in found if marker in counts)
     return ColumnProfile(
@@ -188,6 +187,5 @@ def _reference_list(markers: Sequence[str] | None) -> list[Any]:
     for text in texts:
         if not isinstance(text, str):
             raise TypeError(f"markers: {text!r} is no text")
-    # NaN matches no text. It keeps the list from being empty, which the classifier takes for
-    # "no list given" and then reports no mask.
+    # The classifier treats an empty list as no list and then returns no mask; NaN matches no text.
     return list(dict.fromkeys(texts)) or [np.nan]

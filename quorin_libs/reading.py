@@ -1,4 +1,4 @@
-"""Delimited text, read as text: what a cell holds is what the file says, no value is dropped."""
+"""Reads delimited text without converting or dropping a value."""
 
 from __future__ import annotations
 
@@ -17,27 +17,27 @@ from quorin_libs.terminal import count, printable
 
 __all__ = ["DELIMITERS", "InputError", "Progress", "parse_delimiter", "read_table"]
 
-# In the order in which a tie between them is settled.
+# In the order that decides ties.
 DELIMITERS = {"comma": ",", "semicolon": ";", "tab": "\t", "bar": "|"}
 
 _OTHER_DELIMITER_NAMES = {"pipe": "|", "space": " ", "colon": ":", "\\t": "\t"}
 
-# Enough to see past a few odd records, little enough to cost nothing beside the reading itself.
+# Enough not to depend on a few irregular records, few enough to take no time.
 _RECORDS_LOOKED_AT = 100
 
-# Records are turned into columns some at a time: millions of lists at once keep the collector busy.
+# Records are moved to columns in batches: garbage collection is slow with millions of lists.
 _RECORDS_TOGETHER = 500
 
 _GZIP = b"\x1f\x8b"
 
 Source = Union[str, "os.PathLike[str]", IO[bytes]]
 Record = Tuple[int, List[str]]
-# Called with how much is done and how much there is.
+# Called with the amount done and the total.
 Progress = Callable[[int, int], None]
 
 
 class InputError(ValueError):
-    """The input cannot be read as a table; the text is one line that names the culprit."""
+    """The input cannot be read as a table; the message is one line."""
 
     def __init__(self, message: str) -> None:
         super().__init__(printable(message))
@@ -56,24 +56,24 @@ def read_table(
     Quoted cells may hold the delimiter, doubled quotes and line ends. Lines may end in LF, CRLF
     or CR. Blank lines between records are left out, except in a table of one column, where a
     blank line below the header is an empty cell; both are noted. An empty column name becomes
-    ``column N`` and is noted, as is a header of nothing but numbers.
+    ``column N`` and is noted, as is a header that holds only numbers.
 
     Parameters
     ----------
     source : path or binary stream
         Read to its end; a stream is not closed.
     delimiter : str, optional
-        One character, or the name of one: comma, semicolon, tab, bar, pipe, space, colon. By
-        default the one of the first four that cuts each of the first 100 records into equally many
-        cells, two or more; the one with most cells wins, then the one named first. When none does
-        so, the header line alone is asked; when it holds none of them, comma.
+        One character, or the name of one: comma, semicolon, tab, bar, pipe, space, colon. Default:
+        the one of the first four that splits each of the first 100 records into the same number
+        of cells, two or more; of several the one with most cells, then the first. If there is
+        none, only the header line is used; if it contains none of them, comma.
     encoding : str, optional
         A text encoding known to Python; the default is UTF-8 with or without byte order mark.
     header : bool, optional
         Whether the first record holds the column names. Without it they are ``column 1`` and so
         on, and the first record is a row.
     progress : callable, optional
-        Called now and then as ``progress(done, total)``, in characters.
+        Called repeatedly as ``progress(done, total)``, in characters.
 
     Returns
     -------
@@ -82,9 +82,9 @@ def read_table(
     Raises
     ------
     InputError
-        When the source cannot be opened, is empty, is not text in this encoding, holds a NUL
+        If the source cannot be opened, is empty or not text in this encoding, or contains a NUL
         character, an unclosed quote, a cell longer than ``csv.field_size_limit()``, a record of
-        another length than the header, or a column name twice.
+        another length than the header, or a duplicate column name.
 
     Examples
     --------
@@ -133,12 +133,12 @@ def read_table(
 
 
 def parse_delimiter(text: str) -> str:
-    """Return the character that a delimiter's name or the character itself stands for.
+    """Return the delimiter given by its name or by itself.
 
     Raises
     ------
     ValueError
-        When ``text`` is no known name and not one character that can separate cells.
+        If ``text`` is neither a known name nor a character that can separate cells.
 
     Examples
     --------
@@ -157,7 +157,7 @@ def parse_delimiter(text: str) -> str:
 
 
 def describe_delimiter(delimiter: str) -> str:
-    """Return the name of a delimiter, or the character in quotes when it has none."""
+    """Return the name of a delimiter, or the character in quotes if it has none."""
     for names in (DELIMITERS, _OTHER_DELIMITER_NAMES):
         for name, character in names.items():
             if character == delimiter:
@@ -215,7 +215,7 @@ def _decode(data: bytes, encoding: str, name: str) -> str:
         raise InputError(f"{name}: not {encoding} text: {error}") from None
     except (LookupError, ValueError):
         raise InputError(f"{name}: {encoding!r} is not a known text encoding") from None
-    # A byte order mark that the codec left in place is no part of the first name.
+    # Some codecs keep the byte order mark.
     if text.startswith("\ufeff"):
         text = text[1:]
     if not text:
@@ -253,7 +253,7 @@ def _line_number(before: str) -> int:
 
 
 class _Records:
-    """The records of a text one by one, each with the number of the line on which it starts."""
+    """Iterator over the records of a text, each with the number of its first line."""
 
     def __init__(self, text: str, delimiter: str, name: str) -> None:
         self.size = len(text)
@@ -264,7 +264,7 @@ class _Records:
 
     @property
     def position(self) -> int:
-        """How many characters have been read."""
+        """Number of characters read."""
         return self._stream.tell()
 
     def __iter__(self) -> _Records:
@@ -309,7 +309,7 @@ def _detect_delimiter(text: str) -> str:
 
 
 def _common_width(text: str, delimiter: str, limit: int) -> int:
-    """Cells in each of the first records, or 0 when they differ."""
+    """Return the number of cells in each of the first records, or 0 if they differ."""
     try:
         filled = (cells for _, cells in _Records(text, delimiter, "") if cells)
         widths = {len(cells) for cells in islice(filled, limit)}
@@ -347,7 +347,7 @@ def _free_name(name: str, given: set[str]) -> str:
 
 
 class _Columns:
-    """Cells brought from records into columns."""
+    """Moves cells from records to columns."""
 
     def __init__(self, width: int) -> None:
         self.width = width
@@ -355,7 +355,7 @@ class _Columns:
         self._waiting: list[list[str]] = []
 
     def add(self, cells: list[str]) -> bool:
-        """Take one record; tell whether those that waited have been moved."""
+        """Add one record; return whether a batch was moved."""
         self._waiting.append(cells)
         full = len(self._waiting) == _RECORDS_TOGETHER
         if full:

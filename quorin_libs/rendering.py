@@ -1,4 +1,4 @@
-"""A profile as an aligned table for people and as JSON for machines."""
+"""A profile as an aligned table and as JSON."""
 
 from __future__ import annotations
 
@@ -12,7 +12,7 @@ from quorin_libs.terminal import count, display_width, printable, shortened
 
 __all__ = ["LAYOUT", "render_json", "render_table"]
 
-# Goes up when a key of the JSON changes its meaning or leaves; new keys do not count.
+# Increases if a key of the JSON is removed or changes its meaning, not for new keys.
 LAYOUT = 1
 
 _HEADINGS = ("column", "kind", "markers", "new", "missing", "share", "distinct", "flags")
@@ -26,20 +26,18 @@ _ESCAPES = {"\\": "\\\\", '"': '\\"'}
 
 
 def render_table(profile: TableProfile, encoding: str = "utf-8") -> str:
-    """Return the profile as lines of aligned columns, each line ended.
+    """Return the profile as lines of aligned columns.
 
     Parameters
     ----------
     profile : TableProfile
     encoding : str, optional
-        What the text will be written in. Characters that it cannot hold, and those that have no
-        shape of their own, are shown as escapes.
+        Encoding of the output. Characters that it lacks and unprintable ones are escaped.
 
     Notes
     -----
-    Of long names and markers the middle is left out, shown as ``start...end`` and
-    ``"start"..."end"``, and a last line says so; names that would come to look alike stay whole.
-    :func:`render_json` has all of them whole.
+    Long names and markers are shortened to ``start...end`` and ``"start"..."end"``, and a last line
+    says so; names that would look alike are not shortened. :func:`render_json` never shortens.
 
     Examples
     --------
@@ -158,7 +156,7 @@ def _quoted(marker: str, encoding: str) -> str:
 
 
 def _share(share: float | None) -> str:
-    """Percent with one decimal; never "0.0%" for some, never "100.0%" for not all."""
+    """Return per cent with one decimal; "0.0%" only for none, "100.0%" only for all."""
     if share is None:
         return ""
     if share in (0.0, 1.0):

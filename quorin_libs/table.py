@@ -1,4 +1,4 @@
-"""A table of texts: the columns of a file as the file has them."""
+"""A table of texts: the columns of a file, not converted."""
 
 from __future__ import annotations
 
@@ -23,23 +23,23 @@ class Table:
     Attributes
     ----------
     names : tuple of str
-        One name a column, no two alike.
+        The names of the columns, without duplicates.
     columns : tuple of numpy.ndarray
-        One object array of ``str`` a column, of shape (rows,).
+        For each column an object array of ``str``, of shape (rows,).
     source : str
-        What the messages call the input: the path, ``standard input`` or ``stream``.
+        Name of the input: the path, ``standard input`` or ``stream``.
     delimiter : str
         The character between two cells.
     notes : tuple of str
-        What was done with odd spots of the input, one sentence each.
+        What was done with irregularities of the input, one sentence each.
 
     Raises
     ------
     TypeError
-        For a name or a cell that is no text, for a column that is no array of objects.
+        If a name or a cell is not a str, or a column is not an array of objects.
     ValueError
-        For columns that are not as many as the names or not equally long, for a name that occurs
-        twice.
+        If the number of columns is not the number of names, the columns differ in length, or a name
+        occurs twice.
     """
 
     names: tuple[str, ...]
@@ -78,9 +78,9 @@ class Table:
         Parameters
         ----------
         frame : pandas.DataFrame
-            As ``pandas.read_csv(path, dtype=str, keep_default_na=False)`` gives it.
+            As ``pandas.read_csv(path, dtype=str, keep_default_na=False)`` returns it.
         source : str, optional
-            What messages and the profile call it.
+            Name of the input, for messages and the profile.
 
         Returns
         -------
@@ -89,9 +89,9 @@ class Table:
         Raises
         ------
         TypeError
-            For what is no frame, and for a name or a cell that is no text.
+            If ``frame`` is not a DataFrame, or a name or a cell is not a str.
         ValueError
-            For a name that occurs twice.
+            If a name occurs twice.
 
         Examples
         --------

@@ -1,4 +1,4 @@
-"""Texts as a terminal shows them: escapes, widths, shortening."""
+"""Text on a terminal: escapes, widths, shortening."""
 
 from __future__ import annotations
 
@@ -9,7 +9,7 @@ __all__ = ["count", "display_width", "printable", "shortened"]
 
 
 def printable(text: str, encoding: str = "utf-8") -> str:
-    """Return the text with every character escaped that has no shape or no code in ``encoding``.
+    """Return the text with characters escaped that are unprintable or not in ``encoding``.
 
     Examples
     --------
@@ -23,7 +23,7 @@ def printable(text: str, encoding: str = "utf-8") -> str:
 
 
 def display_width(text: str) -> int:
-    """Return the number of terminal cells that printable text takes.
+    """Return the number of terminal cells of printable text.
 
     Wide and full-width characters (Unicode Standard Annex 11) take two, combining marks none.
 
@@ -38,9 +38,8 @@ def display_width(text: str) -> int:
 def shortened(pieces: Sequence[str], width: int, gap: str = "...") -> str:
     """Return the pieces side by side, in at most ``width`` terminal cells.
 
-    Where they take more, those in the middle are left out, which ``gap`` shows: names that are
-    alike at their start tend to differ at their end. A piece is a character as :func:`printable`
-    gives it; none is cut.
+    If they take more, ``gap`` replaces those in the middle: names with the same start tend to
+    differ at the end. A piece is a character as :func:`printable` returns it; none is cut.
 
     Examples
     --------
@@ -60,7 +59,7 @@ def shortened(pieces: Sequence[str], width: int, gap: str = "...") -> str:
 
 
 def count(number: int, noun: str) -> str:
-    """Return a number with its noun, as in ``1 row`` and ``2 rows``."""
+    """Return a number and a noun: ``1 row``, ``2 rows``."""
     return f"{number} {noun}" if number == 1 else f"{number} {noun}s"
 
 

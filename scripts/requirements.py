@@ -1,9 +1,8 @@
-"""Print requirements that pyproject.toml declares, one a line, for the interpreter that runs this.
+"""Print requirements declared in pyproject.toml, one a line.
 
 Usage: requirements.py build | EXTRA ...
 
-An editable install without build isolation keeps its compiled objects, but pip then leaves the
-build requirements to the caller. They stand in pyproject.toml and nowhere else.
+Without build isolation pip does not install the build requirements.
 """
 
 import pathlib
@@ -11,7 +10,7 @@ import sys
 
 try:
     import tomllib
-except ImportError:  # before Python 3.11 pip carries the parser
+except ImportError:  # before Python 3.11; pip has a copy
     from pip._vendor import tomli as tomllib
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -21,7 +20,7 @@ def main(names):
     declared = tomllib.loads((ROOT / "pyproject.toml").read_text(encoding="utf-8"))
     for name in names:
         if name == "build":
-            # A build front end adds cmake and ninja by itself; here there is none.
+            # With build isolation the build backend adds cmake and ninja.
             requirements = [*declared["build-system"]["requires"], "cmake", "ninja"]
         else:
             requirements = declared["project"]["optional-dependencies"][name]

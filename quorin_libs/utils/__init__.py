@@ -1,1 +1,1 @@
-"""Column tools: the extension module `exportable_utils` and the column tests of `fc_methods`."""
+"""The extension module `exportable_utils` and the column tests of `fc_methods`."""

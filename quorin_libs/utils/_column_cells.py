@@ -1,4 +1,4 @@
-"""One column, whatever holds it: its cells, its numbers, the words of its name."""
+"""The cells, the numbers and the name of a column, for all supported column types."""
 
 from __future__ import annotations
 
@@ -23,11 +23,11 @@ _WORD = re.compile(r"[^\W_]+")
 
 
 def cells_of(column: Any) -> Optional[Array]:
-    """Return the cells as a one-dimensional array, or None when `column` is not one column.
+    """Return the cells as a one-dimensional array, or None if `column` is not one column.
 
     A Series, a one-column DataFrame, an array of shape (n,) or (n, 1), a list and a tuple are
-    columns. A list is never handed to numpy to guess a type for: numpy would turn the numbers
-    beside a text into texts, and complain about nested lists.
+    columns. A list becomes an array of objects: with a dtype inferred by numpy, numbers beside a
+    text would become texts, and nested lists would raise.
     """
     if isinstance(column, pd.DataFrame):
         if column.shape[1] != 1:
@@ -48,12 +48,12 @@ def cells_of(column: Any) -> Optional[Array]:
         cells = cells[:, 0]
     if cells.ndim != 1:
         return None
-    # numpy's variable-width text (kind T) knows its own missing object; as objects all is alike.
+    # numpy's variable-width text (kind T) may have its own null.
     return cells.astype(object) if cells.dtype.kind == "T" else cells
 
 
 def present_cells(column: Any) -> Optional[Array]:
-    """Return the cells that are not missing, or None when `column` is not one column."""
+    """Return the cells that are not null, or None if `column` is not one column."""
     cells = cells_of(column)
     if cells is None:
         return None
@@ -68,11 +68,11 @@ def present_cells(column: Any) -> Optional[Array]:
 
 
 def is_missing(cell: Any) -> bool:
-    """Tell whether one cell is None, NaN, NaT or NA."""
+    """Return whether a cell is None, NaN, NaT or NA."""
     if cell is None or cell is pd.NA or cell is pd.NaT:
         return True
     if isinstance(cell, Decimal):
-        return cell.is_nan()  # comparing a signalling NaN with itself raises
+        return cell.is_nan()  # comparing a signalling NaN raises
     if isinstance(cell, (float, np.floating)):
         return bool(np.isnan(cell))
     if isinstance(cell, (np.datetime64, np.timedelta64)):
@@ -81,15 +81,15 @@ def is_missing(cell: Any) -> bool:
 
 
 def numbers_of(column: Any) -> Optional[Array]:
-    """Return the numbers of a column without its missing cells.
+    """Return the numbers of a column without its nulls.
 
     Returns
     -------
     numpy.ndarray or None
-        Integers or floats; empty when all cells are missing. None when `column` is not one
-        column or holds anything that is neither a real number nor missing. Truth values,
-        number texts, complex numbers and dates are not numbers here. Integers beyond 64 bits
-        become floats, beyond the floats' range infinities.
+        Integers or floats; empty if all cells are null. None if `column` is not one column or
+        holds anything that is neither a real number nor null. Truth values, number texts, complex
+        numbers and dates are not numbers here. Integers beyond 64 bits become floats, beyond the
+        range of floats infinities.
     """
     cells = cells_of(column)
     if cells is None:
@@ -120,25 +120,25 @@ def numbers_of(column: Any) -> Optional[Array]:
 
 
 def is_whole(numbers: Array) -> bool:
-    """Tell whether every number is finite and has no fraction."""
+    """Return whether every number is finite and has no fraction."""
     if numbers.dtype.kind != "f":
         return True
     return bool(np.isfinite(numbers).all() and (numbers == np.floor(numbers)).all())
 
 
 def count_different(numbers: Array) -> int:
-    """Count the different numbers of an array that has some, none of them NaN."""
-    # np.unique of numpy 2 hashes integers, which takes many times longer on large columns.
+    """Return the number of distinct values of a non-empty array without NaN."""
+    # Not np.unique: numpy 2 hashes integers, which is many times slower for large columns.
     ascending = np.sort(numbers)
     return 1 + int(np.count_nonzero(ascending[1:] != ascending[:-1]))
 
 
 def name_words(column: Any, name: Any = None) -> FrozenSet[str]:
-    """Return the lower-case words of `name`, or of the name the column carries.
+    """Return the lower-case words of `name`, by default of the column's own name.
 
-    Words end at anything that is neither letter nor digit and where capitals begin:
-    ``"pickupLat_1"`` gives pickup, lat and 1. A name that is no text has no words; the texts
-    in a tuple (a name of several levels) count together.
+    Words end at characters that are neither letters nor digits and before capitals:
+    ``"pickupLat_1"`` has the words pickup, lat and 1. Of a tuple (a name of several levels) the
+    words of all texts are returned; any other name has no words.
     """
     if name is None:
         if isinstance(column, pd.DataFrame) and column.shape[1] == 1:

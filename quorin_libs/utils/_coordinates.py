@@ -1,8 +1,7 @@
-"""Which columns hold degrees of latitude or longitude.
+"""Tests for columns of degrees of latitude or longitude.
 
-The numbers alone never settle it. A latitude is any number between -90 and 90 with a fraction,
-and so are scores, rates, returns and whatever a program printed with six decimals. The name has to
-say it, the numbers have to agree.
+Numbers alone are not enough: scores, rates and returns have the same range and as many digits. The
+name has to contain a word for the coordinate, and the numbers have to be in its range.
 """
 
 from __future__ import annotations
@@ -20,25 +19,25 @@ if TYPE_CHECKING:
 LATITUDE_STEMS = ("latitud", "breitengrad")
 LONGITUDE_STEMS = ("longitud", "längengrad", "laengengrad")
 
-# These also mean latency, liquefied gas, a long position: the numbers must look like degrees.
+# These also mean latency, liquefied gas, a long position: the numbers have to look like degrees.
 LATITUDE_WORDS = frozenset(("lat", "lats"))
 LONGITUDE_WORDS = frozenset(("lon", "lons", "lng", "long"))
 
-# Quantities about a coordinate that are none.
+# Words of names that speak of a coordinate but hold another quantity.
 OTHER_WORDS = frozenset(
     "error err std stdev sd var variance diff delta offset shift accuracy acc precision count "
     "rank rad radian radians index idx id code zone dist distance km miles price usd".split()
 )
 
-# Returns and scores of long positions stay below ten; for the other words nothing does.
+# Returns and scores of long positions stay below ten.
 LONG_LEAST_REACH = 10.0
 
-# Half of the values must show 0.001 degree (111 m) or finer: prices and latencies show two digits.
+# Half of the values must have 0.001 degree (111 m) or finer: prices and latencies have two digits.
 FINE_SHARE = 0.5
 
 
 def is_latitude_column(column: Any, name: Any) -> bool:
-    """Tell whether a column is named as latitude and holds degrees from -90 to 90."""
+    """Return whether a column is named as latitude and holds degrees from -90 to 90."""
     words = name_words(column, name)
     if not _says(words, LATITUDE_STEMS, LATITUDE_WORDS):
         return False
@@ -51,7 +50,7 @@ def is_latitude_column(column: Any, name: Any) -> bool:
 
 
 def is_longitude_column(column: Any, name: Any) -> bool:
-    """Tell whether a column is named as longitude and holds degrees, -180 to 180 or 0 to 360."""
+    """Return whether a column is named as longitude and holds degrees, -180 to 180 or 0 to 360."""
     words = name_words(column, name)
     if not _says(words, LONGITUDE_STEMS, LONGITUDE_WORDS):
         return False
@@ -72,7 +71,7 @@ def is_longitude_column(column: Any, name: Any) -> bool:
 
 
 def is_fine(numbers: Array, step: float) -> Array:
-    """Mark the numbers that are no multiple of ``1 / step``, rounding of their type aside."""
+    """Mark the numbers that are not multiples of ``1 / step``, up to rounding of their type."""
     if numbers.dtype.kind != "f":
         return np.zeros(numbers.shape, dtype=bool)
     rounding = 4 * float(np.finfo(numbers.dtype).eps)
@@ -96,7 +95,7 @@ def _within(degrees: Array, low: int, high: int) -> bool:
 
 
 def _rescaled(degrees: Array) -> bool:
-    """Tell whether the column was brought to mean 0 and deviation 1, or to the range 0 to 1."""
+    """Return whether the column was scaled to mean 0 and deviation 1, or to the range 0 to 1."""
     if degrees.size < 3:
         return False
     values = degrees.astype(np.float64)

@@ -1,9 +1,10 @@
-"""Which texts are dates and times, and which columns hold nothing else.
+"""Tests for texts that are dates or times, and for columns of them.
 
 Each form of date has a reader: a function that takes a stripped text and returns the ways it can
-be read, as bits, or 0. A column qualifies when one bit is common to all its texts, so that the
-order of day, month and year is the same throughout. Forms that other things share with dates give
-the bit PROOF only to texts that the other things do not produce, and a column needs one of those.
+be read, as bits, or 0. A column qualifies if one bit is common to all its texts, so that the order
+of day, month and year is the same throughout, and if one text has the bit PROOF. Versions, scores
+and the like share some forms with dates; of such a form only texts that they cannot produce have
+PROOF.
 """
 
 from __future__ import annotations
@@ -26,19 +27,19 @@ TIME_OF_DAY = 32
 PROOF = 64
 ALL_WAYS = 63
 
-# From 12:30 to what JavaScript prints, with the zone's name in brackets (some 70).
+# From 12:30 to dates as JavaScript prints them, with the name of the zone (about 70).
 SHORTEST_TEXT, LONGEST_TEXT = 5, 80
 
-# More cells than this are reduced to the different ones first; for a sample that does not pay.
+# Of more cells only the distinct ones are read; for fewer a set costs more than it saves.
 SAMPLE_SIZE = 64
 
-# What the two digits of a day or month mean, with and without a leading zero.
+# Values of the digits of a day or month, with and without a leading zero.
 _NUMBERS = {form.format(n): n for form in ("{}", "{:02}") for n in range(1, 32)}
 
-# The parts of the patterns below, by the word that stands for them in angle brackets.
+# Parts of the patterns below, by their names in angle brackets.
 _PARTS = {
-    # The whole centuries of the Gregorian calendar (since 1582) that a count of nanoseconds in 64
-    # bits reaches (until 2262), and the two years that databases write for "always" and "never".
+    # The whole centuries between the start of the Gregorian calendar (1582) and the end of 64-bit
+    # nanoseconds (2262), and the two years that databases write for "always" and "never".
     "year": r"((?:1[6-9]|2[01])[0-9]{2}|0001|9999)",
     "month": r"(0?[1-9]|1[0-2])",
     "day": r"(0?[1-9]|[12][0-9]|3[01])",
@@ -47,9 +48,9 @@ _PARTS = {
     "hour2": r"(?:[01][0-9]|2[0-3])",
     "sixty": r"[0-5][0-9]",
     "fraction": r"[0-9]{1,12}",
-    # 23:59:60 is how ISO 8601 writes a leap second.
+    # 23:59:60 is a leap second in ISO 8601.
     "clock24": r"(?:[01]?[0-9]|2[0-3]):(?:<sixty>(?::<sixty>(?:[.,]<fraction>)?)?|59:60)",
-    # Newer browsers put a narrow no-break space before AM, Oracle writes 12.30.00.
+    # Newer browsers write a narrow no-break space before AM; Oracle writes 12.30.00.
     "clock12": (
         r"(?:0?[1-9]|1[0-2])[:.]<sixty>(?:[:.]<sixty>(?:[.,]<fraction>)?)?"
         "[ \u00a0\u202f]?"
@@ -85,7 +86,7 @@ _match_year_first = _compiled(
     r"<year>([-/.])<month>\2(?:(29|3[01])|0?[1-9]|[12][0-9])"
     r"(?:(?:[T ]|, ?)<clock>|Z|<offset>|-<hour2>\.<sixty>\.<sixty>(?:\.<fraction>)?)?"
 )
-# 31.01.2026, 1/31/26 3:45 PM; which place is the day's is found later.
+# 31.01.2026, 1/31/26 3:45 PM; the place of the day is decided later.
 _match_year_last = _compiled(
     r"([0-9]{1,2})([-/.])([0-9]{1,2})\2(?:([0-9]{2})|<year>)((?:T|, ?| )<clock>)?"
 )
@@ -125,8 +126,8 @@ _FIRST_LETTERS = frozenset(_MONTHS) | frozenset("mon tue wed thu fri sat sun".sp
 
 
 def is_date_text_column(column: Any) -> bool:
-    """Tell whether every cell that is not missing is a date or time text, all in one order."""
-    # This runs on every classified column: arrays of numbers leave at the first test.
+    """Return whether all cells but nulls are date or time texts with one order of their parts."""
+    # Called for every classified column: quick for arrays of numbers.
     if type(column) is np.ndarray and column.ndim == 1:
         cells = column
     else:
@@ -136,14 +137,14 @@ def is_date_text_column(column: Any) -> bool:
         cells = converted
     if cells.dtype.kind not in "OUT" or not cells.shape[0]:
         return False
-    # Sorted texts have words such as "unknown" at the end: two looks settle most columns.
+    # Quick for most columns: sorted texts end with words such as "unknown".
     if not _may_be_date(cells[0]) or not _may_be_date(cells[-1]):
         return False
     values = cells.tolist()
     if len(values) > SAMPLE_SIZE:
         try:
             values = list(set(values))
-        except Exception:  # what cannot be hashed is no text
+        except Exception:  # a cell that cannot be hashed is not a str
             return False
     return _all_dates(values)
 
@@ -171,7 +172,7 @@ def _all_dates(cells: List[Any]) -> bool:
         text = cell.strip()
         found = reader(text)
         if not found:
-            # One program wrote the column: the form of the last text comes first for the next.
+            # Most columns have one form: the next text is read in it first.
             found, reader = _read(cell, text)
         ways &= found
         if not ways:
@@ -193,7 +194,7 @@ def _read_year_first(text: str) -> int:
     match = _match_year_first(text)
     if match is None:
         return 0
-    # The commonest form: the calendar is asked only for the days that some month lacks.
+    # The commonest form: only days that some months lack need the calendar.
     day = match.group(4)
     if day is not None and not _has_day(match.group(1), _NUMBERS[match.group(3)], _NUMBERS[day]):
         return 0
@@ -208,11 +209,11 @@ def _read_year_last(text: str) -> int:
     proof = PROOF
     month_may_lead = True
     if short_year and separator != "/":
-        # Points always separate with the day first when the year has two digits.
+        # With points and a year of two digits the day comes first.
         month_may_lead = separator == "-"
         if clock is None:
-            # Versions, sort codes and shelf marks look like this. Versions never have a leading
-            # zero (semver.org, rule 2); marks begin with 01-01-01.
+            # Versions, sort codes and shelf marks have this form. Versions have no leading zeros
+            # (semver.org, rule 2); shelf marks begin with 01-01-01.
             if len(first) != 2 or len(second) != 2 or text in ("01-01-01", "01.01.01"):
                 return 0
             if "0" not in (first[0], second[0], short_year[0]):
@@ -240,7 +241,7 @@ def _read_year_month(text: str) -> int:
     match = _match_year_month(text)
     if match is None:
         return 0
-    # 2010-11 is also the season that began in 2010.
+    # 2010-11 is also the season 2010 to 2011.
     season = int(match.group(2)) == (int(match.group(1)) + 1) % 100
     return MONTH_OF_YEAR if season else MONTH_OF_YEAR | PROOF
 
@@ -256,7 +257,7 @@ def _read_clock(text: str) -> int:
     clock = match.group(1)
     if clock is None or len(clock) < len(text) or clock.count(":") == 2:
         return TIME_OF_DAY | PROOF
-    # Scores and ratios have this form too, but do not write 08:30 or 12:05.
+    # Scores and ratios have this form too, but not as 08:30 or 12:05.
     if len(clock) != 5:
         return 0
     return TIME_OF_DAY | (PROOF if "0" in (clock[0], clock[3]) else 0)
@@ -295,14 +296,14 @@ def _named(way: int, year: str, month: str, day: str) -> int:
 
 
 def _has_day(year: str, month: int, day: int) -> bool:
-    """Tell whether a month from 1 to 12 has a day from 1 to 31."""
+    """Return whether a month from 1 to 12 has a day from 1 to 31."""
     if day <= 28:
         return True
     if month != 2:
         return day <= 30 or month in (1, 3, 5, 7, 8, 10, 12)
     if day > 29:
         return False
-    # A year of two digits is a leap year as in this century; only 1900 differs in the last.
+    # Two digits are a year of this century; among those of the last only 1900 differs.
     number = int(year)
     return number % 4 == 0 and (number % 100 != 0 or number % 400 == 0)
 

@@ -1,4 +1,4 @@
-"""Which columns hold distances: by the unit in the texts, or by name and number together."""
+"""Tests for columns of distances: by the unit in the texts, or by name and numbers."""
 
 from __future__ import annotations
 
@@ -14,17 +14,17 @@ DISTANCE_WORDS = frozenset(
     "mile miles".split()
 )
 
-# Also short for district and distribution, which are numbered with whole numbers.
+# Also short for district and distribution, which have whole numbers.
 SHORT_WORDS = frozenset(("dist",))
 
-# Rates, prices, ranks and labels that speak of a distance are none.
+# Rates, prices, ranks and labels named after a distance are not distances.
 OTHER_WORDS = frozenset(
     "per hour hr h mph kmh kph speed rate price cost fare fee paid points count cnt n id code "
     "no rank category type class unit units band bucket group flag sq square squared liter "
     "litre gallon error err std ratio zscore".split()
 )
 
-# Millimetres, centimetres and inches measure things; a lone m is also minutes and millions.
+# Millimetres, centimetres and inches are sizes; "m" also stands for minutes and millions.
 _DISTANCE_TEXT = re.compile(
     r"[0-9]+(?:[.,][0-9]+)*[ \u00a0]?"
     r"(?:km|kms|kilomet(?:er|re)s?|met(?:er|re)s?|mi|miles?|nmi|ft|feet|foot|yds?|yards?)\.?",
@@ -33,7 +33,7 @@ _DISTANCE_TEXT = re.compile(
 
 
 def is_distance_column(column: Any) -> bool:
-    """Tell whether a column holds distances."""
+    """Return whether a column holds distances."""
     words = name_words(column)
     if words & OTHER_WORDS:
         return False

@@ -1,8 +1,9 @@
-# ruff: noqa: E501 -- the docstrings are the module's, and its sources have longer lines.
+# ruff: noqa: E501 -- the docstrings come from C++ sources, whose lines are longer.
 #
-# The docstrings are copied from the built module by scripts/stub_docstrings.py; all else is written
-# by hand. Parameters named with two leading underscores are positional only: type checkers that run
-# on CPython 3.7 cannot read the slash.
+# The docstrings in this file are generated: scripts/stub_docstrings.py copies them from the built
+# module, and `make lint-stub` fails if they differ. Change a docstring in the C++ source of its
+# routine. Everything else is written by hand. Two leading underscores mark a positional-only
+# parameter: type checkers that run on CPython 3.7 cannot read "/".
 
 import logging
 from typing import (

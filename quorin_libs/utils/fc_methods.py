@@ -1,4 +1,4 @@
-"""Column tests that need nothing but the column: class `FC`."""
+"""Column tests: class `FC`."""
 
 from __future__ import annotations
 
@@ -22,18 +22,18 @@ from quorin_libs.utils._epoch import is_epoch_column
 
 __all__ = ["FC", "Verdict"]
 
-# The bounds by which the column classifier's companion calls an integer column categorical.
+# The bounds by which `FCplus.is_num_column_categorical` calls an integer column categorical.
 CATEGORIES_BELOW = 100
 CATEGORY_SHARE_BELOW = 0.1
 FEW_CATEGORIES_BELOW = 5
 FEW_ROWS_BELOW = 30
 
-# From four different values in five cells on an integer column names its rows.
+# With more distinct values than this share of the cells, integers identify rows.
 UNIQUE_SHARE_BELOW = 0.8
 
 
 class Verdict(pd.Series):  # type: ignore[misc]  # pandas ships no types
-    """A one-element Series of truth that keeps `bool()`, which pandas 3 took away.
+    """A one-element boolean Series with the method `bool()`, which pandas 3 removed.
 
     Examples
     --------
@@ -48,12 +48,12 @@ class Verdict(pd.Series):  # type: ignore[misc]  # pandas ships no types
         return Verdict
 
     def bool(self) -> builtins.bool:
-        """Return the only element as a plain truth value.
+        """Return the only element as a bool.
 
         Raises
         ------
         ValueError
-            If there is not exactly one element.
+            If the number of elements is not 1.
         """
         if len(self) != 1:
             raise ValueError("bool() needs exactly one element, got {}".format(len(self)))
@@ -64,33 +64,32 @@ class Verdict(pd.Series):  # type: ignore[misc]  # pandas ships no types
 
 
 class FC:
-    """Tests of one column, each answering one question.
+    """Tests of one column.
 
     A column is a Series, a one-column DataFrame, an array of shape (n,) or (n, 1), a list or a
-    tuple. Missing cells (None, NaN, NaT, NA) are left out. Unless a test says otherwise a column
-    without any other cell answers False, as does anything that is not one column. No test raises
-    or warns because of what a column holds, and none changes it.
+    tuple. Nulls (None, NaN, NaT, NA) are ignored. Unless stated otherwise, a test of a column of
+    nulls, or of anything that is not one column, is False. No test raises or warns because of the
+    cells of a column, and none changes it.
 
     Numbers are Python and numpy integers and floats, `Decimal` and `Fraction`. Truth values,
-    complex numbers and texts that read as numbers are not: whoever wants the numbers in a text
-    converts it first.
+    complex numbers and number texts are not numbers.
 
-    The semantic tests (dates, moments, coordinates, distances) are strict on purpose. A column
-    wrongly called a date is converted and ruined; one that was missed is merely left as it is.
+    The semantic tests (dates, moments, coordinates, distances) are strict: converting a column that
+    was taken for a date by mistake destroys it, while one that was missed is left unchanged.
     """
 
-    # Tests that do nothing but answer. A caller that has no use for the answer need not ask.
+    # Tests without side effects: a caller that ignores the result may skip the call.
     side_effect_free: ClassVar[FrozenSet[str]] = frozenset({"is_string_in_datetime_format"})
 
     @staticmethod
     def is_positive(column: Any) -> Verdict:
-        """Tell whether all numbers are above zero.
+        """Return whether all numbers are above zero.
 
         Returns
         -------
         Verdict
-            One element; its `bool()` is True when the column holds numbers only, at least one,
-            and each is greater than 0. Infinity is.
+            One element: True if the column holds only numbers, at least one, and each is greater
+            than 0. Infinity is.
 
         Examples
         --------
@@ -105,13 +104,13 @@ class FC:
 
     @staticmethod
     def is_non_negative(column: Any) -> Verdict:
-        """Tell whether no number is below zero.
+        """Return whether no number is below zero.
 
         Returns
         -------
         Verdict
-            One element; its `bool()` is True when the column holds numbers only, at least one,
-            and each is 0 (-0.0 too) or greater.
+            One element: True if the column holds only numbers, at least one, and each is 0 (or
+            -0.0) or greater.
 
         Examples
         --------
@@ -124,10 +123,10 @@ class FC:
 
     @staticmethod
     def is_not_all_non_negative(column: Any) -> bool:
-        """Tell whether a column of numbers holds one below zero.
+        """Return whether a column of numbers holds one below zero.
 
-        Not the plain opposite of `is_non_negative`: a column that holds something other than
-        numbers, or nothing, answers False to both.
+        Not the opposite of `is_non_negative`: both are False for an empty column and for one that
+        holds anything but numbers.
 
         Returns
         -------
@@ -144,15 +143,14 @@ class FC:
 
     @staticmethod
     def is_lt80pc_unique_int(column: Any) -> bool:
-        """Tell whether whole numbers repeat often enough not to be row identifiers.
+        """Return whether whole numbers repeat often enough not to be row identifiers.
 
         Returns
         -------
         bool
-            True when all numbers are whole (2.0 counts: a missing cell turns integers into
-            floats) and different values are fewer than 80 per cent of the cells that are not
-            missing. At 80 per cent and above four cells in five are alone with their value, as
-            in keys with a few duplicated rows; a measured count repeats more.
+            True if all numbers are whole (2.0 too: nulls turn integers into floats) and the
+            distinct values are fewer than 80 per cent of the cells that are not null. Keys with a
+            few duplicated rows have more distinct values, measured counts fewer.
 
         Examples
         --------
@@ -167,11 +165,10 @@ class FC:
 
     @staticmethod
     def is_constant(column: Any) -> bool:
-        """Tell whether a column has no two different values.
+        """Return whether a column has at most one distinct value.
 
-        Values are compared as Python compares them, so 1 and 1.0 are one value. A column of
-        missing cells only, or of no cells, is constant: it tells rows apart as little as any
-        other constant column, and the column classifier's flag says the same.
+        Values are compared with ``==``, so 1 and 1.0 are one value. A column without cells or with
+        nulls only is constant, as in the classifier's ``constant_column_flag``.
 
         Returns
         -------
@@ -191,19 +188,19 @@ class FC:
         if cells.dtype.kind in "biufcmMSU":
             return bool((cells == cells[0]).all())
         first = cells[0]
-        with warnings.catch_warnings():  # what a cell's own comparison may say
+        with warnings.catch_warnings():  # from comparisons of the cells
             warnings.simplefilter("ignore")
             return all(cell is first or _equal(cell, first) for cell in cells)
 
     @staticmethod
     def is_string_in_datetime_format(column: Any) -> bool:
-        """Tell whether a column holds date or time texts and nothing else.
+        """Return whether a column holds only date or time texts.
 
         Returns
         -------
         bool
-            True when every cell that is not missing is a text in one of these forms, the order
-            of day, month and year is the same throughout, and no date is impossible:
+            True if every cell that is not null is a text in one of these forms, the order of day,
+            month and year is the same throughout, and all dates exist:
 
             - ISO 8601: ``2026-01-31``, ``2026-01-31T12:00:00.123+01:00``, ``2026-01``,
               ``2026-W05-6``; also with / or . and a blank before the time;
@@ -215,18 +212,17 @@ class FC:
 
         Notes
         -----
-        All texts, not most: the caller passes at most 50 different values, and one that is no
-        date means that the column cannot be converted as it stands. Years run from 1600 to 2199,
-        the whole centuries between the Gregorian calendar's first year (1582) and the last that
-        nanoseconds in 64 bits reach (2262), with 0001 and 9999, which databases write for
-        "always" and "never".
+        All texts have to be dates, not most: a column with one other text cannot be converted.
+        Years are 1600 to 2199, the whole centuries between the start of the Gregorian calendar
+        (1582) and the end of 64-bit nanoseconds (2262), and 0001 and 9999, which databases write
+        for "always" and "never".
 
-        Refused although people write dates so, because other things look the same:
+        Not accepted, because other things have the same form:
 
-        - ``20260131``, and all else that reads as a number;
-        - ``1.2.26`` and ``1-2-26``: versions, marks. With two digits in each place they count
-          when a zero leads somewhere in the column, which versions avoid (semver.org, rule 2), and
-          ``01.01.01`` never counts;
+        - ``20260131`` and other number texts;
+        - ``1.2.26`` and ``1-2-26``: versions, marks. With two digits in each place they are
+          accepted if one in the column has a leading zero, which versions have not (semver.org,
+          rule 2); ``01.01.01`` is not accepted;
         - ``12/2026``: invoice numbers; ``31/12``, ``3-2``: fractions, scores, ranges;
         - ``12:30`` without any ``08:30`` or ``12:05`` in the column: scores, ratios;
         - ``2010-11`` where every text is a year and its successor: seasons.
@@ -245,31 +241,31 @@ class FC:
 
     @staticmethod
     def is_epoch(column: Any) -> bool:
-        """Tell whether numbers count seconds, milli-, micro- or nanoseconds since 1970.
+        """Return whether numbers count seconds, milli-, micro- or nanoseconds since 1970.
 
         Returns
         -------
         bool
-            True when all numbers are whole and, read in one of the four units, all lie from
-            2002-01-01 to 2033-05-18 (UTC), and look like moments.
+            True if all numbers are whole, lie between 2002-01-01 and 2033-05-18 (UTC) in one of
+            the four units, and pass the rules below.
 
         Notes
         -----
-        In that window a count has exactly 10, 13, 16 or 19 digits, the first being 1. Columns of
-        other numbers of that length are told apart so:
+        In that window a count has exactly 10, 13, 16 or 19 digits and starts with 1. To exclude
+        other numbers of that length:
 
         - one value alone must be a whole minute, and not all may be multiples of 10,000 s:
           amounts and made-up numbers end in zeros;
-        - on average different values are two units or more apart: serial numbers are not;
+        - distinct values are two units or more apart on average: serial numbers are not;
         - they span at most 20 years unless all are whole minutes: arbitrary numbers that start
           with 1 (US provider numbers) span 30;
         - nanoseconds are multiples of 100: clocks are, identifiers of messages are not.
 
-        The name a Series or DataFrame carries counts. One that speaks of an identifier, a phone,
-        a count or an amount settles for False. One that speaks of a moment (timestamp, epoch,
-        created, ...) widens the window to 1980 to 2099 and lifts the four rules.
+        The name of a Series or DataFrame is used: with a word for an identifier, a phone, a count
+        or an amount the result is False; with a word for a moment (timestamp, epoch, created, ...)
+        the window is 1980 to 2099 and the four rules do not apply.
 
-        Number texts are refused: ten digits kept as text are phone numbers or identifiers.
+        Number texts are not accepted: ten digits kept as text are phone numbers or identifiers.
 
         Examples
         --------
@@ -281,29 +277,29 @@ class FC:
 
     @staticmethod
     def is_longitude(column: Any, name: Any = None) -> bool:
-        """Tell whether a column holds degrees of longitude.
+        """Return whether a column holds degrees of longitude.
 
         Parameters
         ----------
         column
             The column.
         name
-            Its name; None stands for the name that a Series or DataFrame carries.
+            Its name; by default that of the Series or DataFrame.
 
         Returns
         -------
         bool
-            True when the name says so and the numbers agree: -180 to 180, or 0 to 360.
+            True if the name is one of a longitude and the numbers are in -180 to 180 or 0 to 360.
 
         Notes
         -----
-        Without a name the answer is False: numbers in that range with a fraction are also rates,
-        returns, scores and most of what a program prints. A name with the word "longitude" (also
-        French, Spanish, Portuguese, Italian, German) is enough for numbers in range. "lon", "lng"
-        and "long" have other meanings, so half of the values need three digits of fraction (0.001
-        degree is 111 m on the equator) or one value a minus sign and one a fraction; "long" also
-        a value of 10 or more. A name that speaks of latitude too, or of an error, difference or
-        distance, is refused, and so are columns scaled to mean 0 and deviation 1 or to 0 to 1.
+        Without a name the result is False: rates, returns and scores have the same range. With the
+        word "longitude" in the name (also French, Spanish, Portuguese, Italian, German) numbers in
+        range are enough. "lon", "lng" and "long" have other meanings: half of the values need three
+        digits of fraction (0.001 degree is 111 m on the equator), or one value a minus sign and one
+        a fraction; "long" also needs a value of 10 or more. False for names with a word for
+        latitude, an error, a difference or a distance, and for columns scaled to mean 0 and
+        deviation 1 or to 0 to 1.
 
         Examples
         --------
@@ -315,20 +311,20 @@ class FC:
 
     @staticmethod
     def is_latitude(column: Any, name: Any = None) -> bool:
-        """Tell whether a column holds degrees of latitude.
+        """Return whether a column holds degrees of latitude.
 
         Parameters
         ----------
         column
             The column.
         name
-            Its name; None stands for the name that a Series or DataFrame carries.
+            Its name; by default that of the Series or DataFrame.
 
         Returns
         -------
         bool
-            True when the name says so and the numbers agree: -90 to 90. The rules are those of
-            `is_longitude`; the short word is "lat".
+            True if the name is one of a latitude and the numbers are in -90 to 90. The rules are
+            those of `is_longitude`; the short word is "lat".
 
         Examples
         --------
@@ -340,21 +336,20 @@ class FC:
 
     @staticmethod
     def is_distance(column: Any) -> bool:
-        """Tell whether a column holds distances.
+        """Return whether a column holds distances.
 
         Returns
         -------
         bool
-            True for texts that are each a number with a unit of distance (km, m written out, mi,
-            ft, yd, nmi), and for finite numbers, none below zero and some above, in a Series or
-            DataFrame whose name speaks of a distance (distance, mileage, km, miles, ...).
+            True for texts that are each a number with a unit of distance (km, meters, mi, ft, yd,
+            nmi), and for finite numbers, none below zero and some above, in a Series or DataFrame
+            with a word for a distance in its name (distance, mileage, km, miles, ...).
 
         Notes
         -----
-        Numbers without a name are refused: every measured quantity looks like them. A name that
-        speaks of a rate, price, count, rank or identifier is refused too, as are flags of 0 and
-        1. "dist" also means district, so it needs a fraction. Centimetres, millimetres and inches
-        are sizes; "5 m" may be minutes or millions.
+        False for numbers without such a name, for names with a word for a rate, price, count, rank
+        or identifier, and for flags of 0 and 1. "dist" also means district and requires a fraction.
+        Centimetres, millimetres and inches are sizes; "5 m" may be minutes or millions.
 
         Examples
         --------
@@ -367,22 +362,21 @@ class FC:
 
     @staticmethod
     def is_not_categorical(y: Any) -> bool:
-        """Tell whether a target is continuous, so that predicting it is regression.
+        """Return whether a target is continuous, so that predicting it is regression.
 
         Returns
         -------
         bool
-            True for numbers of which one has a fraction, and for whole numbers (0.0 and 1.0 too:
-            labels become floats where cells are missing) unless they are categories: fewer than
-            100 different ones that are under a tenth of the cells, or exactly 2, or fewer than 5
-            in fewer than 30 cells. Texts, truth values, dates, mixtures and pandas categories
-            are categorical; a column without values is.
+            True for numbers with a fraction among them, and for whole numbers (0.0 and 1.0 too:
+            nulls turn labels into floats) unless they are categories: fewer than 100 distinct ones
+            that are under a tenth of the cells, or exactly 2, or fewer than 5 in fewer than 30
+            cells. False for texts, truth values, dates, mixtures, pandas categories and columns
+            without values.
 
         Notes
         -----
-        The bounds are those by which ``FCplus.is_num_column_categorical`` judges integers, so that
-        a target and a feature with the same numbers are judged alike. Here only cells that are
-        not missing count.
+        The bounds are those of ``FCplus.is_num_column_categorical`` for integers, so that a target
+        and a feature with the same numbers get the same result. Nulls are not counted.
 
         Examples
         --------
@@ -410,7 +404,7 @@ def _equal(one: Any, other: Any) -> bool:
         if isinstance(one, np.ndarray) or isinstance(other, np.ndarray):
             return bool(np.array_equal(one, other))
         return bool(one == other)
-    except Exception:  # a cell whose comparison fails is not the same value
+    except Exception:  # a comparison that raises means: different
         return False
 
 

@@ -15,7 +15,7 @@ namespace {
          expected, expected == 1 ? "" : "s", given);
 }
 
-// The parameter of that name, or -1. Callers' names are interned almost always, so identity settles it.
+// The index of the parameter, or -1. Keyword names are interned in almost all calls, so identity is compared first.
 Py_ssize_t position_of(const Signature& signature, PyObject* name) {
     for (Py_ssize_t i = 0; i < signature.parameters; ++i) {
         if (PyTuple_GET_ITEM(signature.names, i) == name) return i;
@@ -49,7 +49,7 @@ void bind(const Signature& signature, PyObject* const* positional, Py_ssize_t gi
     for (Py_ssize_t i = 0; i < given; ++i) bound[i] = positional[i];
     for (Py_ssize_t i = given; i < signature.parameters; ++i) bound[i] = nullptr;
 
-    // A missing argument is told before a superfluous one, so the first wrong keyword waits.
+    // A missing argument is reported before a wrong keyword.
     PyObject* wrong = nullptr;
     bool twice = false;
     for (Py_ssize_t k = 0; k < keywords.size; ++k) {

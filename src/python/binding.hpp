@@ -1,4 +1,4 @@
-// From the arguments of a call to one value for each parameter.
+// Binds the arguments of a call to parameters.
 #pragma once
 
 #include "python/interpreter.hpp"
@@ -8,7 +8,7 @@
 
 namespace quorin {
 
-// What binding needs to know of a routine; the references are the routine's own.
+// The parameters of a routine. The references are borrowed from the routine.
 struct Signature {
     const char* name;
     Py_ssize_t parameters;  // how many there are
@@ -23,11 +23,11 @@ struct GivenKeywords {
     Py_ssize_t size = 0;
 };
 
-// Fills `bound` with borrowed references. Throws TypeError with the interpreter's usual wording.
+// Fills `bound` with borrowed references. Raises TypeError with the interpreter's text.
 void bind(const Signature& signature, PyObject* const* positional, Py_ssize_t given, GivenKeywords keywords,
           PyObject** bound);
 
-// For a routine of one parameter, which takes its argument straight and knows no keywords.
+// Raises the TypeError of a routine with a single parameter, which is positional only.
 [[noreturn]] void refuse_single(const char* name, Py_ssize_t given, Py_ssize_t keywords);
 
 }  // namespace quorin

@@ -9,7 +9,12 @@ BorrowViolation::BorrowViolation(Where where)
                        std::to_string(where.line())) {}
 
 void fail_borrowed(Where where) {
-    throw BorrowViolation(where);
+    const BorrowViolation violation(where);
+#ifndef NDEBUG
+    Py_FatalError(violation.what());
+#else
+    throw violation;
+#endif
 }
 
 }  // namespace quorin

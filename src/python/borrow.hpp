@@ -1,12 +1,16 @@
 // Memory that belongs to Python objects and is read in place.
 //
-// Invariant: while a Borrow lives, no foreign code runs. Foreign code is every call of Python code, and also every
-// allocation of an array (numpy releases the GIL inside it), every list, tuple or dictionary that is made (which may
-// start garbage collection) and the answer to a signal. Each of them may change or free what is borrowed.
+// Invariant: while a Borrow is alive, no foreign code runs. Foreign code is
+//   - every call of Python code, operators and attribute look-ups included;
+//   - every allocation of an array: numpy releases the GIL inside it, so that other threads run;
+//   - every allocation of a list, tuple or dictionary: it may start garbage collection, which calls finalizers;
+//   - the last reference to an object being dropped, if its class is unknown: that calls its finalizer;
+//   - the answer to a signal.
+// Each of them may change or free borrowed memory. Making a str, int, float or bool is not foreign code.
 //
-// The functions of python/ that may run foreign code begin with foreign_code_may_run(), so a native route that has them
-// in the wrong order fails the first time that it is run, and not only under a race. A route therefore allocates
-// first and borrows afterwards, or drops its borrow, allocates, and borrows again.
+// Every function of python/ that may run foreign code begins with foreign_code_may_run(). It throws BorrowViolation if
+// a Borrow is alive, so a native route with the wrong order fails in its first run and not only in a race between
+// threads. A route allocates first and borrows afterwards; or it drops its borrow, allocates, and borrows again.
 #pragma once
 
 #include "python/interpreter.hpp"
@@ -15,7 +19,7 @@
 
 namespace quorin {
 
-// A view of borrowed memory has one as a member: the view's scope is the borrow's.
+// A view of borrowed memory has a Borrow as a member, so the scope of the view is the scope of the borrow.
 class Borrow {
   public:
     Borrow() noexcept { ++alive_; }
@@ -26,17 +30,19 @@ class Borrow {
     [[nodiscard]] static bool any() noexcept { return alive_ != 0; }
 
   private:
-    // Only read and written with the GIL held. It is 0 whenever another thread may take the GIL, so all threads share
-    // it.
+    // Read and written only with the GIL held. By the invariant it is 0 whenever the GIL is released, so one counter
+    // serves all threads.
     static inline int alive_ = 0;
 };
 
-// A native route would run foreign code while it reads memory in place: a mistake in this module.
+// A native route would run foreign code while it reads memory in place: a bug in this module. It is not derived from
+// PythonError, so native_route() does not treat it as a reason to give up; behind_wall() makes it a SystemError.
 class BorrowViolation : public std::logic_error {
   public:
     explicit BorrowViolation(Where where);
 };
 
+// Throws BorrowViolation. A build with assertions aborts instead: code that handles a SystemError cannot hide the bug.
 [[noreturn]] void fail_borrowed(Where where);
 
 inline void foreign_code_may_run(Where where = Where::current()) {

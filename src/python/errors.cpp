@@ -1,5 +1,6 @@
 #include "python/errors.hpp"
 
+#include "python/borrow.hpp"
 #include "python/lifecycle.hpp"
 #include "python/module_names.hpp"
 
@@ -7,11 +8,16 @@
 
 namespace quorin {
 
+void require_exception() noexcept {
+    if (PyErr_Occurred() == nullptr) PyErr_SetString(PyExc_SystemError, "error return without exception set");
+}
+
 void Ref::failed(Where where) {
     throw PythonError(where);
 }
 
 void raise(Object exception, Where where) {
+    foreign_code_may_run(where);
     PyErr_SetObject(reinterpret_cast<PyObject*>(Py_TYPE(exception.get())), exception.get());
     throw PythonError(where);
 }
@@ -23,14 +29,14 @@ void add_traceback(const char* routine, Where where) noexcept {
     PyErr_Fetch(&type, &value, &traceback);
     const auto line = static_cast<int>(where.line());
     PyCodeObject* code = PyCode_NewEmpty(where.file_name(), routine, line);
-    // A frame's globals are open to whoever reads the traceback. Before start-up there are none of ours, and another
-    // interpreter must not get at those of this one.
+    // The globals of the frame are visible in the traceback. They are empty before start-up, and in another interpreter,
+    // which must not see the objects of this one.
     const Ref empty = Ref::adopt(PyDict_New());
     Object globals = empty;
     if (is_own_interpreter() && module_names()) globals = module_names();
     PyFrameObject* frame = nullptr;
     if (code != nullptr && empty) frame = PyFrame_New(PyThreadState_Get(), code, globals.get(), empty.get());
-    // An error while making the entry is dropped: the error that is under way matters more.
+    // If the entry cannot be made, the traceback lacks it; the error itself is kept.
     PyErr_Restore(type, value, traceback);
     if (frame != nullptr) {
 #if PY_VERSION_HEX < 0x030B0000
@@ -43,6 +49,7 @@ void add_traceback(const char* routine, Where where) noexcept {
 }
 
 Handling::Handling(const PythonError& error, const char* routine) {
+    foreign_code_may_run(error.where());
     add_traceback(routine, error.where());
     PyObject* type = nullptr;
     PyObject* value = nullptr;

@@ -1,5 +1,5 @@
-// Errors between C++ and the interpreter: a failing call throws, one wall turns the throw back into the
-// interpreter's null, and every wall that an exception passes leaves an entry in its traceback.
+// Errors between C++ and the interpreter. A failing call throws PythonError; behind_wall() turns it back into the
+// interpreter's null and adds an entry to the traceback.
 #pragma once
 
 #include "python/ref.hpp"
@@ -10,10 +10,15 @@
 
 namespace quorin {
 
-// Thrown while the interpreter's error indicator is set. Knows the line of the call that failed.
+// Sets SystemError, with the interpreter's own words, if no exception is set. A function of a C library may fail without
+// setting one (numpy does if memory runs out), and CPython crashes if it adds a traceback entry to no exception.
+void require_exception() noexcept;
+
+// A call failed. Invariant: while a PythonError is in flight, the interpreter's error indicator is set.
 class PythonError {
   public:
-    explicit PythonError(Where where) noexcept : where_(where) {}
+    // `where` is the line of the call that failed.
+    explicit PythonError(Where where) noexcept : where_(where) { require_exception(); }
     [[nodiscard]] Where where() const noexcept { return where_; }
     [[nodiscard]] static bool matches(PyObject* type) noexcept { return PyErr_ExceptionMatches(type) != 0; }
 
@@ -27,24 +32,25 @@ struct Format {
     Format(const char* format, Where line = Where::current()) noexcept : text(format), where(line) {}
 };
 
-// Raises in one line, with the culprit in it: fail(PyExc_NameError, "name '%U' is not defined", name).
+// Raises an exception: fail(PyExc_NameError, "name '%U' is not defined", name). The format names exact texts and numbers
+// only (%U, %s, %zd), so that no foreign code runs.
 template <class... Parts>
 [[noreturn]] void fail(PyObject* type, Format format, Parts... parts) {
     PyErr_Format(type, format.text, parts...);
     throw PythonError(format.where);
 }
 
-// Raises an exception object that was made beforehand.
+// Raises an existing exception object.
 [[noreturn]] void raise(Object exception, Where where = Where::current());
 
 // Adds the entry "File <C++ file>, line <line>, in <routine>" to the traceback of the pending error.
 void add_traceback(const char* routine, Where where) noexcept;
 
-// The exception that a routine handles. While this lives the interpreter counts it as being handled: whatever is
-// raised meanwhile names it as its context, as inside an except block.
+// An except block: while this is alive, the interpreter treats the exception as being handled, so an exception raised
+// meanwhile has it as its context.
 class Handling {
   public:
-    // Takes the pending error over; `routine` gets its entry in the traceback, as in any caller it passed.
+    // Takes over the error that is set and adds a traceback entry for `routine`.
     Handling(const PythonError& error, const char* routine);
     ~Handling();
     Handling(const Handling&) = delete;
@@ -61,14 +67,14 @@ class Handling {
     PyObject* outer_traceback_ = nullptr;
 };
 
-// Counts one level of nesting. Code that runs foreign code may meet itself again without end: through a replaced name
-// or through a class that has a routine for one of its operators.
+// Counts one level of recursion. A routine that runs foreign code may be called again by it, through a replaced name or
+// an operator of a class, without end.
 class RecursionGuard {
   public:
     explicit RecursionGuard(Where where = Where::current()) {
         if (Py_EnterRecursiveCall(" while calling a Python object") != 0) throw PythonError(where);
 #if PY_VERSION_HEX >= 0x030C0000
-        // These interpreters allow C code ten times the depth, for levels that are smaller than ours.
+        // These interpreters allow C code ten times the depth, for stack frames smaller than ours.
         if (++depth_ > Py_GetRecursionLimit()) {
             leave();
             fail(PyExc_RecursionError, Format("maximum recursion depth exceeded while calling a Python object", where));
@@ -93,7 +99,8 @@ class RecursionGuard {
 #endif
 };
 
-// The wall. Runs `body`, which gives a Ref, for the interpreter.
+// The boundary between C++ exceptions and the interpreter. Returns the result of `body`, a Ref, or null with an exception
+// set. A BorrowViolation becomes SystemError.
 template <class Body>
 PyObject* behind_wall(const char* routine, Body&& body) noexcept {
     try {
@@ -110,8 +117,8 @@ PyObject* behind_wall(const char* routine, Body&& body) noexcept {
     return nullptr;
 }
 
-// What `make` gives, or nothing where that fails or takes more memory than there is: the interpreter route is asked
-// then, and its complaint is the one to be heard.
+// Returns what `make` returns, or an empty Ref if it fails or memory runs out. The interpreter route then raises the
+// error.
 template <class Make>
 Ref unless_it_fails(Make make) {
     try {

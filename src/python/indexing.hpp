@@ -1,4 +1,4 @@
-// Rows and columns of whatever has a shape and can be indexed as numpy's arrays are.
+// Rows and columns of objects that have a shape and are indexed like numpy's arrays.
 #pragma once
 
 #include "python/ref.hpp"
@@ -10,7 +10,7 @@ Ref column_count(Object X, Where where = Where::current());                 // X
 Ref matrix_column(Object X, Py_ssize_t j, Where where = Where::current());  // X[:, j]
 Ref every(Where where = Where::current());                                  // the index : of one axis
 
-// As many rows as messages and samples take: 50, or all where there are fewer.
+// min(rows, 50): the number of rows in messages and samples.
 Ref capped_row_count(Object X, Where where = Where::current());
 Ref capped(Object rows, Where where = Where::current());
 Ref first_rows(Object X, Object limit, Where where = Where::current());  // X[list(range(limit))]

@@ -14,7 +14,7 @@ namespace {
 #define QUORIN_TEXT(value) #value
 #define QUORIN_VERSION(major, minor) QUORIN_TEXT(major) "." QUORIN_TEXT(minor)
 
-// Kept whole in the file, so that one can tell what a built module is for, and ask what happens where it does not fit.
+// One contiguous text in the file, so that the version can be read from a built module, and patched by a test.
 const volatile char built_for[] = "built for CPython " QUORIN_VERSION(PY_MAJOR_VERSION, PY_MINOR_VERSION);
 constexpr std::size_t version_starts = std::string_view("built for CPython ").size();
 
@@ -30,8 +30,8 @@ std::string runtime_version() {
     return std::string(whole.substr(0, whole.find_first_not_of("0123456789", whole.find('.') + 1)));
 }
 
-constexpr std::int64_t nobody = -1;
-std::atomic<std::int64_t> owner{nobody};
+constexpr std::int64_t no_interpreter = -1;
+std::atomic<std::int64_t> owner{no_interpreter};
 std::atomic<bool> started{false};
 
 }  // namespace
@@ -49,7 +49,7 @@ void check_version(const char* module) {
 void claim_interpreter() {
     const std::int64_t running = running_interpreter();
     if (running < 0) throw PythonError(Where::current());
-    std::int64_t first = nobody;
+    std::int64_t first = no_interpreter;
     if (!owner.compare_exchange_strong(first, running) && first != running) {
         fail(PyExc_ImportError,
              "Interpreter change detected - this module can only be loaded into one interpreter per process.");

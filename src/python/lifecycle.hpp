@@ -5,15 +5,15 @@
 
 namespace quorin {
 
-// Warns where the running interpreter is of another version (major.minor) than the one the module was built for.
+// Warns if the version of the running interpreter (major.minor) is not the one that the module was built for.
 void check_version(const char* module);
 
-// Refuses every interpreter but the first that comes, also where that one could not start the module up: what is made
-// once for a process belongs to it from then on.
+// Raises ImportError in every interpreter but the first that imports the module, even if that import failed: objects that
+// exist once in a process belong to the first interpreter.
 void claim_interpreter();
 bool is_own_interpreter() noexcept;
 
-// Refuses a second start-up. One that fails leaves the way free for another try.
+// Raises RuntimeError at a second start-up. After a failed one, start-up may be tried again.
 class StartUp {
   public:
     StartUp();

@@ -1,176 +1,164 @@
 #include "python/lookup_guard.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "python/dictionary_changes.hpp"
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
+#include "python/native_lookups.hpp"
 #include "python/operations.hpp"
-#include "python/routine.hpp"
 
 namespace quorin {
 
 namespace {
 
-// One dictionary and what some of its names stood for; null for a name that was not there.
-struct Scope {
-    struct Entry {
-        PyObject* name;
-        PyObject* value;
-        bool date_test;  // on the way to the date test, and to nothing else that a native route stands in for
-    };
-    PyObject* dictionary;
-    std::vector<Entry> entries;
-#if PY_VERSION_HEX < 0x030C0000
-    std::uint64_t version = 0;
-#endif
+// A name of a dictionary and the object that it was bound to; null if the dictionary did not hold it.
+struct Entry {
+    Ref name;
+    Ref value;
+    bool date_test;  // looked up on the way to the date test only
 };
 
-// Lives as long as the process, as the objects it names do.
+struct Scope {
+    WatchedDictionary dictionary;
+    std::vector<Entry> entries;
+};
+
+// Never destroyed, as the module itself.
 std::vector<Scope>& scopes() {
     static auto* const all = new std::vector<Scope>;
     return *all;
 }
 
-struct InPlace {
+struct Unchanged {
     bool date_test = false;
     bool others = false;
 };
-InPlace in_place;
+Unchanged unchanged;
 bool own_date_test_is_pure = false;
-bool watched = true;  // every dictionary; without that nobody knows what still stands
 
-// Interpreters before 3.12 count the changes of every dictionary; later ones tell whoever watches it.
-#if PY_VERSION_HEX < 0x030C0000
-
-std::uint64_t version_of(PyObject* dictionary) noexcept {
-    return reinterpret_cast<PyDictObject*>(dictionary)->ma_version_tag;
-}
-
-bool changed() noexcept {
-    for (const Scope& scope : scopes()) {
-        if (version_of(scope.dictionary) != scope.version) return true;
-    }
-    return false;
-}
-
-void settle() noexcept {
-    for (Scope& scope : scopes()) scope.version = version_of(scope.dictionary);
-}
-
-bool watch(PyObject* /*dictionary*/) noexcept {
-    return true;
-}
-
+bool any_changed() noexcept {
+#if PY_VERSION_HEX >= 0x030C0000
+    return WatchedDictionary::changed();
 #else
-
-bool something_changed = true;
-
-int on_change(PyDict_WatchEvent /*event*/, PyObject* /*dictionary*/, PyObject* /*key*/, PyObject* /*value*/) {
-    something_changed = true;
-    return 0;
-}
-
-bool changed() noexcept {
-    return something_changed;
-}
-
-void settle() noexcept {
-    something_changed = false;
-}
-
-// There are few watchers for all modules together.
-bool watch(PyObject* dictionary) noexcept {
-    static int watcher = -1;
-    if (watcher < 0) watcher = PyDict_AddWatcher(on_change);
-    if (watcher >= 0 && PyDict_Watch(watcher, dictionary) == 0) return true;
-    PyErr_Clear();
-    return false;
-}
-
+    const std::vector<Scope>& all = scopes();
+    return std::any_of(all.begin(), all.end(), [](const Scope& scope) { return scope.dictionary.changed(); });
 #endif
+}
 
-InPlace look_everything_up() noexcept {
-    InPlace found{own_date_test_is_pure, true};
+Unchanged look_up_all() noexcept {
+    Unchanged found{own_date_test_is_pure, true};
     for (const Scope& scope : scopes()) {
-        for (const Scope::Entry& entry : scope.entries) {
-            PyObject* held = PyDict_GetItemWithError(scope.dictionary, entry.name);
+        for (const Entry& entry : scope.entries) {
+            PyObject* held = PyDict_GetItemWithError(scope.dictionary.get(), entry.name.get());
             if (held == nullptr) PyErr_Clear();
-            if (held != entry.value) (entry.date_test ? found.date_test : found.others) = false;
+            if (held != entry.value.get()) (entry.date_test ? found.date_test : found.others) = false;
         }
     }
     return found;
 }
 
-void look_again() noexcept {
-    if (scopes().empty() || !changed()) return;
-    in_place = look_everything_up();
-    settle();
+// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change a
+// dictionary again.
+void update() noexcept {
+    if (scopes().empty() || !any_changed()) return;
+    for (Scope& scope : scopes()) scope.dictionary.seen();
+    unchanged = look_up_all();
 }
 
-// The dictionary that the attributes of a module or of a class are looked up in; null for any other object.
-PyObject* members_of(PyObject* owner) noexcept {
-    if (PyModule_Check(owner)) return PyModule_GetDict(owner);
-    // vars() of a class would be a view of it.
-    return PyType_Check(owner) ? reinterpret_cast<PyTypeObject*>(owner)->tp_dict : nullptr;
-}
-
-Scope& scope_of(PyObject* dictionary) {
+Scope& scope_of(Object dictionary) {
     for (Scope& scope : scopes()) {
-        if (scope.dictionary == dictionary) return scope;
+        if (scope.dictionary.get() == dictionary.get()) return scope;
     }
-    scopes().push_back({Ref::share(dictionary).give(), {}});
-    watched = watch(dictionary) && watched;
+    scopes().push_back({WatchedDictionary(dictionary), {}});
     return scopes().back();
 }
 
-// Remembers what the name stands for, and returns it: null if it is not there.
-PyObject* remember(PyObject* dictionary, Object name, bool date_test) {
-    PyObject* held = PyDict_GetItemWithError(dictionary, name.get());
+// Records what a dictionary binds a name to, and returns it: null if it does not hold the name.
+PyObject* remember(Object dictionary, Object name, bool date_test) {
+    PyObject* held = PyDict_GetItemWithError(dictionary.get(), name.get());
     if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
-    std::vector<Scope::Entry>& entries = scope_of(dictionary).entries;
+    std::vector<Entry>& entries = scope_of(dictionary).entries;
     const bool known = std::any_of(entries.begin(), entries.end(),
-                                   [&](const Scope::Entry& entry) { return entry.name == name.get(); });
-    if (!known) entries.push_back({Ref::share(name).give(), Ref::share(held).give(), date_test});
+                                   [&](const Entry& entry) { return entry.name.is(name); });
+    if (!known) entries.push_back({Ref::share(name), Ref::share(held), date_test});
     return held;
 }
 
-// The names on the way to the date test, and to nothing else that a native route stands in for.
+// The dictionary of a class. vars() of a class is only a view of it.
+Ref dictionary_of(PyTypeObject* type) {
+#if PY_VERSION_HEX >= 0x030C0000
+    return Ref::adopt(PyType_GetDict(type));
+#else
+    return Ref::share(type->tp_dict);
+#endif
+}
+
+// The dictionaries in which an attribute of a module or of a class is searched, in this order; empty for any other
+// object, and for None.
+std::vector<Ref> dictionaries_of(PyObject* owner) {
+    std::vector<Ref> found;
+    if (PyModule_Check(owner)) {
+        found.push_back(Ref::share(PyModule_GetDict(owner)));
+    } else if (PyType_Check(owner)) {
+        PyObject* classes = reinterpret_cast<PyTypeObject*>(owner)->tp_mro;
+        for (Py_ssize_t i = 0; classes != nullptr && i < PyTuple_GET_SIZE(classes); ++i) {
+            PyObject* type = PyTuple_GET_ITEM(classes, i);
+            if (PyType_Check(type)) found.push_back(dictionary_of(reinterpret_cast<PyTypeObject*>(type)));
+        }
+    }
+    found.erase(std::remove_if(found.begin(), found.end(), [](const Ref& dictionary) { return !dictionary; }),
+                found.end());
+    return found;
+}
+
+// The names that are looked up on the way to the date test only.
 bool leads_to_date_test(std::string_view dotted) {
     return dotted == "FC" || dotted.substr(0, 3) == "FC." || dotted == "FCplus.is_column_string_in_datetime_format";
 }
 
-// Every part of a dotted name, from the module's namespace on. False if a part is looked up in an object that is
-// neither a module nor a class, whose changes cannot be seen.
+// Records every part of a dotted name. Returns false if a part is an attribute of an object that is neither a module nor
+// a class: changes of it cannot be watched. A last part that is not bound, such as np.float in numpy 2, is recorded as
+// not bound.
 bool remember_dotted(std::string_view dotted) {
-    PyObject* dictionary = module_names().get();
-    for (std::size_t end = 0; end != std::string_view::npos;) {
-        const std::size_t start = end == 0 ? 0 : end + 1;
-        end = dotted.find('.', start);
+    std::vector<Ref> dictionaries;
+    dictionaries.push_back(Ref::share(module_names()));
+    for (std::size_t start = 0; start <= dotted.size();) {
+        const std::size_t end = std::min(dotted.find('.', start), dotted.size());
+        if (dictionaries.empty()) return false;
         const std::string part(dotted.substr(start, end - start));
         const Ref name = Ref::take(PyUnicode_InternFromString(part.c_str()));
-        PyObject* held = remember(dictionary, name, leads_to_date_test(dotted.substr(0, end)));
-        if (end == std::string_view::npos) return true;
-        dictionary = held == nullptr ? nullptr : members_of(held);
-        if (dictionary == nullptr) return false;
+        PyObject* held = nullptr;
+        for (const Ref& dictionary : dictionaries) {
+            held = remember(dictionary, name, leads_to_date_test(dotted.substr(0, end)));
+            if (held != nullptr) break;
+        }
+        if (end == dotted.size()) return true;
+        dictionaries = held == nullptr ? std::vector<Ref>() : dictionaries_of(held);
+        start = end + 1;
     }
     return true;
 }
 
 // The date test may call any method of its class.
-void remember_date_tests_of(PyObject* FC) {
-    PyObject* name = nullptr;
-    PyObject* value = nullptr;
-    Py_ssize_t position = 0;
-    PyObject* dictionary = members_of(FC);
-    while (dictionary != nullptr && PyDict_Next(dictionary, &position, &name, &value) != 0) {
-        if (!truth(Object(name).attr("startswith"_py)({"__"_py}))) remember(dictionary, name, true);
+void remember_date_tests_of(Object FC) {
+    const Ref of_object = dictionary_of(&PyBaseObject_Type);
+    for (const Ref& dictionary : dictionaries_of(FC.get())) {
+        if (dictionary.is(of_object)) continue;
+        const Ref names = Ref::take(PyDict_Keys(dictionary.get()));
+        for (Py_ssize_t i = 0; i < PyList_GET_SIZE(names.get()); ++i) {
+            PyObject* name = PyList_GET_ITEM(names.get(), i);
+            if (!PyUnicode_Check(name)) continue;
+            if (PyUnicode_Tailmatch(name, "__"_py.text, 0, PY_SSIZE_T_MAX, -1) != 1) remember(dictionary, name, true);
+        }
     }
 }
 
-// pandas before 3 has an option by which infinite numbers are null, too, and notes it where pd.isnull() looks.
+// Before version 3, pandas has an option that makes infinite numbers null. It stores it in this dictionary.
 void remember_null_option() {
     const Ref module = Ref::adopt(PyImport_GetModule("pandas.core.dtypes.missing"_py.text));
     if (!module || !PyModule_Check(module.get())) {
@@ -180,45 +168,51 @@ void remember_null_option() {
     PyObject* dictionary = PyModule_GetDict(module.get());
     const Name name = "INF_AS_NA"_py;
     if (PyDict_Contains(dictionary, name.text) != 1) return;
-    scope_of(dictionary).entries.push_back({name.text, Py_False, false});
+    scope_of(dictionary).entries.push_back({Ref::share(name.text), Ref::truth(false), false});
 }
 
-// Whether FC says that its date test has no effect but its answer, so that nobody can tell whether it was asked.
+// Whether FC declares that its date test has no effect besides its result.
 bool date_test_is_pure(Object FC) {
-    if (!PyType_Check(FC.get())) return false;
-    PyObject* declared = PyDict_GetItemWithError(members_of(FC.get()), "side_effect_free"_py.text);
-    if (declared == nullptr) return false;
-    return contains(declared, "is_string_in_datetime_format"_py);
+    for (const Ref& dictionary : dictionaries_of(FC.get())) {
+        PyObject* declared = PyDict_GetItemWithError(dictionary.get(), "side_effect_free"_py.text);
+        if (declared != nullptr) return contains(declared, "is_string_in_datetime_format"_py);
+        PyErr_Clear();
+    }
+    return false;
+}
+
+bool all_watched() noexcept {
+    const std::vector<Scope>& all = scopes();
+    return std::all_of(all.begin(), all.end(), [](const Scope& scope) { return scope.dictionary.watched(); });
 }
 
 }  // namespace
 
 void remember_lookups() {
     scopes().clear();
-    in_place = {};
-    watched = true;
+    unchanged = {};
     const Ref FC = item(module_names(), "FC"_py);
     own_date_test_is_pure = date_test_is_pure(FC);
-    bool seen = true;
-    for (const std::string& dotted : all_native_lookups()) seen = remember_dotted(dotted) && seen;
-    remember_date_tests_of(FC.get());
+    bool complete = true;
+    for (const std::string& dotted : all_native_lookups()) complete = remember_dotted(dotted) && complete;
+    remember_date_tests_of(FC);
     remember_null_option();
-    if (!seen || !watched) {
+    if (!complete || !all_watched()) {
         scopes().clear();
         return;
     }
-    in_place = look_everything_up();
-    settle();
+    for (Scope& scope : scopes()) scope.dictionary.seen();
+    unchanged = look_up_all();
 }
 
 bool lookups_unchanged() noexcept {
-    look_again();
-    return in_place.others;
+    update();
+    return unchanged.others;
 }
 
 bool lookups_and_date_test_unchanged() noexcept {
-    look_again();
-    return in_place.date_test && in_place.others;
+    update();
+    return unchanged.date_test && unchanged.others;
 }
 
 }  // namespace quorin

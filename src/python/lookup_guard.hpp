@@ -1,20 +1,19 @@
-// What start-up bound, remembered. A native route may stand in for the interpreter route only while every name that the
-// interpreter route would look up still stands for the object that was there first: a replaced name is somebody's
-// wish, and only the interpreter route can honour it.
+// Whether the names that the interpreter routes look up are bound to the objects that start-up bound. A native route runs
+// only if they are: if an application replaces one, only the interpreter route has the effect of the replacement.
 #pragma once
 
 namespace quorin {
 
-// To be called once, when everything is bound.
+// Records the objects that all names of native_lookups() are bound to. Called at the end of start-up, when every routine
+// is made. If it cannot watch one of the names, lookups_unchanged() returns false ever after.
 void remember_lookups();
 
-// Whether all of these names but those of the date test still are what they were. Costs a few loads, unless one of the
-// dictionaries that hold them has changed since the last time: then every name is looked up again.
+// Whether all names but those of the date test are bound to the recorded objects. Costs a few loads, unless one of the
+// dictionaries that hold the names has changed since the last call: then every name is looked up again.
 bool lookups_unchanged() noexcept;
 
-// Whether the date test is its own as well, so that whoever does not tell its answer need not ask it. An application
-// may replace it, or leave it without the word that it has no side effects: the classifier then asks it, and the rest
-// of its work is still its own.
+// Whether, in addition, the names of the date test are, and FC declares that its date test has no side effects: then a
+// call of the date test whose result is not used can be left out.
 bool lookups_and_date_test_unchanged() noexcept;
 
 }  // namespace quorin

@@ -1,5 +1,6 @@
 #include "python/module_names.hpp"
 
+#include "python/borrow.hpp"
 #include "python/errors.hpp"
 #include "python/operations.hpp"
 
@@ -16,7 +17,7 @@ PyObject* look_up(PyObject* dictionary, At name) {
     return found;
 }
 
-// Built-in names are those that the module was started with, whoever calls.
+// Built-in names come from the module's own `__builtins__`, as in a Python function, not from the caller's.
 PyObject* look_up_builtin(At name) {
     PyObject* builtins = look_up(names, At("__builtins__"_py, name.where));
     if (builtins == nullptr) return nullptr;
@@ -44,6 +45,7 @@ void use_module_names(Object dictionary) noexcept {
 }
 
 Ref global(At name) {
+    foreign_code_may_run(name.where);
     PyObject* found = look_up(names, name);
     if (found == nullptr) found = look_up_builtin(name);
     if (found == nullptr) fail_unknown(name);

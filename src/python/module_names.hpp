@@ -1,26 +1,27 @@
-// The module's own names. Routines meet each other, the libraries and the two classes here, by name and at call
-// time, so that an application can put something else in any of these places.
+// The module's own names. Routines look up each other, the libraries and the two classes here at call time, so that an
+// application can replace any of them.
 #pragma once
 
 #include "python/ref.hpp"
 
 namespace quorin {
 
-// The module's dictionary, set at start-up and kept as long as the process lives.
+// The module's dictionary, set at start-up and kept until the process ends.
 Object module_names() noexcept;
 void use_module_names(Object dictionary) noexcept;
 
-// What a name of the module stands for now; built-in names come behind the module's own.
+// The object that a name is bound to in the module, or among the built-in names. Raises NameError if there is none.
+// Foreign code: a key of the dictionary may be of a class with its own `==`.
 Ref global(At name);
 
 void print(const Operand& what, Where where = Where::current());
 
-// Seconds, from the module's `time`.
+// time.time(), by the module's name `time`.
 Ref now(Where where = Where::current());
 
 [[noreturn]] void fail_unbound(Name variable, Where where = Where::current());
 
-// A variable of a routine that may be read before anything was put into it.
+// A local variable of a routine. Reading it before the first assignment raises UnboundLocalError.
 class Local {
   public:
     explicit Local(Name name) noexcept : name_(name) {}

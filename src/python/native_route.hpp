@@ -1,4 +1,4 @@
-// The frame of every native route: when it may run, and the one way in which it gives up.
+// The frame of every native route: the condition under which it runs, and the one way in which it gives up.
 #pragma once
 
 #include "python/borrow.hpp"
@@ -11,14 +11,17 @@
 
 namespace quorin {
 
-// Whether a route also stands in for the classifier's call of the date test, which an application may replace by one
-// with side effects.
+// Whether the route also replaces the classifier's call of the date test. If it does, it depends on the names of the date
+// test as well, and on the declaration that the test has no side effects.
 enum class DateTest { not_called, called };
 
-// Returns what `body` returns. An empty Ref means that the route gives up and the caller takes the interpreter route:
-// if a name that an interpreter route looks up no longer is bound to what start-up bound, if `body` returns an empty
-// Ref, if memory runs out, or if the interpreter refuses to make an object (the interpreter route then raises the
-// error). `body` calls no foreign code whose effects could be seen twice. Interrupted passes through.
+// Returns what `body` returns. An empty Ref means that the route gives up and the caller takes the interpreter route. A
+// route gives up if
+//   - a name that the interpreter route looks up is not bound to the object that start-up bound;
+//   - `body` returns an empty Ref;
+//   - memory runs out or the interpreter cannot make an object: the interpreter route then raises the error.
+// `body` calls no foreign code with visible effects, since the interpreter route would repeat them. Interrupted and
+// BorrowViolation pass through.
 template <DateTest date_test = DateTest::not_called, class Body>
 Ref native_route(Body body) {
     if (!(date_test == DateTest::called ? lookups_and_date_test_unchanged() : lookups_unchanged())) return {};

@@ -7,6 +7,18 @@
 
 namespace quorin {
 
+namespace {
+
+void set_element_size(PyArray_Descr* dtype, std::size_t bytes) noexcept {
+#if NPY_ABI_VERSION >= 0x02000000
+    PyDataType_SET_ELSIZE(dtype, static_cast<npy_intp>(bytes));
+#else
+    dtype->elsize = static_cast<int>(bytes);
+#endif
+}
+
+}  // namespace
+
 void connect_numpy() {
     if (_import_array() < 0) throw PythonError(Where::current());
 }
@@ -39,7 +51,25 @@ Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where) {
     return Ref::take(PyArray_NewFromDescr(&PyArray_Type, dtype, 1, &shape, nullptr, nullptr, 0, nullptr), where);
 }
 
+Ref new_fixed_text(std::size_t size, std::size_t length, Where where) {
+    foreign_code_may_run(where);
+    // PyArray_New() would copy the dtype of texts itself; numpy 1.21 crashes there if the copy cannot be allocated.
+    PyArray_Descr* dtype = PyArray_DescrNewFromType(NPY_UNICODE);
+    Ref owner = Ref::take(reinterpret_cast<PyObject*>(dtype), where);
+    set_element_size(dtype, length * sizeof(std::uint32_t));
+    const npy_intp shape = static_cast<npy_intp>(size);
+    // PyArray_NewFromDescr() takes the reference to the dtype over.
+    static_cast<void>(owner.give());
+    return Ref::take(PyArray_NewFromDescr(&PyArray_Type, dtype, 1, &shape, nullptr, nullptr, 0, nullptr), where);
+}
+
+Ref new_objects(std::span<const npy_intp> shape, Where where) {
+    foreign_code_may_run(where);
+    return Ref::take(PyArray_SimpleNew(static_cast<int>(shape.size()), shape.data(), NPY_OBJECT), where);
+}
+
 Ref numpy_alias(At name, Object builtin) {
+    foreign_code_may_run(name.where);
     const Ref np = global(At("np"_py, name.where));
     if (PyModule_Check(np.get())) {
         PyObject* held = PyDict_GetItemWithError(PyModule_GetDict(np.get()), name.name.text);

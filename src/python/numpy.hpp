@@ -3,6 +3,8 @@
 
 #include "python/ref.hpp"
 
+#include <span>
+
 #define PY_ARRAY_UNIQUE_SYMBOL quorin_numpy
 #ifndef QUORIN_IMPORTS_NUMPY
 #define NO_IMPORT_ARRAY
@@ -33,16 +35,20 @@ inline bool is_plain_text(Object value) noexcept {
     return type == &PyUnicode_Type || type == &PyUnicodeArrType_Type;
 }
 
-// New arrays of one dimension. Allocating one is foreign code: numpy releases the GIL meanwhile. The elements of
+// New arrays, of one dimension. Allocating one is foreign code: numpy releases the GIL meanwhile. The elements of
 // new_array() are not initialised, except that objects are None or null.
 Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 Ref new_array(std::size_t size, int type, Where where = Where::current());
 Ref new_zeros(std::size_t size, int type, Where where = Where::current());
 // Elements that are objects are null, which numpy reads as None.
 Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
+// Text of `length` characters, at least one; the characters are not initialised.
+Ref new_fixed_text(std::size_t size, std::size_t length, Where where = Where::current());
+// Objects, of any number of dimensions; the places are empty (null).
+Ref new_objects(std::span<const npy_intp> shape, Where where = Where::current());
 
-// np.<name>, an alias of a built-in type that numpy has given up: where the numpy in use does not hold it, the
-// built-in type itself, without numpy's warning or refusal.
+// Returns np.<name>, an alias of a built-in type that newer versions of numpy have removed, or `builtin` if numpy does
+// not hold it, without numpy's warning or error.
 Ref numpy_alias(At name, Object builtin);
 
 }  // namespace quorin

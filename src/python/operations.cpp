@@ -9,8 +9,7 @@ namespace quorin {
 
 namespace {
 
-// The arguments of one call, side by side as the interpreter wants them. Calls have few arguments, so that the
-// place for them is on the stack.
+// The arguments of one call are contiguous, on the stack.
 constexpr std::size_t most_arguments = 8;
 
 Ref call_with(PyObject* callee, Positional positional, Keywords keywords, Where where) {
@@ -33,8 +32,8 @@ Ref call_with(PyObject* callee, Positional positional, Keywords keywords, Where 
     return Ref::take(vectorcall(callee, arguments.data(), positional.size(), names.get()), where);
 }
 
-// For calls whose answer is -1 (failed), 0 or 1.
-bool answer(int result, Where where) {
+// For functions that return -1 if they fail, and otherwise 0 or 1.
+bool checked(int result, Where where) {
     if (result < 0) throw PythonError(where);
     return result != 0;
 }
@@ -58,7 +57,7 @@ Ref Object::operator()(Positional positional, Keywords keywords, Where where) co
 
 bool truth(Object value, Where where) {
     foreign_code_may_run(where);
-    return answer(PyObject_IsTrue(value.get()), where);
+    return checked(PyObject_IsTrue(value.get()), where);
 }
 
 Ref compare(const Operand& left, int operation, const Operand& right, Where where) {
@@ -120,17 +119,17 @@ Ref item(Object container, const Operand& key, Where where) {
 
 void set_item(Object container, const Operand& key, const Operand& value, Where where) {
     foreign_code_may_run(where);
-    answer(PyObject_SetItem(container.get(), key.object.get(), value.object.get()), where);
+    checked(PyObject_SetItem(container.get(), key.object.get(), value.object.get()), where);
 }
 
 void set_attr(Object owner, At name, const Operand& value) {
     foreign_code_may_run(name.where);
-    answer(PyObject_SetAttr(owner.get(), name.name.text, value.object.get()), name.where);
+    checked(PyObject_SetAttr(owner.get(), name.name.text, value.object.get()), name.where);
 }
 
 bool contains(Object container, const Operand& value, Where where) {
     foreign_code_may_run(where);
-    return answer(PySequence_Contains(container.get(), value.object.get()), where);
+    return checked(PySequence_Contains(container.get(), value.object.get()), where);
 }
 
 Py_ssize_t length(Object value, Where where) {
@@ -150,7 +149,7 @@ Py_ssize_t count(Object number, Where where) {
 
 bool is_instance(Object value, Object type, Where where) {
     foreign_code_may_run(where);
-    return answer(PyObject_IsInstance(value.get(), type.get()), where);
+    return checked(PyObject_IsInstance(value.get(), type.get()), where);
 }
 
 bool is_text(Object value, Where where) {
@@ -195,6 +194,26 @@ Ref list_holding(std::span<Ref> items, Where where) {
     return made;
 }
 
+Ref untracked_pair(Ref first, Ref second, Where where) {
+    foreign_code_may_run(where);
+    Ref made = Ref::take(PyTuple_New(2), where);
+    PyTuple_SET_ITEM(made.get(), 0, first.give());
+    PyTuple_SET_ITEM(made.get(), 1, second.give());
+    PyObject_GC_UnTrack(made.get());
+    return made;
+}
+
+ListUnderConstruction::ListUnderConstruction(std::size_t size, Where where) {
+    foreign_code_may_run(where);
+    list_ = Ref::take(PyList_New(static_cast<Py_ssize_t>(size)), where);
+    PyObject_GC_UnTrack(list_.get());
+}
+
+Ref dictionary(Where where) {
+    foreign_code_may_run(where);
+    return Ref::take(PyDict_New(), where);
+}
+
 Ref or_new_list(Object value) {
     return value.is_none() ? list({}) : Ref::share(value);
 }
@@ -220,7 +239,7 @@ Ref whole(Py_ssize_t value, Where where) {
 
 void append(Object list, Object value, Where where) {
     foreign_code_may_run(where);
-    answer(PyList_Append(list.get(), value.get()), where);
+    checked(PyList_Append(list.get(), value.get()), where);
 }
 
 Ref iterate(Object iterable, Where where) {

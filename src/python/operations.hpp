@@ -1,4 +1,5 @@
-// The interpreter's own operators and built-in types, on whatever the operands are.
+// The interpreter's operators and built-in types, on operands of any class. All of them are foreign code, except concat()
+// of exact texts and whole().
 #pragma once
 
 #include "python/ref.hpp"
@@ -10,7 +11,8 @@ namespace quorin {
 
 bool truth(Object value, Where where = Where::current());
 
-// `==` and its kin give an object; the tests below take its truth, with no short cut for identical operands.
+// A comparison returns an object. equal(), less() and greater() return its truth, without a short cut for identical
+// operands.
 Ref compare(const Operand& left, int operation, const Operand& right, Where where = Where::current());
 bool equal(const Operand& left, const Operand& right, Where where = Where::current());
 bool less(const Operand& left, const Operand& right, Where where = Where::current());
@@ -39,13 +41,35 @@ Ref text_of(Object value, Where where = Where::current());  // str(value)
 Ref concat(Positional texts, Where where = Where::current());
 Ref tuple(Positional items, Where where = Where::current());
 Ref list(Positional items, Where where = Where::current());
-Ref list_holding(std::span<Ref> items, Where where = Where::current());  // a new list, which takes them over
+Ref list_holding(std::span<Ref> items, Where where = Where::current());  // a new list, which takes over the references
+Ref dictionary(Where where = Where::current());                          // an empty one
 Ref or_new_list(Object value);                                           // a new list in place of None
 Ref list_of(Object iterable, Where where = Where::current());            // list(iterable)
 Ref set_of(Object iterable, Where where = Where::current());             // set(iterable)
 Ref slice(const Operand& start, const Operand& stop, Where where = Where::current());
 Ref whole(Py_ssize_t value, Where where = Where::current());  // an int
 void append(Object list, Object value, Where where = Where::current());
+
+// (first, second), not tracked by garbage collection: for elements that cannot be part of a reference cycle. Garbage
+// collection would stop tracking such a pair itself, but only after a first pass over it.
+Ref untracked_pair(Ref first, Ref second, Where where = Where::current());
+
+// A list of known size. Garbage collection does not see it before finish(), so that foreign code that runs meanwhile
+// cannot reach items that are null.
+class ListUnderConstruction {
+  public:
+    explicit ListUnderConstruction(std::size_t size, Where where = Where::current());
+    void append(Ref item) noexcept { PyList_SET_ITEM(list_.get(), filled_++, item.give()); }
+    // To be called when it has all items.
+    Ref finish() noexcept {
+        PyObject_GC_Track(list_.get());
+        return std::move(list_);
+    }
+
+  private:
+    Ref list_;
+    Py_ssize_t filled_ = 0;
+};
 
 // a, b, ... = value, with the interpreter's messages for a wrong number of values.
 void unpack_into(Ref* targets, Py_ssize_t expected, Object value, Where where);

@@ -1,8 +1,7 @@
-// References: who owns what, and the texts that name things.
+// References to Python objects.
 //
-// `Object` is a view, borrowed from whoever keeps the object alive. `Ref` is the one owner; the name of the
-// constructor tells what is done with the count. Every function that can fail throws `PythonError`
-// (interp/errors.hpp) and remembers the line of its caller.
+// `Object` is a borrowed reference. `Ref` owns one; it is the only class that changes reference counts. A function that
+// can fail throws PythonError (python/errors.hpp) with the line of its caller.
 #pragma once
 
 #include "python/interpreter.hpp"
@@ -18,12 +17,12 @@ class Ref;
 struct Operand;
 struct Keyword;
 
-// An interned text that lives as long as the process. Written "ndim"_py.
+// An interned text, kept until the process ends. Written "ndim"_py.
 struct Name {
     PyObject* text;
 };
 
-// A name and the line that uses it, so that a failing look-up can tell where it stood.
+// A name and the line that uses it, for the traceback of a failed look-up.
 struct At {
     Name name;
     Where where;
@@ -45,7 +44,7 @@ class Object {
     [[nodiscard]] bool is_none() const noexcept { return pointer_ == Py_None; }
 
     [[nodiscard]] Ref attr(At name) const;
-    // A method is called as X.attr("reshape"_py)({-1}): it is found before the arguments are looked at.
+    // X.attr("reshape"_py)({-1}) looks the method up before it evaluates the arguments, as Python does.
     Ref operator()(Positional positional = {}, Keywords keywords = {}, Where where = Where::current()) const;
 
   protected:
@@ -57,7 +56,7 @@ class Ref : public Object {
     constexpr Ref() noexcept = default;
     Ref(Ref&& other) noexcept : Object(std::exchange(other.pointer_, nullptr)) {}
     Ref& operator=(Ref&& other) noexcept {
-        // The old object goes last: its end may run code that sees this reference.
+        // The old object is released last: its finalizer may read this reference.
         PyObject* old = std::exchange(pointer_, std::exchange(other.pointer_, nullptr));
         Py_XDECREF(old);
         return *this;
@@ -66,14 +65,14 @@ class Ref : public Object {
     Ref& operator=(const Ref&) = delete;
     ~Ref() { Py_XDECREF(pointer_); }
 
-    // A new reference that the interpreter handed out; null means that the call failed.
+    // Takes over a new reference that a call returned. Throws if it is null: the call failed.
     static Ref take(PyObject* fresh, Where where = Where::current()) {
         if (fresh == nullptr) failed(where);
         return Ref(fresh);
     }
-    // A reference that is already ours, or null where null is an answer and not a failure.
+    // Takes over a reference, or null if null is not a failure.
     static Ref adopt(PyObject* owned) noexcept { return Ref(owned); }
-    // Somebody else's reference, counted.
+    // Adds a reference to a borrowed object.
     static Ref share(Object borrowed) noexcept {
         Py_XINCREF(borrowed.get());
         return Ref(borrowed.get());
@@ -81,7 +80,7 @@ class Ref : public Object {
     static Ref none() noexcept { return share(Py_None); }
     static Ref truth(bool value) noexcept { return share(value ? Py_True : Py_False); }
 
-    // Hands the reference to a caller who takes it over.
+    // Releases ownership to the caller.
     [[nodiscard]] PyObject* give() noexcept { return std::exchange(pointer_, nullptr); }
 
   private:
@@ -89,7 +88,7 @@ class Ref : public Object {
     [[noreturn]] static void failed(Where where);
 };
 
-// What may stand as an argument of a call or of an operator: an object, a text or a C++ number.
+// An argument of a call or of an operator: an object, a text or a C++ number.
 struct Operand {
     Ref owned;
     Object object;
@@ -99,7 +98,7 @@ struct Operand {
     Operand(Ref&& value) noexcept : owned(std::move(value)), object(owned) {}
     Operand(Name text) noexcept : object(text.text) {}
     Operand(PyTypeObject* type) noexcept : object(type) {}
-    // Exactly a bool: any pointer would turn into one as well.
+    // Exactly a bool, since a pointer converts to bool as well.
     Operand(std::same_as<bool> auto value) noexcept : object(value ? Py_True : Py_False) {}
     Operand(int value) : Operand(static_cast<Py_ssize_t>(value)) {}
     Operand(Py_ssize_t value) : owned(Ref::take(PyLong_FromSsize_t(value))), object(owned) {}
@@ -121,7 +120,7 @@ struct Literal {
 
 PyObject* intern(const char* text);
 
-// The text is made at its first use and kept: no later use pays for more than a guarded load.
+// Interned at the first use; later uses cost a guarded load.
 template <Literal Text>
 Name name_of() {
     static PyObject* const interned = intern(Text.text);

@@ -3,44 +3,15 @@
 #include "python/binding.hpp"
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
+#include "python/native_lookups.hpp"
 #include "python/operations.hpp"
+#include "python/routine_object.hpp"
 
-#include <structmember.h>
-
-#include <algorithm>
 #include <cstddef>
-#include <string_view>
 
 namespace quorin {
 
 namespace {
-
-// The callable itself. Everything but `dict` and `weak` is set when it is made and stays.
-struct Routine {
-    PyObject_HEAD
-#if PY_VERSION_HEX >= 0x03080000
-        vectorcallfunc vectorcall;
-#endif
-    const Definition* definition;
-    Py_ssize_t required;
-    PyObject* names;                  // tuple of interned texts
-    PyObject* defaults;               // tuple, or None where no parameter has one
-    PyObject* const* default_values;  // what the tuple holds
-    PyObject* annotations;            // dict
-    PyObject* name;
-    PyObject* qualified;
-    PyObject* module;
-    PyObject* dict;
-    PyObject* weak;
-};
-
-Routine* routine_of(PyObject* self) {
-    return reinterpret_cast<Routine*>(self);
-}
-
-const Definition& definition_of(PyObject* self) {
-    return *routine_of(self)->definition;
-}
 
 Ref run_body(const Definition& definition, PyObject* const* arguments) {
     if (!definition.counts_nesting) return definition.body(arguments);
@@ -48,7 +19,7 @@ Ref run_body(const Definition& definition, PyObject* const* arguments) {
     return definition.body(arguments);
 }
 
-// The short ways first: most calls name no argument.
+// The common cases first: most calls have no keyword arguments.
 Ref run(const Routine* self, PyObject* const* positional, Py_ssize_t given, GivenKeywords keywords) {
     const Definition& definition = *self->definition;
     const auto parameters = static_cast<Py_ssize_t>(definition.body.arity());
@@ -56,7 +27,7 @@ Ref run(const Routine* self, PyObject* const* positional, Py_ssize_t given, Give
     if (parameters == 1) refuse_single(definition.name, given, keywords.size);
     PyObject* bound[most_parameters];
     if (given >= self->required && given < parameters && keywords.size == 0) {
-        // Plain loops: for so few values a call of memcpy() would cost more than it moves.
+        // Plain loops: for so few values memcpy() would cost more.
         for (Py_ssize_t i = 0; i < given; ++i) bound[i] = positional[i];
         for (Py_ssize_t i = given; i < parameters; ++i) bound[i] = self->default_values[i - self->required];
     } else {
@@ -81,7 +52,7 @@ PyObject* call(PyObject* self, PyObject* const* arguments, std::size_t positiona
 
 #else
 
-// This interpreter hands every call of a foreign type over as a tuple and a dictionary.
+// CPython 3.7 passes the arguments to a tp_call as a tuple and a dictionary.
 PyObject* call(PyObject* self, PyObject* arguments, PyObject* keyword_dict) {
     return behind_wall(definition_of(self).name, [&] {
         Ref names;
@@ -99,7 +70,7 @@ PyObject* call(PyObject* self, PyObject* arguments, PyObject* keyword_dict) {
 
 #endif
 
-// Stored bare in a class, a routine becomes a method as a function does.
+// A routine that is an attribute of a class becomes a method, as a function does.
 PyObject* bind_to_instance(PyObject* self, PyObject* instance, PyObject* /*type*/) {
     if (instance == nullptr || instance == Py_None) return Ref::share(self).give();
     return PyMethod_New(self, instance);
@@ -109,61 +80,9 @@ PyObject* represent(PyObject* self) {
     return PyUnicode_FromFormat("<routine %U.%U>", routine_of(self)->module, routine_of(self)->qualified);
 }
 
-// Pickles, copies and deep copies to itself, found again by its qualified name.
+// A routine is pickled and copied by reference, under its qualified name.
 PyObject* reduce(PyObject* self, PyObject* /*unused*/) {
     return Ref::share(routine_of(self)->qualified).give();
-}
-
-PyObject* get_doc(PyObject* self, void* /*closure*/) {
-    return PyUnicode_FromString(definition_of(self).doc);
-}
-
-PyObject* get_globals(PyObject* /*self*/, void* /*closure*/) {
-    return Ref::share(module_names()).give();
-}
-
-// The value that a parameter takes when left out, or null where it is required.
-PyObject* default_of(PyObject* self, Py_ssize_t position) {
-    const Routine* routine = routine_of(self);
-    if (position < routine->required) return nullptr;
-    return PyTuple_GET_ITEM(routine->defaults, position - routine->required);
-}
-
-// "(X, debug=False)"; a lone parameter is positional only.
-PyObject* get_text_signature(PyObject* self, void* /*closure*/) {
-    return behind_wall(definition_of(self).name, [&] {
-        const Py_ssize_t parameters = PyTuple_GET_SIZE(routine_of(self)->names);
-        Ref text = Ref::share("("_py.text);
-        for (Py_ssize_t i = 0; i < parameters; ++i) {
-            if (i > 0) text = concat({text, ", "_py});
-            text = concat({text, Object(PyTuple_GET_ITEM(routine_of(self)->names, i))});
-            if (PyObject* otherwise = default_of(self, i)) {
-                text = concat({text, "="_py, Ref::take(PyObject_Repr(otherwise))});
-            }
-        }
-        return concat({text, parameters == 1 ? ", /)"_py : ")"_py});
-    });
-}
-
-PyObject* get_signature(PyObject* self, void* /*closure*/) {
-    return behind_wall(definition_of(self).name, [&] {
-        const Ref inspect = Ref::take(PyImport_ImportModule("inspect"));
-        const Ref make_parameter = inspect.attr("Parameter"_py);
-        const Ref empty = make_parameter.attr("empty"_py);
-        const Object annotations = routine_of(self)->annotations;
-        const Py_ssize_t size = PyTuple_GET_SIZE(routine_of(self)->names);
-        const Ref kind = make_parameter.attr(size == 1 ? "POSITIONAL_ONLY"_py : "POSITIONAL_OR_KEYWORD"_py);
-        const Ref parameters = list({});
-        for (Py_ssize_t i = 0; i < size; ++i) {
-            const Object name = PyTuple_GET_ITEM(routine_of(self)->names, i);
-            PyObject* otherwise = default_of(self, i);
-            append(parameters, make_parameter({name, kind},
-                                              {{"default"_py, otherwise == nullptr ? Object(empty) : Object(otherwise)},
-                                               {"annotation"_py, annotations.attr("get"_py)({name, empty})}}));
-        }
-        return inspect.attr("Signature"_py)(
-            {parameters}, {{"return_annotation"_py, annotations.attr("get"_py)({"return"_py, empty})}});
-    });
 }
 
 int traverse(PyObject* self, visitproc visit, void* arg) {
@@ -174,7 +93,8 @@ int traverse(PyObject* self, visitproc visit, void* arg) {
     return 0;
 }
 
-// The other references stay readable to the end; what cycles may run through them the collector breaks elsewhere.
+// Only `dict` is cleared: the other references are read until the object is destroyed, and garbage collection can break
+// a cycle through them elsewhere.
 int clear(PyObject* self) {
     Py_CLEAR(routine_of(self)->dict);
     return 0;
@@ -227,27 +147,6 @@ void annotate(Object annotations, const char* name, Annotation annotation) {
     set_item(annotations, Ref::take(PyUnicode_InternFromString(name)), value);
 }
 
-PyMemberDef members[] = {
-    {"__name__", T_OBJECT, offsetof(Routine, name), READONLY, nullptr},
-    {"__qualname__", T_OBJECT, offsetof(Routine, qualified), READONLY, nullptr},
-    {"__module__", T_OBJECT, offsetof(Routine, module), READONLY, nullptr},
-    {"__defaults__", T_OBJECT, offsetof(Routine, defaults), READONLY, nullptr},
-    {"__annotations__", T_OBJECT, offsetof(Routine, annotations), READONLY, nullptr},
-    {nullptr, 0, 0, 0, nullptr},
-};
-
-PyObject* get_native_lookups(PyObject* self, void* closure);
-
-PyGetSetDef properties[] = {
-    {"__doc__", get_doc, nullptr, nullptr, nullptr},
-    {"__globals__", get_globals, nullptr, nullptr, nullptr},
-    {"__signature__", get_signature, nullptr, nullptr, nullptr},
-    {"_native_lookups", get_native_lookups, nullptr, "What the native route depends on: names looked up.", nullptr},
-    {"__text_signature__", get_text_signature, nullptr, nullptr, nullptr},
-    {"__dict__", PyObject_GenericGetDict, PyObject_GenericSetDict, nullptr, nullptr},
-    {nullptr, nullptr, nullptr, nullptr, nullptr},
-};
-
 PyMethodDef methods[] = {
     {"__reduce__", reduce, METH_NOARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
@@ -255,58 +154,7 @@ PyMethodDef methods[] = {
 
 PyTypeObject routine_type{};
 
-// Every routine that was made, under its qualified name.
-struct Made {
-    std::string qualified;
-    const Definition* definition;
-};
-
-std::vector<Made>& made_routines() {
-    static auto* const all = new std::vector<Made>;
-    return *all;
-}
-
-// The routine that the name stands for: of two of one name the later one.
-const Definition* find_definition(std::string_view qualified) {
-    const auto& all = made_routines();
-    const auto found =
-        std::find_if(all.rbegin(), all.rend(), [&](const Made& made) { return made.qualified == qualified; });
-    return found == all.rend() ? nullptr : found->definition;
-}
-
-void add_lookups(const Definition& definition, std::vector<std::string>& names) {
-    for (const char* name : definition.lookups) {
-        if (std::find(names.begin(), names.end(), name) != names.end()) continue;
-        names.emplace_back(name);
-        if (const Definition* called = find_definition(name)) add_lookups(*called, names);
-    }
-}
-
-PyObject* get_native_lookups(PyObject* self, void* /*closure*/) {
-    return behind_wall(definition_of(self).name, [&] {
-        const Ref names = list({});
-        for (const std::string& name : native_lookups(definition_of(self))) {
-            append(names, Ref::take(PyUnicode_FromString(name.c_str())));
-        }
-        return Ref::take(PyList_AsTuple(names.get()));
-    });
-}
-
 }  // namespace
-
-std::vector<std::string> native_lookups(const Definition& definition) {
-    std::vector<std::string> names;
-    if (definition.has_native_route) add_lookups(definition, names);
-    return names;
-}
-
-std::vector<std::string> all_native_lookups() {
-    std::vector<std::string> names;
-    for (const Made& made : made_routines()) {
-        if (made.definition->has_native_route) add_lookups(*made.definition, names);
-    }
-    return names;
-}
 
 void ready_routine_type() {
     PyTypeObject& type = routine_type;
@@ -322,8 +170,8 @@ void ready_routine_type() {
     type.tp_clear = clear;
     type.tp_repr = represent;
     type.tp_descr_get = bind_to_instance;
-    type.tp_members = members;
-    type.tp_getset = properties;
+    type.tp_members = routine_members;
+    type.tp_getset = routine_properties;
     type.tp_methods = methods;
     type.tp_dictoffset = offsetof(Routine, dict);
     type.tp_weaklistoffset = offsetof(Routine, weak);
@@ -347,7 +195,7 @@ Ref make_routine(const Definition& definition, const char* owner) {
     }
     Ref made = Ref::take(reinterpret_cast<PyObject*>(PyObject_GC_New(Routine, &routine_type)));
     Routine* self = routine_of(made.get());
-    // From here on the destructor may run at any moment, so every field is valid before anything can fail.
+    // The destructor runs if anything below fails, so every field is valid before.
 #if PY_VERSION_HEX >= 0x03080000
     self->vectorcall = call;
 #endif
@@ -356,7 +204,6 @@ Ref make_routine(const Definition& definition, const char* owner) {
     self->names = self->defaults = self->annotations = nullptr;
     self->default_values = nullptr;
     self->name = self->qualified = self->module = self->dict = self->weak = nullptr;
-    PyObject_GC_Track(made.get());
 
     const Ref names = list({});
     const Ref defaults = list({});
@@ -379,7 +226,11 @@ Ref make_routine(const Definition& definition, const char* owner) {
     self->qualified = owner == nullptr ? Ref::share(self->name).give()
                                        : Ref::take(PyUnicode_FromFormat("%s.%U", owner, self->name)).give();
     self->module = item(module_names(), "__name__"_py).give();
-    made_routines().push_back({PyUnicode_AsUTF8(self->qualified), &definition});
+    const char* qualified = PyUnicode_AsUTF8(self->qualified);
+    if (qualified == nullptr) throw PythonError(Where::current());
+    register_routine(qualified, definition);
+    // Complete: from here on gc.get_objects() may return it.
+    PyObject_GC_Track(made.get());
     return made;
 }
 

@@ -1,5 +1,5 @@
-// A routine, told once: name, parameters, documentation and body stand together in one definition, and the callable
-// that Python sees is made from it at start-up.
+// The definition of a routine: name, parameters, documentation, look-ups and body in one place. The callable that Python
+// sees is made from it at start-up.
 #pragma once
 
 #include "python/ref.hpp"
@@ -7,14 +7,12 @@
 #include <array>
 #include <cstddef>
 #include <initializer_list>
-#include <string>
 #include <type_traits>
 #include <utility>
-#include <vector>
 
 namespace quorin {
 
-// What a parameter stands for when the caller leaves it out.
+// The default of a parameter.
 class Default {
   public:
     enum class Kind { required, none, truth, whole, real, text };
@@ -32,7 +30,7 @@ class Default {
     const char* text = nullptr;
 };
 
-// Annotations are for readers and check nothing. `set_text` is the text "set".
+// Annotations are documentation; nothing checks them. `set_text` is the text "set".
 enum class Annotation { none, ndarray, boolean, set_text };
 
 struct Parameter {
@@ -64,7 +62,7 @@ class Parameters {
     std::size_t size_ = 0;
 };
 
-// A body takes one Object for each parameter and gives a Ref.
+// A body takes one Object for each parameter and returns a Ref.
 class Body {
   public:
     template <class Function>
@@ -90,9 +88,9 @@ class Body {
     Ref (*run_)(PyObject* const*);
 };
 
-// Names that the interpreter route of a routine looks up at call time and that a native route therefore depends on:
-// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". What the routines among them look up in their
-// turn stands in their own definitions.
+// Names that the interpreter route of a routine looks up at call time, and that its native route therefore depends on:
+// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". A routine among them adds the names of its own
+// definition. Callables have them all in the attribute `_native_lookups`, from which the tests are made.
 class Lookups {
   public:
     constexpr Lookups() = default;
@@ -113,10 +111,10 @@ struct Definition {
     Parameters parameters;
     Annotation returns = Annotation::none;
     const char* doc;
-    // Bodies that run no foreign code, or guard the places where they do, save the count of nested calls.
+    // False for a body that runs no foreign code, or that has a RecursionGuard where it does.
     bool counts_nesting = true;
     bool has_native_route = false;
-    // Of a routine with a native route, or of one that such a routine calls.
+    // For a routine with a native route, and for a routine that such a one calls.
     Lookups lookups = {};
     Body body;
 };
@@ -124,14 +122,7 @@ struct Definition {
 // The callable of a definition. `owner` is the class that it belongs to, or null for a routine of the module.
 Ref make_routine(const Definition& definition, const char* owner);
 
-// The names that a routine's native route depends on, with those of the routines that it calls, in the order in which
-// the definitions list them. Empty for a routine without a native route.
-std::vector<std::string> native_lookups(const Definition& definition);
-
-// The same for all routines together, once each.
-std::vector<std::string> all_native_lookups();
-
-// Readies the type of all routines. To be called before the first routine is made.
+// Initialises the type of all routines. Called before the first routine is made.
 void ready_routine_type();
 
 }  // namespace quorin

@@ -9,16 +9,17 @@
 
 namespace quorin {
 
-// What the handler of a signal raised, such as KeyboardInterrupt. It ends the call: no other route is tried.
+// A signal handler raised an exception such as KeyboardInterrupt. It ends the call: the interpreter route is not tried.
 class Interrupted : public PythonError {
   public:
     using PythonError::PythonError;
 };
 
-// Runs the Python handlers of the signals that have arrived. They are foreign code. Throws Interrupted if one raises.
+// Runs the Python handlers of the signals that have arrived, which are foreign code; throws Interrupted if one raises.
+// Handlers run in the main thread only. In every other thread this lets the main thread have the GIL.
 void answer_signals(Where where = Where::current());
 
-// Answers signals at most every 20 ms, however often it is called.
+// Answers signals at most once in 20 ms. Reading the clock takes about 30 ns, so a loop polls every few thousand rows.
 class SignalTimer {
   public:
     void poll(Where where = Where::current());
@@ -28,20 +29,25 @@ class SignalTimer {
     Clock::time_point last_ = Clock::now();
 };
 
-// Calls block(first, last) for consecutive ranges of rows, and answers signals between them. `block` opens the column
-// anew in each call, since a handler may have changed it; it returns false to give up. A range takes a few
-// milliseconds at most, and short columns are one range.
+// Calls block(first, last) for consecutive ranges of at most `most_rows` rows, and answers signals between them.
+// `block` opens the column anew in each call, since a handler may have changed it; it returns false to give up.
+template <class Block>
+bool in_blocks_of(std::size_t most_rows, std::size_t rows, Block block, Where where = Where::current()) {
+    if (rows <= most_rows) return block(std::size_t{0}, rows);
+    SignalTimer timer;
+    for (std::size_t first = 0; first < rows; first += most_rows) {
+        if (first != 0) timer.poll(where);
+        if (!block(first, std::min(rows, first + most_rows))) return false;
+    }
+    return true;
+}
+
+// The same with ranges that take a few milliseconds at most. Short columns are one range.
 constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
 
 template <class Block>
 bool in_blocks(std::size_t rows, Block block, Where where = Where::current()) {
-    if (rows <= rows_between_signals) return block(std::size_t{0}, rows);
-    SignalTimer timer;
-    for (std::size_t first = 0; first < rows; first += rows_between_signals) {
-        if (first != 0) timer.poll(where);
-        if (!block(first, std::min(rows, first + rows_between_signals))) return false;
-    }
-    return true;
+    return in_blocks_of(rows_between_signals, rows, block, where);
 }
 
 }  // namespace quorin

@@ -1,25 +1,15 @@
-"""The rule of distinct values, and what is printed when they cannot be found."""
+"""The rule of distinct values, and the report printed if they cannot be determined."""
 
 from __future__ import annotations
 
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    replace_in,
-)
 
+from helpers.arrays import distinct_numbers, objects
+from helpers.replacements import Recorder, replace_in
+from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils.exportable_utils import FCplus
-
-
-def spread(rows, distinct):
-    """A column of so many rows and distinct values."""
-    return np.arange(rows) % distinct
-
 
 # --- is_num_column_categorical ----------------------------------------------------------------
 
@@ -54,7 +44,7 @@ def spread(rows, distinct):
 )
 @pytest.mark.parametrize("make", [np.asarray, list, pd.Series, lambda c: pd.DataFrame({"a": c})])
 def test_few_distinct_values_are_categories(rows, distinct, expected, make, capsys):
-    assert FCplus.is_num_column_categorical(make(spread(rows, distinct))) is expected
+    assert FCplus.is_num_column_categorical(make(distinct_numbers(rows, distinct))) is expected
     assert capsys.readouterr().out == ""
 
 
@@ -71,7 +61,7 @@ def test_few_distinct_values_are_categories(rows, distinct, expected, make, caps
     ],
 )
 def test_thresholds(rows, distinct, thresholds, expected):
-    column = spread(rows, distinct)
+    column = distinct_numbers(rows, distinct)
     assert FCplus.is_num_column_categorical(column, **thresholds) is expected
     positional = (thresholds.get("uni_max", 100), thresholds.get("uni_ratio", 0.1))
     assert FCplus.is_num_column_categorical(column, *positional) is expected
@@ -85,7 +75,7 @@ def test_the_rows_of_a_matrix_are_counted():
 
 
 class Counted:
-    """Something with a length, whose readings are noted by name."""
+    """An object with a length; records each read by name."""
 
     def __init__(self, log, name, *lengths):
         self.log, self.name, self.lengths = log, name, list(lengths)
@@ -96,7 +86,7 @@ class Counted:
 
 
 class Bound:
-    """A threshold; notes what is compared with it and whether the truth of its answer is taken."""
+    """A threshold; records what is compared with it and whether `bool()` of the answer is taken."""
 
     def __init__(self, log, name, answer):
         self.log, self.name, self.answer = log, name, answer
@@ -154,14 +144,14 @@ def test_the_length_of_the_column_is_read_again(monkeypatch, rows, expected):
 @pytest.mark.parametrize("args", [(None,), ("a",), (100, None), (100, "a"), (1j,)])
 def test_a_threshold_must_compare(args):
     with pytest.raises(TypeError) as excinfo:
-        FCplus.is_num_column_categorical(spread(10, 5), *args)
+        FCplus.is_num_column_categorical(distinct_numbers(10, 5), *args)
     left = 5 if len(args) == 1 else 0.5
     assert str(excinfo.value) == message_of(TypeError, lambda: left < args[-1])
     assert "is_num_column_categorical" in names_in_traceback(excinfo)
 
 
 def test_the_second_threshold_is_not_consulted_above_the_first():
-    assert FCplus.is_num_column_categorical(spread(10, 5), 5, None) is False
+    assert FCplus.is_num_column_categorical(distinct_numbers(10, 5), 5, None) is False
 
 
 @pytest.mark.parametrize(
@@ -179,7 +169,7 @@ def test_a_column_without_length(monkeypatch):
     assert str(excinfo.value) == message_of(TypeError, len, 5)
 
 
-# What is printed when the distinct values cannot be found.
+# The report if the distinct values cannot be determined.
 
 
 def printed(*values):
@@ -226,7 +216,7 @@ def unique_fails(monkeypatch, failure):
 
 
 class Nulls:
-    """A column that tells whether any cell is null."""
+    """A column with `isnull()`."""
 
     def __init__(self, answer):
         self.answer = answer

@@ -6,16 +6,10 @@ from types import SimpleNamespace
 
 import numpy as np
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import distinct_numbers, objects, table
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus
 
@@ -26,11 +20,6 @@ KINDS = [
 ]  # fmt: skip
 INTEGERS = ["int_num", "float_int_num"]
 NAN = np.nan
-
-
-def spread(rows, distinct):
-    """A column of so many rows and distinct values."""
-    return np.arange(rows) % distinct
 
 
 # --- is_column_categorical --------------------------------------------------------------------
@@ -46,17 +35,17 @@ def spread(rows, distinct):
         (np.array([0.5, 1.5]), None, False),
         (np.array([True, False]), None, False),
         (objects("?", "-"), None, False),
-        (spread(1000, 50), None, True),
-        (spread(400, 50), None, False),
-        (spread(400, 50).astype(float), None, False),
-        (spread(1000, 50).astype(float), None, True),
-        # Without the marker a hundred rows with ten values are left: a tenth is too much.
-        (np.append(spread(100, 10), [-9] * 20), [-9], False),
-        (np.append(spread(101, 10), [-9]), [-9], True),
-        (np.append(spread(100, 10), [-9] * 20), [8888], True),
+        (distinct_numbers(1000, 50), None, True),
+        (distinct_numbers(400, 50), None, False),
+        (distinct_numbers(400, 50).astype(float), None, False),
+        (distinct_numbers(1000, 50).astype(float), None, True),
+        # Without the marker, 100 rows with 10 distinct values remain: 10 % is too much.
+        (np.append(distinct_numbers(100, 10), [-9] * 20), [-9], False),
+        (np.append(distinct_numbers(101, 10), [-9]), [-9], True),
+        (np.append(distinct_numbers(100, 10), [-9] * 20), [8888], True),
         (objects(*([1, 2, 3, 4, 5] * 11), "?"), ["?"], True),
-        (spread(1000, 50).reshape(-1, 1), None, True),
-        (spread(400, 50).reshape(-1, 1), [0], False),
+        (distinct_numbers(1000, 50).reshape(-1, 1), None, True),
+        (distinct_numbers(400, 50).reshape(-1, 1), [0], False),
     ],
 )
 def test_columns(y, markers, expected, capsys):
@@ -71,12 +60,12 @@ def test_columns(y, markers, expected, capsys):
 
 
 def classified(monkeypatch, misslist, dtype_str):
-    """Make the classifier answer this for every column."""
+    """Make the classifier return this for every column."""
     return record(monkeypatch, "numpy_whatis", lambda *args: (misslist, dtype_str))
 
 
 def judged(monkeypatch, answer):
-    """Make the rule of distinct values answer this for every column."""
+    """Make the rule of distinct values return this for every column."""
     return record(monkeypatch, "is_num_column_categorical", lambda *args, **kwargs: answer, FCplus)
 
 
@@ -95,7 +84,7 @@ def test_the_kind_decides(monkeypatch, kind, misslist):
 
 
 class Kind:
-    """A kind that equals one text; notes with what it is compared."""
+    """A kind that equals one text; records what it is compared with."""
 
     def __init__(self, text):
         self.text, self.asked = text, []
@@ -134,7 +123,7 @@ def test_a_column_without_markers_is_judged_itself(monkeypatch, kind):
 
 
 class Cells:
-    """A column that notes which rows are read."""
+    """A column that records which rows are read."""
 
     def __init__(self, *cells):
         self.cells, self.shape, self.asked = cells, (len(cells),), []
@@ -233,7 +222,7 @@ def test_the_classifier_must_give_a_pair(monkeypatch, answer, words):
 
 
 def categorical(monkeypatch, answer):
-    """Make `is_column_categorical` answer this, or what a function says of the column."""
+    """Make `is_column_categorical` return this, or the result of a function of the column."""
     function = answer if callable(answer) else lambda column: answer
     return record(
         monkeypatch,
@@ -271,11 +260,6 @@ FINDERS = [
     (FCplus.find_numerical_columns, "is_numerical"),
 ]
 every_finder = pytest.mark.parametrize("find, judge", FINDERS)
-
-
-def table(*columns):
-    """An object array of these columns."""
-    return np.array(columns, dtype=object).T
 
 
 WORDS, NUMBERS, FEW = list("abcdefgh"), [0.5] * 8, [1, 2] * 4

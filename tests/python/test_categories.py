@@ -1,4 +1,4 @@
-"""The category labels of selected columns, text labels compressed where they are no words."""
+"""The category labels of selected columns; labels of text with white space are compressed."""
 
 from __future__ import annotations
 
@@ -7,16 +7,10 @@ from types import SimpleNamespace
 
 import numpy as np
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import compress_string, numpy_get_categories
 
@@ -28,7 +22,7 @@ KINDS = [
 
 
 def classified(monkeypatch, labels, misslist=(), dtype_str="char_str"):
-    """Make the classifier answer this for every column."""
+    """Make the classifier return this for every column."""
     answer = (list(misslist), dtype_str, {"unique_values": labels})
     return record(monkeypatch, "numpy_whatis", lambda *args, **kwargs: answer)
 
@@ -113,7 +107,7 @@ def test_what_cannot_append_fails_at_the_first_column():
 
 
 class Table:
-    """Two dimensions, whose columns are named by their index; notes what is read."""
+    """A table whose column j is a text of j; records what is read."""
 
     ndim = 2
 
@@ -127,7 +121,7 @@ class Table:
 
 
 class Indices:
-    """A container that is searched only."""
+    """A container with `__contains__` only."""
 
     def __init__(self, *indices):
         self.indices = indices
@@ -216,7 +210,7 @@ def test_fixed_width_labels_keep_their_width(monkeypatch):
 
 
 class Label(str):
-    """A label whose tests are noted in a log that several share."""
+    """A label that records its tests in a log shared by all labels."""
 
     log = []
 

@@ -8,15 +8,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus
 
@@ -25,7 +20,7 @@ NAN = np.nan
 
 
 def found(monkeypatch, *misslist):
-    """Make the classifier report these markers for every column."""
+    """Make the classifier return these markers for every column."""
     answer = (list(misslist), "not looked at")
     return record(monkeypatch, "numpy_whatis", lambda *args: answer)
 
@@ -65,7 +60,7 @@ def test_classes_with_their_counts(y, args, expected, capsys, caplog):
         (np.array(["x", "y", "x"]), [(np.str_("x"), 2.0), (np.str_("y"), 1.0)]),
         (np.array([True, False]), [(np.bool_(True), 1.0), (np.bool_(False), 1.0)]),
         (pd.Series(["x", "y", "x"], dtype=object), [("x", 2.0), ("y", 1.0)]),
-        # Each reading makes another NaN, and none equals another.
+        # Each read of a cell makes another NaN object, and no two are equal.
         (
             np.array([0.5, NAN, NAN]),
             [(np.float64(0.5), 1.0), (np.float64(NAN), 1.0), (np.float64(NAN), 1.0)],
@@ -97,7 +92,7 @@ def test_equal_cells_are_one_class_named_by_the_first(monkeypatch):
 
 
 class Cells:
-    """A column that notes which rows are read."""
+    """A column that records which rows are read."""
 
     def __init__(self, *cells):
         self.cells = cells
@@ -171,7 +166,7 @@ def test_the_classifier_gets_column_and_markers(monkeypatch, given, passed):
 
 
 def counter(*items):
-    """A stand-in for the counter, whose items are these."""
+    """A replacement for Counter with these items."""
     return Recorder(lambda seq: SimpleNamespace(items=lambda: iter(items)))
 
 

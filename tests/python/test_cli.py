@@ -1,4 +1,4 @@
-"""The command end to end: what it prints, where, and its exit status."""
+"""The command line: output, error output, exit status."""
 
 from __future__ import annotations
 
@@ -128,10 +128,10 @@ def test_closed_streams(folder):
 
 @pytest.mark.skipif(os.name != "posix", reason="needs POSIX signals")
 def test_interrupt_is_quiet(folder):
-    # main() is entered before the signal: it tells so through the read it waits in.
+    # The signal is sent after main() has begun to read.
     code = (
         "import io, signal, sys\n"
-        # Whoever started the tests in the background may have had it ignored.
+        # A shell that starts the tests in the background may have set the signal to be ignored.
         "signal.signal(signal.SIGINT, signal.default_int_handler)\n"
         "class Waiting(io.RawIOBase):\n"
         "    def read(self, size=-1):\n"

@@ -46,7 +46,7 @@ def test_columns_without_a_name():
         assert name_words(column) == frozenset()
 
 
-# pandas 1.3 writes to standard error that it met a signalling NaN; the caller sees nothing of it.
+# pandas 1.3 writes to standard error that it found a signalling NaN, and raises nothing.
 @pytest.mark.filterwarnings("ignore::pytest.PytestUnraisableExceptionWarning")
 @pytest.mark.parametrize(
     "cell",

@@ -9,16 +9,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils.exportable_utils import compress_str_column, compress_string
 
 NAN = np.nan
@@ -90,7 +84,7 @@ def test_the_mode_is_compared_by_equality():
 
 
 class Text:
-    """Something with the two methods of a text that are used, each called without arguments."""
+    """An object with the two methods of str that are called, without arguments."""
 
     def split(self, *args):
         assert args == ()
@@ -156,7 +150,7 @@ def test_text_that_has_no_bytes():
 )
 def test_columns_of_no_text_are_returned_themselves(column, mode):
     before = typed(column)
-    # Without a look at the markers.
+    # The markers are not searched.
     assert compress_str_column(column, None, mode) is column
     assert typed(column) == before
 
@@ -232,7 +226,7 @@ def test_anything_else_needs_a_dtype(X):
         ([" ? ", "?"], ["?"], ["?", "?"], [" ? ", NAN]),
         ([" ? "], [" ? "], [" ? "], [NAN]),
         (["", "a b"], [], ["", "ab"], ["", "a b"]),
-        # Every test sees the text of an entry, so what is missing is a word like any other.
+        # Every test receives the text of an entry, so "nan" is an ordinary word.
         ([None, NAN, "x y"], ["?"], [None, NAN, "xy"], ["None", "nan", "x y"]),
         ([None, NAN], ["None", "nan"], [None, NAN], [NAN, NAN]),
         ([None, NAN], [None, NAN], [None, NAN], ["None", "nan"]),
@@ -339,7 +333,7 @@ def test_compress_str_column_takes_keywords():
 
 
 class Word:
-    """The text of an entry; notes in a log what is asked."""
+    """The text of an entry; records in a log which tests are made."""
 
     def __init__(self, log, name, null, marker, alnum):
         self.log, self.name, self.null, self.marker = log, name, null, marker

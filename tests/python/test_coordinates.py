@@ -144,7 +144,7 @@ def test_not_longitudes(name, cells):
 
 
 def test_digits_of_fraction_are_those_of_the_type():
-    """0.1 in 32 bits is no coordinate with nine digits."""
+    """0.1 in 32 bits is not a coordinate with nine digits."""
     coarse = np.array([12.1, 45.3, 33.7], dtype="float32")
     fine = np.array([12.1234, 45.3456, 33.7891], dtype="float32")
     assert FC.is_latitude(coarse, "lat") is False

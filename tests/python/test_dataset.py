@@ -7,8 +7,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import Recorder, message_of, names_in_traceback, objects, replace_in
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, replace_in
+from helpers.values import message_of, names_in_traceback
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import DatasetS
 
@@ -57,7 +59,7 @@ def test_a_plain_class():
 
 
 class Table:
-    """A table that is never changed: `withColumn` makes another. All of them share one log."""
+    """An immutable table: `withColumn` returns another. All of them share one log."""
 
     def __init__(self, log, columns):
         self.log = log
@@ -92,7 +94,7 @@ def test_every_column_at_the_start_is_derived_once():
     assert held.df is not table
     assert held.df.cells == {"a": "x", "b": "y", "loga": "xx", "logb": "yy"}
     assert table.cells == {"a": "x", "b": "y"}
-    # Each column is taken from the table that holds what was derived before.
+    # Each column is read from the table that contains the columns derived before.
     assert log == [
         "columns",
         ("column", "a", 2), ("fun", "x"), ("with", "loga", "xx", 2),
@@ -105,7 +107,7 @@ def test_the_new_name_is_log_and_the_old_one():
     held.AddNewColumns(fun=str)
     assert list(held.df.cells) == ["age", "", "log", "logage", "loglog"]
     assert held.df.cells["log"] == "2"
-    # The column "log" was replaced, by that of the nameless one, before its turn came.
+    # The column "log" was replaced by the derived column of the empty name before it is read.
     assert held.df.cells["loglog"] == "2"
 
 
@@ -118,7 +120,7 @@ def test_without_columns_nothing_changes():
 
 
 class Plain(dict):
-    """A table of the columns told, which notes what it is to add and answers with itself."""
+    """A table of the given columns; `withColumn` records its arguments and returns the table."""
 
     def __init__(self, columns, **cells):
         super().__init__(**cells)
@@ -156,7 +158,7 @@ def test_a_frame_of_pandas_cannot_add_columns():
     assert "AddNewColumns" in names_in_traceback(excinfo)
     assert held.df is frame
     assert list(frame.columns) == ["a", "b"]
-    # The column is computed before the table is asked to add it.
+    # The column is computed before `withColumn` is looked up.
     assert fun.only_call()[0][0].tolist() == [1, 2]
 
 
@@ -206,7 +208,7 @@ def test_a_name_that_is_missing_from_the_table():
 
 
 class Reversed:
-    """A name that is added to a text from the right."""
+    """A name with `__radd__`."""
 
     def __radd__(self, text):
         return text + "!"

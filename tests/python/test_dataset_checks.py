@@ -6,8 +6,10 @@ from types import SimpleNamespace
 
 import numpy as np
 import pytest
-from support import message_of, names_in_traceback, objects, record, typed
 
+from helpers.arrays import objects, table
+from helpers.replacements import record
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus
 
@@ -18,7 +20,7 @@ KINDS = [
 ]  # fmt: skip
 TEXT = ["char_str", "int_str", "float_str"]
 
-# Routine, whether it looks for markers, whether for text, whether it lists the columns found.
+# Routine, whether it searches for markers, for text, whether it returns a list of columns.
 CHECKS = [
     (FCplus.is_dataset_preprocessed, True, True, False),
     (FCplus.is_dataset_missing, True, False, False),
@@ -32,13 +34,8 @@ every_routine = pytest.mark.parametrize("check", ROUTINES)
 
 
 def answers(X, *args):
-    """What the five answer of this table, in the order in which they stand above."""
+    """The results of the five checks for this table, in the order above."""
     return [check(X, *args) for check in ROUTINES]
-
-
-def table(*columns):
-    """An object array of these columns."""
-    return np.array(columns, dtype=object).T
 
 
 @pytest.mark.parametrize(
@@ -85,7 +82,7 @@ def test_arguments_may_be_keywords(check):
 
 
 def classified(monkeypatch, *results):
-    """Make the classifier answer with these results, one a call."""
+    """Make the classifier return these results, one a call."""
     answer = iter(results)
     return record(monkeypatch, "numpy_whatis", lambda *args: next(answer))
 
@@ -114,7 +111,7 @@ class Markers:
 
 
 class Kind:
-    """A kind that equals one text; notes with what it is compared."""
+    """A kind that equals one text; records what it is compared with."""
 
     def __init__(self, log, text):
         self.log, self.text = log, text
@@ -146,7 +143,7 @@ def test_the_tests_stop_at_the_first_that_holds(
 
 
 class Table:
-    """Two dimensions whose columns are texts."""
+    """A table whose columns are texts."""
 
     ndim = 2
 
@@ -167,7 +164,7 @@ CLEAN, BAD = ([], "int_num"), (["?"], "char_str")
 def test_the_search_for_a_flag_ends_at_the_first_hit(
     monkeypatch, check, markers, text, lists, first
 ):
-    # The classifier has no fifth answer, and after the first hit none that could be used.
+    # A call after the first hit would fail: the replacement has no further result.
     results = [*[CLEAN] * first, BAD, *([BAD] * (3 - first) if lists else [None] * (3 - first))]
     whatis = classified(monkeypatch, *results)
     result = check(Table(4))

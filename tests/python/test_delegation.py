@@ -1,4 +1,4 @@
-"""The six tests that pass a column straight on to ``FC``."""
+"""The six tests that pass a column to ``FC``."""
 
 from __future__ import annotations
 
@@ -7,6 +7,7 @@ import types
 import pytest
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.replacements import Recorder
 
 # Routine, the test of FC that it calls, arguments given, arguments that FC receives.
 COLUMN = [object()]
@@ -35,7 +36,7 @@ every_delegation = pytest.mark.parametrize("method, test, args, kwargs, received
 
 
 class Answer:
-    """An object that must come back untouched."""
+    """A result that must be returned unchanged: every operation raises."""
 
     def __bool__(self):
         raise AssertionError("the answer's truth value was taken")
@@ -44,7 +45,7 @@ class Answer:
 
 
 class Untouchable:
-    """A column that only FC may look at."""
+    """A column that the routine may not read."""
 
     def __getattribute__(self, name):
         raise AssertionError("the column was looked at: " + name)
@@ -56,23 +57,13 @@ class Untouchable:
         raise AssertionError("a cell was read")
 
 
-class Recorder:
-    def __init__(self, answer):
-        self.answer = answer
-        self.calls = []
-
-    def __call__(self, *args, **kwargs):
-        self.calls.append((args, kwargs))
-        return self.answer
-
-
 @every_delegation
 @pytest.mark.parametrize("through", ["class", "instance"])
 def test_fc_receives_the_arguments_and_its_answer_comes_back(
     monkeypatch, method, test, args, kwargs, received, through
 ):
     answer = Answer()
-    recorder = Recorder(answer)
+    recorder = Recorder(lambda *args: answer)
     monkeypatch.setattr(eu, "FC", types.SimpleNamespace(**{test: recorder}))
     owner = eu.FCplus if through == "class" else eu.FCplus()
     assert getattr(owner, method)(*args, **kwargs) is answer
@@ -86,7 +77,7 @@ def test_fc_receives_the_arguments_and_its_answer_comes_back(
 def test_a_test_replaced_on_the_class_is_honoured(
     monkeypatch, method, test, args, kwargs, received
 ):
-    recorder = Recorder("answer")
+    recorder = Recorder(lambda *args: "answer")
     monkeypatch.setattr(eu.FC, test, recorder)
     assert getattr(eu.FCplus, method)(*args, **kwargs) == "answer"
     assert recorder.calls == [(received, {})]
@@ -128,7 +119,7 @@ def test_fc_unbound(monkeypatch, method, test, args, kwargs, received):
 @pytest.mark.parametrize("method, test", sorted({row[:2] for row in DELEGATIONS}))
 def test_the_column_is_not_looked_at(monkeypatch, method, test):
     column = Untouchable()
-    recorder = Recorder(1)
+    recorder = Recorder(lambda *args: 1)
     monkeypatch.setattr(eu, "FC", types.SimpleNamespace(**{test: recorder}))
     assert getattr(eu.FCplus, method)(column) == 1
     assert recorder.calls[0][0][0] is column

@@ -48,7 +48,7 @@ def run(text, name):
 
 
 def called(text, name):
-    """Tell whether an example's own code calls the routine."""
+    """Whether the code of an example calls the routine."""
     examples = doctest.DocTestParser().get_examples(text)
     last = name.rpartition(".")[2]
     if last == "__init__":

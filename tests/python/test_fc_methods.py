@@ -1,4 +1,4 @@
-"""The column tests of class FC: numbers, constancy, targets, and what all tests have in common."""
+"""The column tests of class FC: numbers, constancy, targets, and common properties of all tests."""
 
 from __future__ import annotations
 
@@ -53,13 +53,13 @@ def containers(cells):
     yield "tuple", tuple(cells)
     yield "array of objects", as_objects
     yield "array (n, 1)", as_objects.reshape(-1, 1)
-    # Told the dtype, since some versions of pandas try huge integers as dates and fail.
+    # With the dtype given: some versions of pandas try to read huge integers as dates and fail.
     yield "Series", pd.Series(as_objects, dtype=object)
     index = range(10, 10 + len(cells))
     yield "Series, other index", pd.Series(as_objects, index=index, dtype=object)
     yield "DataFrame", pd.DataFrame({"x": as_objects}, dtype=object)
     if cells and not any(isinstance(cell, int) and abs(cell) > 2**1000 for cell in cells):
-        # pandas warns when it guesses for nothing, and older ones fail for want of a float
+        # pandas warns if it cannot infer a format; older versions raise for some
         yield "Series, inferred", pd.Series(list(cells))
         yield "DataFrame, inferred", pd.DataFrame({0: list(cells)})
 
@@ -288,7 +288,7 @@ def test_pandas_categories_are_categorical():
 
 
 class Hostile:
-    """Refuses every question."""
+    """Raises from every operation."""
 
     def __eq__(self, other):
         raise RuntimeError("no")
@@ -357,7 +357,7 @@ def odd_columns():
 ODD = list(odd_columns())
 
 
-# pandas 1.3 writes to standard error that it met a signalling NaN; the caller sees nothing of it.
+# pandas 1.3 writes to standard error that it found a signalling NaN, and raises nothing.
 @pytest.mark.filterwarnings("ignore::pytest.PytestUnraisableExceptionWarning")
 @pytest.mark.parametrize("test", WITH_VERDICT + PLAIN)
 @pytest.mark.parametrize("column", [case[1] for case in ODD], ids=[case[0] for case in ODD])

@@ -5,17 +5,10 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    mask,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    set_clock,
-    typed,
-)
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in, set_clock
+from helpers.values import names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_compute_missing_indicator
 

@@ -5,18 +5,10 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    mask,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    set_clock,
-    typed,
-)
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in, set_clock
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import indicator_mask, numpy_isin
 
@@ -105,7 +97,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
 @pytest.mark.parametrize(
     "X, reference, expected",
     [
-        # No null among the reference values: membership alone.
+        # No null among the references: only membership.
         (objects("a", "?", "b"), ["?", ""], mask(0, 1, 0)),
         (np.array(["a", "?", "b"]), ["?", ""], mask(0, 1, 0)),
         (objects("a", None, NAN), ["?", ""], mask(0, 0, 0)),
@@ -116,7 +108,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
         (objects(1, "1"), [1, "?"], mask(1, 0)),
         (objects("a", "?"), [], mask(0, 0)),
         (objects("a", "?"), ("?", "b"), mask(0, 1)),
-        # Nothing but nulls: null cells, and no membership.
+        # Only nulls: null cells, no membership.
         (np.array([1.0, np.nan, 3.0]), [np.nan], mask(0, 1, 0)),
         (objects("a", None, NAN, pd.NaT, "nan"), [np.nan], mask(0, 1, 1, 1, 0)),
         (objects("a", None, NAN), [None, float("nan"), pd.NaT], mask(0, 1, 1)),
@@ -131,7 +123,7 @@ def test_vectorize_gets_a_test_of_one_argument_over_the_very_set(monkeypatch):
         (np.array([1.0, np.nan, 3.0]), [3, np.nan], mask(0, 1, 1)),
         (objects(True, 1, "1"), [1, None], mask(1, 1, 0)),
         (objects("a", None, "b"), [pd.NaT, "a"], mask(1, 1, 0)),
-        # A mixed list takes one dtype on its way: beside a text the number 1 becomes a text.
+        # A mixed list is converted to one dtype: with a text in it, the number 1 becomes a text.
         (objects(1, "1", "?"), [1, "?", np.nan], mask(0, 1, 1)),
         (objects(1, "1", "?"), [1, "?", None], mask(1, 0, 1)),
         (objects(1.0, "1.0", "True"), [True, np.nan], mask(1, 0, 0)),
@@ -159,7 +151,7 @@ def test_a_series_of_text(dtype):
 
 
 def test_any_nan_is_null():
-    # NaN objects differ from each other, so membership alone would find none of these cells.
+    # NaN objects are not equal, so membership finds none of these cells.
     assert numpy_isin(objects(float("nan"), np.float32("nan")), [np.nan]).tolist() == [True, True]
 
 
@@ -207,7 +199,7 @@ def test_nulls_are_those_of_pandas(monkeypatch):
     assert isnull.calls[1][0][0] is column
 
 
-def test_np_any_and_np_asarray_are_asked(monkeypatch):
+def test_np_any_and_np_asarray_are_called(monkeypatch):
     replace_in(monkeypatch, "np", any=lambda nulls: True, asarray=lambda values: objects("b"))
     assert numpy_isin(objects("a", "b"), ["a"]).tolist() == [False, True]
 

@@ -7,35 +7,15 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    typed,
-)
 
+from helpers.arrays import frame, holding, object_frame
+from helpers.replacements import Recorder, record
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus
 
 DEFAULT = exportable_utils.global_missing_values_reference_list
 NAN = np.nan
-
-
-def holding(values):
-    """A column that has nothing but these values."""
-    return SimpleNamespace(values=values)
-
-
-def frame(*cells):
-    """A frame of one column with the label 0."""
-    return pd.DataFrame(list(cells))
-
-
-def text_frame(*cells):
-    """The same of texts and other objects, left as they are."""
-    return pd.DataFrame(objects(*cells).reshape(-1, 1))
 
 
 # --- height, weight, age: the statistic -------------------------------------------------------
@@ -89,7 +69,7 @@ def test_text_is_no_measure(monkeypatch, detect, cell):
     check = checked(monkeypatch, True)
     record(monkeypatch, "numpy_whatis", lambda *args: ([], "int_num"))
     for cells in (cell,), (cell, 60):
-        assert detect(text_frame(*cells)) is False
+        assert detect(object_frame(*cells)) is False
     assert check.calls == []
 
 
@@ -98,7 +78,7 @@ def test_text_is_no_measure(monkeypatch, detect, cell):
 def test_only_the_first_cell_is_looked_at(monkeypatch, detect, cell):
     check = checked(monkeypatch, True)
     record(monkeypatch, "numpy_whatis", lambda *args: ([], "int_num"))
-    assert detect(text_frame(cell, "a")) is True
+    assert detect(object_frame(cell, "a")) is True
     assert len(check.calls) == 1
 
 
@@ -138,7 +118,7 @@ def test_a_frame_with_a_cell_is_needed(detect, dfc):
         (FCplus.is_column_height, [66.4 + 11.7, 66.4 - 11.7], True),
         (FCplus.is_column_height, [66.4 + 11.8], False),
         (FCplus.is_column_height, [66.4 - 11.8], False),
-        # The factor multiplies, so it is small numbers that it makes a height of.
+        # The factor multiplies: small numbers become heights.
         (FCplus.is_column_height, [25, 26.5, 30], True),
         (FCplus.is_column_height, [25, 66], False),
         (FCplus.is_column_height, [170, 180], False),
@@ -176,13 +156,13 @@ def test_every_column_of_a_frame_is_measured(detect):
 
 def test_a_cell_that_cannot_be_multiplied():
     with pytest.raises(TypeError) as excinfo:
-        FCplus.is_column_height(text_frame(60, None))
+        FCplus.is_column_height(object_frame(60, None))
     assert str(excinfo.value) == message_of(TypeError, lambda: 1 * None)
     names = names_in_traceback(excinfo)
     assert names.index("is_column_height") < names.index("check_statistics")
 
 
-# --- age: the classifier is asked about the first row -----------------------------------------
+# --- age: the classifier gets the first row ---------------------------------------------------
 
 
 @pytest.mark.parametrize(
@@ -204,15 +184,15 @@ def test_the_classifier_gets_the_first_row_and_the_markers(monkeypatch, given, p
         ([45.5, 30], None, False),
         ([30, NAN], None, True),
         ([True, 30], None, False),
-        # A first row that holds but a marker is no integer.
+        # A first row that is a marker is not an integer.
         ([30, 40], [30], False),
         ([30, 40], [40], True),
     ],
 )
-def test_the_first_row_alone_tells_the_kind(cells, markers, expected):
-    assert FCplus.is_column_age(text_frame(*cells), markers) is expected
+def test_only_the_first_row_decides_the_kind(cells, markers, expected):
+    assert FCplus.is_column_age(object_frame(*cells), markers) is expected
     assert (
-        FCplus.is_column_age(missing_values_reference_list=markers, dfc=text_frame(*cells))
+        FCplus.is_column_age(missing_values_reference_list=markers, dfc=object_frame(*cells))
         is expected
     )
 
@@ -228,7 +208,7 @@ def test_only_integers_are_ages(monkeypatch, kind):
     assert check.calls == []
 
 
-def test_the_classifier_is_asked_before_the_cell(monkeypatch):
+def test_the_classifier_is_called_before_the_cell_is_read(monkeypatch):
     failure = RuntimeError("asked")
 
     def whatis(*args):
@@ -236,7 +216,7 @@ def test_the_classifier_is_asked_before_the_cell(monkeypatch):
 
     record(monkeypatch, "numpy_whatis", whatis)
     with pytest.raises(RuntimeError) as excinfo:
-        FCplus.is_column_age(text_frame("text"))
+        FCplus.is_column_age(object_frame("text"))
     assert excinfo.value is failure
 
 
@@ -285,7 +265,7 @@ def test_the_classifier_must_give_a_pair(monkeypatch, answer, words):
     ],
 )
 def test_two_words_are_the_sexes(cells, expected, capsys):
-    assert FCplus.is_column_sex(text_frame(*cells)) is expected
+    assert FCplus.is_column_sex(object_frame(*cells)) is expected
     assert FCplus.is_column_sex(frame(*cells)) is expected
     assert capsys.readouterr().out == ""
 
@@ -298,7 +278,7 @@ def test_the_column_has_the_label_0():
 
 
 class Value:
-    """A distinct value that equals one text; notes with what it is compared."""
+    """A distinct value that equals one text; records what it is compared with."""
 
     def __init__(self, log, name, text):
         self.log, self.name, self.text = log, name, text

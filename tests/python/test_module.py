@@ -1,7 +1,7 @@
 """Start-up: what is bound and in which order, and what is refused.
 
-Everything that looks at a start-up runs in a fresh interpreter, because a process starts the module
-only once and because other tests replace names for a while.
+Tests of start-up run in a new interpreter: a process starts the module only once, and other tests
+replace names.
 """
 
 from __future__ import annotations
@@ -26,10 +26,10 @@ import numpy as np
 import pandas as pd
 import pytest
 import six
-from fresh import run_fresh
-from interface_table import MODULE, PRESENT, ROWS, routine, row_id, stored
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.fresh_interpreter import run_fresh
+from helpers.interface_table import MODULE, PRESENT, ROWS, routine, row_id, stored
 from quorin_libs.utils.fc_methods import FC
 
 IMPORTED = [
@@ -45,7 +45,7 @@ REFUSED_INTERPRETER = (
 
 
 def defined(owner):
-    """The names that definitions bind in the namespace of ``owner``, a repeated one once."""
+    """The names that definitions bind in the namespace of ``owner``, each once."""
     names = [row.name for row in ROWS if row.owner == owner]
     if owner == "module":
         names.insert(names.index("numpy_is_column_datetime"), "FCplus")
@@ -236,7 +236,7 @@ def test_second_interpreter_is_refused(tmp_path):
 
 
 def test_second_interpreter_is_refused_before_start_up(tmp_path):
-    """The first interpreter has made the module, but not executed it."""
+    """The first interpreter has created the module, but not executed it."""
     script = IN_SECOND_INTERPRETER.format(module=MODULE)
     code = RUN_SECOND_INTERPRETER.format(module=MODULE, script=script).replace(
         "import {} as m\n".format(MODULE),
@@ -396,7 +396,7 @@ def test_fc_not_bound_in_its_module_yet(tmp_path):
     assert run_fresh(code.format(module=MODULE), tmp_path) == "half made"
 
 
-def test_imports_are_asked_of_whoever_imports(tmp_path):
+def test_imports_use_the_built_ins_of_the_importing_code(tmp_path):
     code = """
     import builtins
     asked = []
@@ -438,7 +438,7 @@ def test_version_warning(tmp_path):
     if library.exists():
         library.unlink()
     library.write_bytes(content)
-    # An editable install answers for the package before the path is asked.
+    # The import hook of an editable install is called before sys.path is searched.
     plain = "import sys\nsys.meta_path[:] = [f for f in sys.meta_path if isinstance(f, type)]\n"
     file, is_int, warned = run_fresh(plain + VERSION_WARNING, tmp_path, PYTHONPATH=str(packages))
     assert file == str(library)

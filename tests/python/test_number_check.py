@@ -1,4 +1,4 @@
-"""Whether all cells that are no markers read as integers."""
+"""Whether all cells that are not markers are integers."""
 
 from __future__ import annotations
 
@@ -7,8 +7,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import message_of, names_in_traceback, objects, record, typed
 
+from helpers.arrays import objects
+from helpers.replacements import record
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_isintstr
 
@@ -35,7 +37,7 @@ NAN = np.nan
         (np.array([1.0, 2.9]), None, True),
         (np.array([True, False]), None, True),
         (objects(b"12", 3.7, "4"), None, True),
-        # NaN equals nothing, so only the object that the list holds is found.
+        # NaN is not equal to NaN: only the object in the list is found, by identity.
         (np.array([1.0, NAN]), [NAN], False),
         (objects(1, NAN), [NAN], True),
         (objects(1, float("nan")), [NAN], False),
@@ -62,7 +64,7 @@ def test_arguments_may_be_keywords():
 
 
 class Cells:
-    """A column that notes which rows are read, and how often its length is."""
+    """A column that records each read of a row and of its length."""
 
     def __init__(self, *cells):
         self.cells = cells

@@ -1,8 +1,8 @@
-"""Which texts are numbers: every short text over the characters that matter.
+"""Which texts are numbers: every short text over the characters of the grammar.
 
-``int()`` and ``float()`` are the judges. There are 5,220 texts of up to three characters, all of
-them tried, and 83,521 of four, from which 25 x QUORIN_CASES are drawn: all from QUORIN_CASES=3341
-on.
+The expected answers are those of ``int()`` and ``float()``. All 5,220 texts of up to three
+characters are tested, and 25 x QUORIN_CASES of the 83,521 texts of four: all of them from
+QUORIN_CASES=3341 on.
 """
 
 from __future__ import annotations
@@ -12,16 +12,15 @@ import random
 
 import numpy as np
 import pytest
-from properties import CASES, SEED
-from support import objects
 
+from helpers.arrays import objects
+from helpers.property_tests import CASES, SEED
 from quorin_libs.utils.exportable_utils import isfloat, isint, numpy_whatis
 
-# Every character that the grammar treats in a way of its own, and one it does not know.
+# One character of each class of the grammar, and one outside of it.
 ALPHABET = "09_+-.eE \t\x1cnaif\0x"
 
-# Beyond ASCII: digits and white space of other scripts, which count, and a letter and a fraction,
-# which do not.
+# Beyond ASCII: digits and white space, which are accepted, a letter and a fraction, which are not.
 OTHER_SCRIPTS = "1._- \u0663\uff15\U0001d7d7\xa0\u2003\xe9\xbd\x85"
 
 
@@ -44,14 +43,14 @@ def accepts(built_in, text):
 
 
 def kind_by_built_ins(text):
-    """What a column of this text alone is: a float without a dot, words included, is plain text."""
+    """The kind of a column of this text: a float text without a dot is plain text."""
     if accepts(int, text):
         return "int_str"
     return "float_str" if "." in text and accepts(float, text) else "char_str"
 
 
 def differences(population):
-    """The texts for which a predicate, or the classifier on a column, disagrees with them."""
+    """The texts for which a predicate or the classifier differs from the built-ins."""
     different = []
     for text in population:
         expected = accepts(int, text), accepts(float, text)
@@ -62,7 +61,7 @@ def differences(population):
         kind = kind_by_built_ins(text)
         if numpy_whatis(objects(text), [])[1] != kind:
             different.append(("object column", text))
-        # A column of fixed-width text cannot hold zeros at the end.
+        # Fixed-width text drops trailing zeros.
         if not text.endswith("\0") and numpy_whatis(np.array([text]), [])[1] != kind:
             different.append(("fixed-width column", text))
     return different
@@ -85,7 +84,7 @@ def test_texts_with_characters_of_other_scripts(length):
 
 
 def test_longer_texts():
-    """Lengths around those at which a kernel looks at eight characters together."""
+    """Lengths around multiples of eight: kernels read eight characters at once."""
     draw = random.Random(SEED)
     population = []
     for _ in range(10 * CASES):

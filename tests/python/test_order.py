@@ -1,4 +1,4 @@
-"""Whether a column reads as dates, and in which order they stand."""
+"""Whether a column contains dates, and their order."""
 
 from __future__ import annotations
 
@@ -7,8 +7,8 @@ import sys
 import numpy as np
 import pandas as pd
 import pytest
-from support import Recorder, replace_in
 
+from helpers.replacements import Recorder, replace_in
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import (
     numpy_is_column_datetime,
@@ -16,7 +16,7 @@ from quorin_libs.utils.exportable_utils import (
     numpy_is_column_monotonic_increasing,
 )
 
-# What pandas says before it tries each text for itself.
+# The warning of pandas before it parses each text separately.
 pytestmark = pytest.mark.filterwarnings("ignore:Could not infer format:UserWarning")
 
 UP = ["2020-01-01", "2020-01-02", "2021-01-01"]
@@ -60,7 +60,7 @@ def test_dates(make, dates, increasing, decreasing, capsys, caplog):
         ([3, 2, 1], True, False, True),
         ([], True, True, True),
         ([UP[0], None], True, False, False),
-        # A scalar is a date without an order, and None is passed through.
+        # A scalar is a date without an order; None is returned by to_datetime().
         (UP[0], True, False, False),
         (None, True, False, False),
         ([UP[0], "no date"], False, False, False),
@@ -88,7 +88,7 @@ def test_the_column_alone_is_handed_to_pandas(monkeypatch, routine):
 
 
 class Dates:
-    """Notes which attributes are read; each read is answered, or fails, as told."""
+    """Records which attributes are read; each read returns or raises the given object."""
 
     def __init__(self, answer):
         self.__dict__.update(answer=answer, read=[])

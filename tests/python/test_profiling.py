@@ -1,4 +1,4 @@
-"""What the profile says of a column, on top of the classifier."""
+"""The profile of a column: what it adds to the classifier's answer."""
 
 from __future__ import annotations
 
@@ -33,11 +33,11 @@ COLUMNS = [
     (["a", "b", "b"], "char_str", (), (), 0, 2),
     (["?", "", "-", "?"], "missing", ("?", "", "-"), (), 4, 0),
     (["a", "?", "", "a"], "char_str", ("?", ""), (), 2, 1),
-    # A lone sign below the digits, above the digits, and a word beside numbers.
+    # A lone text that sorts before digits, one that sorts after them, a word among numbers.
     (["*", "1", "*", "2"], "int_str", (), ("*",), 2, 2),
     (["1.5", "~", "2.5", ""], "float_str", ("",), ("~",), 2, 2),
     (["1", "unknown", "2", "unknown"], "int_str", (), ("unknown",), 2, 2),
-    # Texts that other readers turn into missing values stay what they are.
+    # Texts that other readers convert to missing values are not changed.
     (["NA", "nan", "None", "NULL"], "char_str", (), (), 0, 4),
 ]
 

@@ -114,7 +114,7 @@ def test_file_not_found_has_no_error_number():
         ("x", ["FileNotFoundError", "ValueError", "TypeError"], Exception),
     ],
 )
-def test_equality_is_asked_in_order(equal, asked, kind, log):
+def test_equality_is_compared_in_order(equal, asked, kind, log):
     class Chosen:
         seen = []
 
@@ -190,7 +190,7 @@ def test_traceback_is_not_appended(failure, flag, log):
     assert log.calls == [(("bad",), {})]
 
 
-def test_flag_is_asked_only_when_an_object_is_given(log):
+def test_flag_is_read_only_if_an_object_is_given(log):
     flag = Truth(LookupError("flag"))
     assert raised_by("bad", exception_trace_flag=flag).args == ("bad",)
     assert flag.taken == 0
@@ -212,7 +212,7 @@ def test_object_is_compared_with_none_by_identity(log):
     assert error.args == ("bad" + formatted(failure) + "\nExiting ...",)
 
 
-def test_how_the_traceback_is_asked_for(monkeypatch, log):
+def test_how_the_traceback_is_formatted(monkeypatch, log):
     calls = []
 
     def format_exception(*args, **kwargs):

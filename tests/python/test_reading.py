@@ -1,4 +1,4 @@
-"""Reading delimited text: nothing lost, and every refusal names its culprit."""
+"""Reading delimited text: no cell is lost, and every error names its cause."""
 
 from __future__ import annotations
 
@@ -68,9 +68,9 @@ def test_columns_are_object_arrays_of_str():
         (b"a\tb\n1\t2\n", "\t"),
         (b"a|b\n1|2\n", "|"),
         (b"a\n1\n", ","),
-        # Commas cut the lines unevenly, bars evenly.
+        # Commas give lines of different length, bars of equal length.
         (b"a|b\nx, y|1\nz|2\n", "|"),
-        # Both cut evenly: more cells win, then the order comma, semicolon, tab, bar.
+        # Equal lengths with both: more cells win, then the order comma, semicolon, tab, bar.
         (b"a;b,c;d\n1;2,3;4\n", ";"),
         (b"a;b,c\n1;2,3\n", ","),
         # A quoted delimiter does not count.

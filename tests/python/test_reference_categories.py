@@ -3,12 +3,13 @@
 from __future__ import annotations
 
 import numpy as np
-from columns import array_layouts, columns, flags, marked
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from tracing import Trace
+
+from helpers.column_strategies import array_layouts, columns, flags, marked
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.tracing import Trace
 
 PER_COLUMN = ["is_column_categorical", "is_numerical"]
 PER_TABLE = [

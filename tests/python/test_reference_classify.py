@@ -2,11 +2,13 @@
 
 from __future__ import annotations
 
-from columns import TEXT_KINDS, array_layouts, columns, flags, marked, markers
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import StandIn, Trace
+
+from helpers.column_strategies import TEXT_KINDS, array_layouts, columns, flags, marked, markers
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.replacements import FixedAnswer
+from helpers.tracing import Trace
 
 options = st.fixed_dictionaries(
     {},
@@ -48,7 +50,7 @@ def test_messages(case, more, debug, traced):
 @property_test(weight=2, X=columns(array_layouts, TEXT_KINDS), answer=flags)
 def test_date_answer_is_handed_on(X, answer):
     name = "FCplus.is_column_string_in_datetime_format"
-    stand_ins = {name: staticmethod(StandIn(answer))}
+    stand_ins = {name: staticmethod(FixedAnswer(answer))}
     compare("numpy_whatis", (X, ["?"]), {"return_stats_flag": True}, stand_ins=stand_ins)
     known = {"return_stats_flag": True, "use_dtype_str1_flag": False}
     compare("numpy_whatis", (X, ["?"]), known, stand_ins=stand_ins)

@@ -2,11 +2,19 @@
 
 from __future__ import annotations
 
-from columns import array_layouts, cells, columns, marked, markers, optional_markers
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.column_strategies import (
+    array_layouts,
+    cells,
+    columns,
+    marked,
+    markers,
+    optional_markers,
+)
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 DATES = [
     "2020-01-01", "2020-01-02", "2021-03-04", "2020-03-04T05:06:07", "2020-03-04 05:06:07+01:00",

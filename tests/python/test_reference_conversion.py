@@ -2,11 +2,12 @@
 
 from __future__ import annotations
 
-from columns import FLAT, array_layouts, columns, flags, marked, optional_markers
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.column_strategies import FLAT, array_layouts, columns, flags, marked, optional_markers
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 text_kinds = [
     "numbers as text",

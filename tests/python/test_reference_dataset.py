@@ -4,15 +4,16 @@ from __future__ import annotations
 
 import pandas as pd
 import pytest
-from columns import cells, columns
-from comparison import compare, model, module
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.column_strategies import cells, columns
+from helpers.comparison import compare, model, module
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 
 class Table:
-    """A table that can be extended column by column, and notes how."""
+    """A table that records the columns added to it."""
 
     def __init__(self, columns, content):
         self.columns = columns
@@ -28,7 +29,7 @@ class Table:
 
 
 def held(side, names, missing, function):
-    """What a holder holds after the call, and the error that ended it."""
+    """The content of a holder after the call, and its error."""
     table = Table(names, {name: [i, i + 1] for i, name in enumerate(names) if name != missing})
     holder = side.DatasetS(table)
     assert holder.df is table

@@ -6,12 +6,13 @@ import decimal
 
 import numpy as np
 import pandas as pd
-from columns import PANDAS, columns, optional_markers
-from comparison import compare, model, module, outcome, replaced
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe, column
-from tracing import Trace
+
+from helpers.column_strategies import PANDAS, columns, optional_markers
+from helpers.comparison import compare, model, module, outcome, replaced
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe, column
+from helpers.tracing import Trace
 
 DETECTORS = [
     "is_column_sex",
@@ -49,7 +50,7 @@ CELLS = {
 
 @st.composite
 def frames(draw):
-    """A frame of one or two columns whose cells lie around the detectors' limits."""
+    """A frame of one or two columns with cells around the limits of the detectors."""
     cells = CELLS[draw(st.sampled_from(sorted(CELLS)))]
     width = draw(st.sampled_from([1, 1, 1, 2]))
     rows = draw(
@@ -118,7 +119,7 @@ def test_check_statistics(dfc, mean, std, low, high, num_stds, factors):
 
 
 class Answer:
-    """An answer of FC that can be asked for its truth value."""
+    """An answer of FC with a `bool` method."""
 
     def __init__(self, value):
         self.value = value

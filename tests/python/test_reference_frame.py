@@ -5,17 +5,18 @@ from __future__ import annotations
 from typing import Any
 
 import pytest
-from cell_values import OBJECTS, SCALARS
-from columns import cells, columns, flags, texts
-from comparison import DELETED, compare, model, module, replaced
-from description import Describer
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.cell_values import OBJECTS, SCALARS
+from helpers.column_strategies import cells, columns, flags, texts
+from helpers.comparison import DELETED, compare, model, module, replaced
+from helpers.description import Describer
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 
 def caught(error: Exception, depth: int) -> Exception:
-    """The error with a traceback of its own."""
+    """The error with a traceback."""
     try:
         if depth:
             raise error from caught(KeyError("cause"), depth - 1)
@@ -107,7 +108,7 @@ def test_set_value_or_default_hands_back_the_very_object():
 
 
 class RecordingFC:
-    """Answers every test with what it was told to, and notes what it was asked."""
+    """Returns the given answer from every test, and records the calls."""
 
     def __init__(self, answer: Any) -> None:
         self.answer = answer

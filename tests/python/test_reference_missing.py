@@ -2,11 +2,12 @@
 
 from __future__ import annotations
 
-from columns import array_layouts, cells, columns, flags, marked, markers
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+
+from helpers.column_strategies import array_layouts, cells, columns, flags, marked, markers
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 reference_sets = st.one_of(
     st.sets(st.sampled_from(["?", "", "-", "1", "a", 1, 2.5, True, None, b"1"]), max_size=4),

@@ -1,15 +1,16 @@
-"""Model and module agree when names are replaced by something odd, or are gone."""
+"""Model and module agree if names are replaced by odd objects or deleted."""
 
 from __future__ import annotations
 
 import numpy as np
 import pytest
-from columns import marked, markers
-from comparison import DELETED, compare
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe, column
-from tracing import StandIn
+
+from helpers.column_strategies import marked, markers
+from helpers.comparison import DELETED, compare
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe, column
+from helpers.replacements import FixedAnswer
 
 CALLS = {
     "numpy_whatis": {"return_stats_flag": True},
@@ -47,7 +48,7 @@ answers = st.sampled_from(
         TypeError("'<' not supported between instances of 'int' and 'float'"),
     ]
 )  # fmt: skip
-replacements = st.builds(StandIn, answers)
+replacements = st.builds(FixedAnswer, answers)
 
 
 @property_test(
@@ -70,8 +71,8 @@ def test_odd_answers(case, name, stand_in, routine):
     compare(routine, args, kwargs, stand_ins={name: as_method})
 
 
-# Which of several names a routine needs first is settled by the order of its steps; these are the
-# names whose turn comes at one place only.
+# The order of the steps decides which of several missing names is reported. These names are looked
+# up at one place only.
 NAMES = ["FC", "FCplus", "pd", "six", "time", "logger", "global_missing_values_reference_list"]
 SAMPLES = [
     column(["1", "?", "a"], "O", "plain"),

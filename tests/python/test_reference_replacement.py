@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
-from columns import (
+from hypothesis import strategies as st
+
+from helpers.column_strategies import (
     FLAT,
     array_layouts,
     cells,
@@ -13,10 +15,9 @@ from columns import (
     optional_markers,
     texts,
 )
-from comparison import compare
-from hypothesis import strategies as st
-from properties import property_test
-from tracing import Trace
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.tracing import Trace
 
 fillings = st.one_of(st.sampled_from(["?", 0, -1.5, None, float("nan"), True, [], [1, 2]]), cells)
 masks = st.one_of(

@@ -2,13 +2,14 @@
 
 from __future__ import annotations
 
-from cell_values import Anywhere
-from columns import array_layouts, cells, columns, flags, texts
-from comparison import compare
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import TABLES
-from tracing import Trace
+
+from helpers.cell_values import Anywhere
+from helpers.column_strategies import array_layouts, cells, columns, flags, texts
+from helpers.comparison import compare
+from helpers.property_tests import property_test
+from helpers.recipes import TABLES
+from helpers.tracing import Trace
 
 indices = st.one_of(
     st.lists(st.integers(-3, 4), max_size=4),

@@ -1,4 +1,4 @@
-"""The table stays aligned whatever a file holds; the JSON keeps its keys."""
+"""The printed table is aligned for any content; the keys of the JSON are fixed."""
 
 from __future__ import annotations
 
@@ -34,7 +34,7 @@ def rendered(*columns, **options):
 
 
 def edge(line, text):
-    """Terminal cell in which a text of the line starts."""
+    """The terminal cell in which a text of the line starts."""
     return display_width(line[: line.index(text)])
 
 
@@ -104,7 +104,7 @@ def test_long_names_are_cut():
     assert rendered(column(name="x" * 40 + "y"))[4].startswith(
         "x" * 19 + "..." + "x" * 17 + "y  ch"
     )
-    # Eighteen wide characters take 36 of the 37 cells that are left beside the dots.
+    # 18 wide characters take 36 of the 37 cells beside the dots.
     shown = "元" * 9 + "..." + "元" * 9
     assert rendered(column(name="元" * 21))[4].startswith(shown + "  char_str")
 

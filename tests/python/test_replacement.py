@@ -1,4 +1,4 @@
-"""Values replaced where a mask, or a list of reference values, says so."""
+"""Values replaced at the places of a mask or of reference values."""
 
 from __future__ import annotations
 
@@ -7,17 +7,10 @@ from types import SimpleNamespace
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    mask,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_putmask, numpy_replace_values
 
@@ -202,7 +195,7 @@ class Sublist(list):
         (np.array([5]), False),
     ],
 )
-def test_the_first_element_tells_whether_each_column_has_a_list(monkeypatch, values, per_column):
+def test_the_first_element_decides_whether_each_column_has_a_list(monkeypatch, values, per_column):
     X = np.array([[1, 2], [3, 4]])
     searched = lists_searched(monkeypatch, X, values, mask(0, 1))
     assert len(searched) == 2
@@ -242,7 +235,7 @@ def test_an_array_of_values_has_no_truth():
 
 
 class Grid:
-    """Stands in for the new array: notes what is read from and written into it."""
+    """Replaces the new array; records reads and writes."""
 
     def __init__(self, rows=9):
         self.asked = []
@@ -256,7 +249,7 @@ class Grid:
 
 
 class Columns:
-    """Two dimensions; column j is the text of j."""
+    """A table whose column j is the text of j."""
 
     ndim = 2
     shape = (5, 2)
@@ -330,7 +323,7 @@ def test_an_empty_column_has_no_first_row(monkeypatch):
     assert isin.calls == []
 
 
-def test_a_matrix_without_rows_is_asked_for_its_columns(monkeypatch):
+def test_the_columns_of_a_matrix_without_rows_are_read(monkeypatch):
     record(monkeypatch, "numpy_isin", lambda column, values: np.zeros(len(column), dtype=bool))
     Y = numpy_replace_values(np.empty((0, 2)), 0, [1])
     assert typed(Y) == typed(np.empty((0, 2), dtype=object))

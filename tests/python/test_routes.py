@@ -1,29 +1,28 @@
-"""Both routes of a routine show the same on any column, whichever name forces the slow one."""
+"""Both routes of a routine have the same outcome, whichever name forces the interpreter route."""
 
 from __future__ import annotations
 
 import numpy as np
-from columns import TEXT_KINDS, flags
-from comparison import module, replaced
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
-    DATASET_CHECKS,
+
+from helpers.column_strategies import TEXT_KINDS, flags
+from helpers.comparison import module, replaced
+from helpers.native_lookups import DATASET_CHECKS, names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
     cases,
-    compare_routes,
     frame_of,
     framed,
     long_columns,
-    names_for,
     number_tables,
-    pass_through,
     route_markers,
     spread,
 )
+from helpers.routes import compare_routes, pass_through
 
 
 @property_test(weight=6, case=cases(TEXT_KINDS), by=names_for("numpy_whatis"))
@@ -85,7 +84,7 @@ def _bits(dtype, patterns):
     return np.array(patterns, dtype="u{}".format(dtype[1])).view(dtype)
 
 
-# Zeros of both signs and NaNs of several patterns: which of them is kept depends on the sort.
+# Zeros of both signs and NaNs of several bit patterns: the sort decides which of them is kept.
 UNLIKE = {
     "f8": _bits(
         "f8", [0, 1 << 63, 0x7FF8 << 48, 0xFFF8 << 48, (0x7FF8 << 48) + 5, 1, 0x3FF0 << 48]
@@ -114,7 +113,7 @@ def unlike_equals(draw):
 
 
 def bits_of(result):
-    """What a comparison by value would not tell apart."""
+    """The bits of the arrays of a result."""
     arrays = [part for part in result if isinstance(part, np.ndarray)]
     return [(array.dtype, array.tobytes()) for array in arrays]
 
@@ -294,7 +293,7 @@ def test_measures(frame, routine, by):
     compare_routes("FCplus." + routine, by, (frame,))
 
 
-# Numbers of which all pass, or all but a few.
+# Columns of numbers that all pass, or all but a few.
 near = st.lists(st.sampled_from([62, 66, 66.5, 70, 75, 58, 78, 130, 200, 0, 1]), max_size=6)
 AROUND = {"f8": 66.0, "f4": 66.0, "i8": 66, "i4": 66, "u8": 66, "i1": 66, "?": True, "O": 66.0}
 

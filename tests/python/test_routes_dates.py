@@ -1,4 +1,4 @@
-"""A date test that is not the module's own is asked, with exactly the least distinct values."""
+"""A replaced date test is called with exactly the least distinct values."""
 
 from __future__ import annotations
 
@@ -7,21 +7,15 @@ import random
 
 import numpy as np
 import pytest
-from comparison import Tally, module, replaced
-from properties import property_test
-from routes import (
-    SHORT,
-    Twins,
-    cases,
-    names_for,
-    objects,
-    pass_through,
-    shown,
-    without_places,
-)
-from stand_ins import Recorder
-from tracing import Trace
 
+from helpers.arrays import objects
+from helpers.comparison import Tally, module, replaced
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.replacements import Recorder
+from helpers.route_columns import SHORT, Twins, cases
+from helpers.routes import pass_through, shown, without_places
+from helpers.tracing import Trace
 from quorin_libs.utils.fc_methods import FC
 
 NAMES = ["FC.is_string_in_datetime_format", "FCplus.is_column_string_in_datetime_format"]
@@ -43,7 +37,7 @@ MAKERS = {
 
 
 def column_of(kind, count):
-    """All values twice in no order, and the distinct ones ascending."""
+    """A shuffled column with each value twice, and its distinct values in ascending order."""
     maker, dtype = MAKERS[kind]
     values = [maker(i) for i in range(count)]
     twice = values + values
@@ -93,7 +87,7 @@ def test_sample(name, count, kind, markers, stats):
 
 @pytest.mark.parametrize("name", NAMES)
 @pytest.mark.parametrize("cells", [["?"] * 9, ["?", None, "b", "a"] * 30, [float("nan"), 2.5] * 30])
-def test_missing_cells_are_no_part_of_the_sample(name, cells):
+def test_missing_cells_are_not_in_the_sample(name, cells):
     column = objects(*cells)
     expected = sorted({cell for cell in cells if cell in ("b", "a", 2.5)})
     _, sample = recorded(name, lambda: module.numpy_whatis(column, ["?", np.nan]))
@@ -103,7 +97,7 @@ def test_missing_cells_are_no_part_of_the_sample(name, cells):
 
 @pytest.mark.parametrize("name", NAMES)
 @pytest.mark.parametrize("routine", ["getClasses", "is_column_categorical", "is_numerical"])
-def test_routines_above_ask_as_well(name, routine):
+def test_calling_routines_call_the_date_test(name, routine):
     column, expected = column_of("texts", 70)
     _, sample = recorded(name, lambda: getattr(module.FCplus, routine)(column))
     check_sample(sample, column, expected)

@@ -1,4 +1,4 @@
-"""A native route that meets something strange in the last row leaves no trace of having tried."""
+"""A native route that finds an odd cell in the last row gives up without a visible effect."""
 
 from __future__ import annotations
 
@@ -9,16 +9,19 @@ import sys
 import numpy as np
 import pandas as pd
 import pytest
-from cell_values import Agreeable, Hostile, Sly, Unhashable, Whole, Word
-from comparison import Tally
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import SHAPES, compare_routes, events_of, names_for, pass_through, shown, spread
+
+from helpers.cell_values import Agreeable, Hostile, Sly, Unhashable, Whole, Word
+from helpers.comparison import Tally
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import SHAPES, spread
+from helpers.routes import compare_routes, events_of, pass_through, shown
 
 
 class Noting:
-    """Notes whatever is asked of it."""
+    """Records every operation on it."""
 
     asked = []
 
@@ -62,7 +65,7 @@ class Noting:
 
 
 class NotingText(str):
-    """A text that notes when it is compared, hashed or looked into."""
+    """A text that records comparisons, hashing and searches."""
 
     def __eq__(self, other):
         Noting.asked.append(("text eq", str(other)))
@@ -90,7 +93,7 @@ class NotingText(str):
 
 
 class NotingFloat(float):
-    """A number that notes when it is compared, hashed or asked whether it is whole."""
+    """A float that records comparisons, hashing and `is_integer()`."""
 
     def __eq__(self, other):
         Noting.asked.append(("float eq", type(other)))
@@ -166,7 +169,7 @@ ROUTINES = {
     "FCplus.is_column_categorical_mult_cats": (["?"],),
     "numpy_get_categories": ([0], ["?"]),
 }
-# The same routines in their other ways.
+# The same routines with other options.
 WAYS = [
     ("numpy_column_float2str", (False,)),
     ("compress_str_column", (["?"], "hash")),
@@ -187,7 +190,7 @@ def asked():
 
 
 def both(name, args, by):
-    """What both routes show, the questions to the noting cell and Python's own calls included."""
+    """The outcomes of both routes, with the operations on recording cells."""
     Tally.cases += 1
     found = []
     for names in ({}, {by: pass_through(by)}):
@@ -197,20 +200,12 @@ def both(name, args, by):
     return found
 
 
-@pytest.mark.parametrize("before", sorted(BEFORE))
 @pytest.mark.parametrize("strange", sorted(STRANGE))
-@pytest.mark.parametrize("name", sorted(ROUTINES))
-def test_last_row(name, strange, before):
-    plain, forced = both(name, (last(before, strange),) + ROUTINES[name], "isfloat")
-    assert plain == forced
-
-
-@pytest.mark.parametrize("before", sorted(BEFORE))
-@pytest.mark.parametrize("strange", sorted(STRANGE))
-@pytest.mark.parametrize("name, more", WAYS)
-def test_last_row_in_other_ways(name, more, strange, before):
-    plain, forced = both(name, (last(before, strange),) + more, "isfloat")
-    assert plain == forced
+@pytest.mark.parametrize("name, more", sorted(ROUTINES.items()) + WAYS)
+def test_last_row(name, more, strange):
+    for before in sorted(BEFORE):
+        plain, forced = both(name, (last(before, strange),) + more, "isfloat")
+        assert plain == forced, before
 
 
 @pytest.mark.parametrize("before", ["texts", "number texts"])
@@ -227,22 +222,21 @@ BY_WAY_OF = "implement_array_function"
 @pytest.mark.parametrize("before", ["texts", "number texts", "floats"])
 @pytest.mark.parametrize("strange", ["noting", "noting text", "noting number", "Decimal"])
 @pytest.mark.parametrize("name", sorted(ROUTINES))
-def test_python_sees_no_other_calls(name, strange, before):
+def test_a_profiler_sees_no_other_calls(name, strange, before):
     column = last(before, strange).make(lambda inner: inner)
 
     def events(by=None):
         seen = events_of(name, (column.copy(),) + ROUTINES[name], by)
-        # Putting values into the places of a mask asks nothing of the elements, known or not. Old
-        # numpy calls its C function for that by way of another one.
+        # np.putmask() calls no method of the elements. Old numpy calls it through another function.
         put = [i for i, event in enumerate(seen) if event[1].endswith(".putmask")]
         put += [i + 1 for i in put if seen[i + 1 : i + 2] == [("c_call", BY_WAY_OF)]]
         return [event for i, event in enumerate(seen) if i not in put]
 
-    events()  # Loggers remember their levels from now on.
+    events()  # The first call fills the level caches of the loggers.
     plain = events()
     forced = events("isfloat")
     asked()
-    # Once the column is text, or the strange cell left out, later steps may be taken from memory.
+    # After the column was converted to text or the odd cell removed, later steps may be native.
     rest = iter(forced)
     assert all(event in rest for event in plain)
     if before == "floats" and name.startswith("numpy_i"):
@@ -275,7 +269,7 @@ def test_any_row_in_any_layout(before, strange, name, shape, data):
     assert plain == forced
 
 
-# Texts at the interpreter's limit on digits, which can be moved.
+# Texts around the interpreter's limit on digits, which can be changed.
 DIGITS = ["9" * 639, "9" * 640, "9" * 641, "-" + "1" * 641, "1_0" * 300, "1" * 4300, "1" * 4301,
           "1" * 5000 + ".5", " " * 5000 + "1", "1" + "0" * 5000 + "e1"]  # fmt: skip
 

@@ -1,4 +1,4 @@
-"""Every name that a routine looks up is honoured on columns that it could answer from memory."""
+"""A replaced name takes effect on columns that the native route answers."""
 
 from __future__ import annotations
 
@@ -6,38 +6,20 @@ import unittest.mock
 
 import numpy as np
 import pytest
-from comparison import DELETED, Tally, find_owner, find_routine, module
 from hypothesis import assume
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
-    SHORT,
-    Twins,
-    cases,
-    compare_routes,
-    events_of,
-    names_for,
-    objects,
-    pass_through,
-    shown,
-    without_places,
-)
+
+from helpers.arrays import objects
+from helpers.comparison import DELETED, Tally, find_owner, find_routine, module
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.replacements import always, refuse
+from helpers.route_columns import SHORT, Twins, cases
+from helpers.routes import compare_routes, events_of, pass_through, shown, without_places
 
 FC_TEST = "FC.is_string_in_datetime_format"
 FCPLUS_TEST = "FCplus.is_column_string_in_datetime_format"
-
-
-class Foreign(Exception):
-    """Raised by a replacement."""
-
-
-def refuse(*args, **kwargs):
-    raise Foreign
-
-
-def always(answer):
-    return lambda *args, **kwargs: answer
 
 
 def two(values, counts):
@@ -72,7 +54,7 @@ FLATTEN = [
     ("numpy_flatten_column", always(objects("zz", "1"))),
     ("np.ndarray", object),
 ]
-# A routine, its arguments, and pairs of a name and something that answers differently.
+# A routine, its arguments, and pairs of a name and a replacement that changes the outcome.
 GUARDS = [
     ("indicator_mask", ({"?"}, WORDS), MASK),
     (
@@ -337,7 +319,7 @@ def skip_unless_there(by):
 
 @pytest.fixture
 def alias():
-    """The name that old numpy has and new numpy has not, bound to what it always meant."""
+    """Binds np.float, which new numpy lacks, to what it meant."""
     with unittest.mock.patch.dict(vars(np), {"float": float}):
         yield
 
@@ -351,7 +333,7 @@ def test_other_answer_counts(name, args, by, other):
     assert shown(name, args, {}, {}) == before
 
 
-# The categories come from the classifier's statistics, for which FC is asked about dates.
+# numpy_get_categories calls the classifier with statistics, which call the date test of FC.
 SILENT = [row for row in ROWS if row.values[0] != "numpy_get_categories"]
 
 
@@ -376,7 +358,7 @@ def test_deleted_name_is_missed(name, args, by, other):
 
 
 @pytest.mark.parametrize("name, args", ABOVE)
-def test_measures_ask_for_the_statistics_check(name, args):
+def test_measures_call_the_statistics_check(name, args):
     before = shown(name, args, {}, {})
     for other in (refuse, always(before["result"] == (bool, "False"))):
         names = {"FCplus.check_statistics": staticmethod(other)}
@@ -445,95 +427,3 @@ def test_the_way_numpy_prints(fast):
     assert short != plain
     with np.printoptions(precision=2, suppress=True, floatmode="fixed"):
         assert compare_routes("numpy_column_float2str", "pd", (FRACTIONS, fast)) == plain
-
-
-# A name can be bound in more than one way.
-WAYS = {
-    "setattr": lambda value: setattr(module, "isint", value),
-    "item": lambda value: vars(module).__setitem__("isint", value),
-    "update": lambda value: vars(module).update(isint=value),
-    "gone and back": lambda value: (vars(module).pop("isint"), setattr(module, "isint", value)),
-    "exec": lambda value: exec("global isint; isint = value", vars(module), {"value": value}),
-    "__dict__": lambda value: object.__setattr__(module, "isint", value),
-}
-
-
-@pytest.mark.parametrize("way", sorted(WAYS))
-def test_however_it_is_bound(way):
-    column = objects("1", "2")
-    original = module.isint
-    order = list(vars(module))
-    assert module.numpy_whatis(column) == ([], "int_str")
-    try:
-        WAYS[way](always(False))
-        assert module.numpy_whatis(column) == ([], "char_str")
-        WAYS[way](original)
-        assert module.numpy_whatis(column) == ([], "int_str")
-        assert events_of("numpy_whatis", (column,)) == []
-    finally:
-        module.isint = original
-        for name in order:
-            vars(module)[name] = vars(module).pop(name)
-
-
-def test_members_of_classes_however_they_are_bound():
-    column = objects("a", "b")
-    for owner in (module.FC, module.FCplus):
-        name = (FC_TEST if owner is module.FC else FCPLUS_TEST).partition(".")[2]
-        original = vars(owner)[name]
-        for bind in (setattr, type.__setattr__):
-            bind(owner, name, staticmethod(refuse))
-            try:
-                with pytest.raises(Foreign):
-                    module.numpy_whatis(column)
-            finally:
-                bind(owner, name, original)
-            assert module.numpy_whatis(column) == ([], "char_str")
-            assert events_of("numpy_whatis", (column,)) == []
-
-
-def test_binding_the_same_object_changes_nothing():
-    column = objects("1", "2")
-    module.isint = module.isint
-    np.unique = np.unique
-    assert events_of("numpy_whatis", (column,)) == []
-
-
-def test_many_changes_one_after_another():
-    column = objects("1", "2")
-    original = module.isint
-    for _ in range(300):
-        module.isint = always(False)
-        assert module.numpy_whatis(column) == ([], "char_str")
-        module.isint = original
-        assert module.numpy_whatis(column) == ([], "int_str")
-
-
-def test_a_name_of_no_concern_leaves_the_native_route():
-    column = objects("1", "2")
-    module.not_a_name_of_ours = 1
-    try:
-        assert events_of("numpy_whatis", (column,)) == []
-    finally:
-        del module.not_a_name_of_ours
-    assert events_of("numpy_whatis", (column,)) == []
-
-
-@pytest.mark.parametrize("routine", ["getClasses", "is_column_categorical"])
-def test_list_of_markers_may_be_changed_in_place(routine):
-    column = objects(*["a", "b", "zz", "a"])
-    numbers = np.array([100.0] * 50 + [200.0] * 50 + list(range(10)))
-    ask = getattr(module.FCplus, routine)
-    markers = module.global_missing_values_reference_list
-    before = list(markers)
-    first = ask(column), ask(numbers)
-    try:
-        markers.append("zz")
-        markers.extend(float(i) for i in range(10))
-        changed = ask(column), ask(numbers)
-        own = [list(markers)] if routine == "is_column_categorical" else [True, list(markers)]
-        assert changed == (ask(column, *own), ask(numbers, *own))
-        assert changed != first
-    finally:
-        markers[:] = before
-    assert (ask(column), ask(numbers)) == first

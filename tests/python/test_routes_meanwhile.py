@@ -1,4 +1,4 @@
-"""Foreign code that runs while a native route is at work takes away what the route was given."""
+"""Foreign code that runs during a native route removes the objects that the route was given."""
 
 from __future__ import annotations
 
@@ -9,17 +9,18 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-from comparison import find_routine, module
-from routes import objects
+
+from helpers.arrays import objects
+from helpers.comparison import find_routine, module
 
 
 def fresh(*words):
-    """Texts that nobody else holds."""
+    """Texts without another reference."""
     return ["".join([word[:1], word[1:]]) for word in words]
 
 
-def test_markers_go_with_the_warning(monkeypatch):
-    """A text beside a number is told to the log, and that may be anything."""
+def test_the_logger_removes_the_markers(monkeypatch):
+    """A column of texts and numbers is logged, and the logger can be replaced."""
     markers = fresh("missing", "unknown")
     logger = types.SimpleNamespace(warning=lambda text: markers.clear(), error=len)
     monkeypatch.setattr(module, "logger", logger)
@@ -29,9 +30,9 @@ def test_markers_go_with_the_warning(monkeypatch):
 
 
 def call_and_collect(routine, arguments, act):
-    """The routine's result, and whether `act` ran in the call, when a list was made.
+    """The routine's result, and whether a garbage collection inside the call ran `act`.
 
-    Lists and tuples that were used before are used again, so all of those are taken first.
+    The free lists of lists and tuples are emptied first, so that the call allocates.
     """
     ran = []
 
@@ -61,7 +62,7 @@ COLUMNS = {
     "numbers and texts below": ["10", "22", "..lone", "missing", "..lone"],
     "numbers and markers": ["unknown", 1.5, "missing", 2.5],
 }
-# The classifier has no native answer with several markers where the first one is enough.
+# With several markers and stop_at_one, the classifier has no native route.
 CALLS = [
     (name, kind, first_only)
     for name in ("numpy_whatis", "numpy_compute_missing_indicator")
@@ -71,11 +72,11 @@ CALLS = [
 ]
 
 
-# From 3.12 on the interpreter collects between its own instructions, and never within a call.
+# From 3.12 on, garbage is collected between bytecode instructions, never inside a C call.
 @pytest.mark.skipif(sys.version_info >= (3, 12), reason="a call is not interrupted")
 @pytest.mark.parametrize("dtype", ["O", "U"])
 @pytest.mark.parametrize("name, kind, first_only", CALLS)
-def test_everything_goes_with_the_collector(name, kind, first_only, dtype):
+def test_garbage_collection_removes_everything(name, kind, first_only, dtype):
     routine = find_routine(module, name)
 
     def column_and_markers():
@@ -96,13 +97,13 @@ def test_everything_goes_with_the_collector(name, kind, first_only, dtype):
 
 
 def test_more_memory_than_there_is():
-    """The interpreter route complains, in numpy's words."""
+    """The interpreter route raises, with the message of numpy."""
     endless = np.broadcast_to(np.int8(1), (1, 2**58))
     with pytest.raises(MemoryError, match="Unable to allocate"):
         module.numpy_replace_values(endless, 0, [1])
 
 
-# pandas 2 warns already where the option is only asked for.
+# pandas 2 warns if the option is read.
 NO_OPTION = int(pd.__version__.partition(".")[0]) >= 3
 
 

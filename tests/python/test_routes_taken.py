@@ -1,4 +1,4 @@
-"""The native route is taken where it should be, and leaves nothing behind."""
+"""The native route is taken for the columns that it should answer, and leaks nothing."""
 
 from __future__ import annotations
 
@@ -9,120 +9,16 @@ import types
 import numpy as np
 import pandas as pd
 import pytest
-from comparison import find_routine, module, replaced
-from leaks import leaks_blocks, repeat
-from routes import DATASET_CHECKS, SHAPES, events_of, objects, pass_through
 
-MARKERS = ["?", "", "-", np.nan]
-TEXTS = objects("b", "?", "a", "", "b", "c")
-NUMBER_TEXTS = objects("1", "-", "2.5", "1e3", "", "2")
-OBJECTS = {
-    "texts": TEXTS,
-    "number texts": NUMBER_TEXTS,
-    "integer texts": objects("1", "2", "10"),
-    "texts and nulls": objects("a", None, "b", float("nan"), "?"),
-    "texts of other alphabets": objects("\u00e9", "\u6f22", "\U0001d7d8", "\u0661", "\ud800"),
-    "Python floats": objects(1.5, 2.0, 1.5, np.nan, 3.0),
-    "Python integers": objects(1, 2, 2, 3),
-    "Python booleans": objects(True, False, True),
-    "Python numbers": objects(3, 2.5, True, 7),
-    "integers and marker texts": objects(3, "?", 1, "", 3),
-    "floats and nulls": objects(2.0, np.nan, 1.0, float("nan")),
-    "numbers of numpy": objects(np.float64(2.5), np.float64(1.0), np.int64(7)),
-}
-# What numpy can sort without its markers.
-OBJECT_NUMBERS = [
-    "Python floats", "Python integers", "Python booleans", "Python numbers",
-    "integers and marker texts", "floats and nulls", "numbers of numpy",
-]  # fmt: skip
-FIXED = {
-    "fixed-width texts": np.array(["b", "?", "a", "", "b"]),
-    "fixed-width number texts": np.array(["1", "2.5", "", "-3"]),
-}
-NUMBERS = {
-    "floats": np.array([1.5, np.nan, 2.0, 1.5, -0.0]),
-    "whole floats": np.array([1.0, 2.0, 2.0]),
-    "short floats": np.array([1.5, np.nan, 2.0], dtype="f4"),
-    "booleans": np.array([True, False, True]),
-}
-for _dtype in ("i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8"):
-    NUMBERS["integers " + _dtype] = np.array([3, 1, 2, 1], dtype=_dtype)
-COLUMNS = dict(OBJECTS, **FIXED, **NUMBERS)
-ALL_TEXT = {
-    kind: column
-    for kind, column in COLUMNS.items()
-    if column.dtype.kind == "U" or all(type(cell) is str for cell in column.tolist())
-}
+from helpers.arrays import objects
+from helpers.comparison import find_routine, module, replaced
+from helpers.leaks import leaks_blocks, repeat
+from helpers.native_calls import ALL_TEXT, COLUMNS, MARKERS, NUMBER_COLUMNS, NUMBERS, OBJECTS, TAKEN
+from helpers.native_lookups import DATASET_CHECKS
+from helpers.route_columns import SHAPES
+from helpers.routes import events_of, pass_through
 
-SORTED = dict(ALL_TEXT, nulls=OBJECTS["texts and nulls"])
-SORTED.update((kind, OBJECTS[kind]) for kind in OBJECT_NUMBERS)
-NO_MARKERS_INSIDE = {
-    kind: column for kind, column in COLUMNS.items() if kind != "integers and marker texts"
-}
-BESIDE_NUMBERS = {
-    "texts and a number": objects("b", -999, "a", "?"),
-    "number texts and a number": objects("1", -999.0, "2.5"),
-    "numbers": objects(-999, 1.5, 2, None, "?"),
-}
-
-# A routine, what comes after the column, and the columns that it answers from memory.
-TAKEN = [
-    ("numpy_whatis", (), NO_MARKERS_INSIDE),
-    ("numpy_whatis", (MARKERS,), COLUMNS),
-    ("numpy_isin", (["?", "a"],), COLUMNS),
-    ("numpy_isin", (MARKERS,), COLUMNS),
-    ("numpy_compute_missing_indicator", (MARKERS,), COLUMNS),
-    ("numpy_compute_missing_indicator", (["none of them"],), COLUMNS),
-    ("numpy_compute_missing_indicator", (MARKERS, True), COLUMNS),
-    ("numpy_whatis", (["?"], True), dict(NUMBERS, **ALL_TEXT)),
-    ("numpy_whatis", (MARKERS, True), dict(NUMBERS, **ALL_TEXT)),
-    ("numpy_whatis", (MARKERS, False, False, False), dict(NUMBERS, **ALL_TEXT)),
-    ("numpy_whatis", (None, False, False, False), NUMBERS),
-    ("get_unique_values", (None, False, False, True), dict(NUMBERS, **ALL_TEXT)),
-    ("get_unique_values", (MARKERS, False, False, True), dict(NUMBERS, **ALL_TEXT)),
-    ("get_unique_values", ([1, 2.0], False, False, True), NUMBERS),
-    ("get_unique_values", (), ALL_TEXT),
-    ("get_unique_values", (MARKERS,), SORTED),
-    ("numpy_whatis", (["?", -999, None],), BESIDE_NUMBERS),
-    ("numpy_isin", (["?", -999],), BESIDE_NUMBERS),
-    ("numpy_compute_missing_indicator", (["?", -999, None],), BESIDE_NUMBERS),
-    ("FCplus.getClasses", (True, MARKERS), COLUMNS),
-    ("FCplus.getClasses", (True, ["?", -999, None]), BESIDE_NUMBERS),
-    ("FCplus.is_column_categorical", (MARKERS,), COLUMNS),
-    ("FCplus.is_column_categorical_mult_cats", (MARKERS,), ALL_TEXT),
-]
-NUMBER_CELLS = {
-    kind: COLUMNS[kind]
-    for kind in ("Python floats", "Python integers", "Python booleans", "whole floats")
-}
-LISTED_NULLS = objects("1", "?", np.nan, "2.5", "", 3, 2.5, True, float("nan"))
-NUMBER_COLUMNS = dict(
-    NUMBER_CELLS,
-    booleans=COLUMNS["booleans"],
-    texts=objects("1", "2.5", "-", "1e3", "", "2"),
-    nulls=LISTED_NULLS,
-    integers=COLUMNS["integers i4"],
-    fixed=np.array(["1", "2.5", "", "-3", "?"], dtype="U3"),
-)
-LABELS = {
-    "labels": objects("a b", "?", "a b", "c", "d-e\t", None, 1.5, float("nan"), 3, True),
-    "labels of other alphabets": objects("\u6f22 \u00e9", "\U0001d7d8", "x" * 70, "\u2003"),
-    "fixed-width labels": np.array(["a b", "?", "a b", "c", "x" * 70, ""]),
-}
-THREE = {kind: column[:3] for kind, column in COLUMNS.items()}
-TWO_COLUMNS = {kind: np.stack([column, column[::-1]], axis=1) for kind, column in COLUMNS.items()}
-TAKEN += [
-    ("numpy_replace_values", ("x", MARKERS), COLUMNS),
-    ("numpy_replace_values", (None, ["a", np.nan], True), COLUMNS),
-    ("numpy_replace_values", ("x", MARKERS), TWO_COLUMNS),
-    ("numpy_replace_values", (-1, [["b"], MARKERS]), TWO_COLUMNS),
-    ("numpy_putmask", (np.array([True, False, True]), "x"), THREE),
-    ("numpy_column_float2str", (False,), NUMBER_CELLS),
-    ("numpy_column_float2str", (False,), {"texts": TEXTS, "nulls": LISTED_NULLS}),
-    ("compress_str_column", (MARKERS,), LABELS),
-    ("compress_str_column", (MARKERS, "hash"), LABELS),
-]
-# A profiler sees every step of numpy and pandas that the interpreter route takes in these.
+# Calls whose interpreter route is visible to a profiler, by functions of numpy and pandas.
 CASES = [
     pytest.param(name, more, column, id="{} {} {} {}".format(name, i, len(more), kind))
     for i, (name, more, columns) in enumerate(TAKEN)
@@ -131,7 +27,7 @@ CASES = [
 
 
 @pytest.mark.parametrize("name, more, column", CASES)
-def test_nothing_of_python_runs(name, more, column):
+def test_no_python_code_runs(name, more, column):
     assert events_of(name, (column.copy(),) + more, by="numpy_isin")
     assert events_of(name, (column.copy(),) + more) == []
 
@@ -140,7 +36,7 @@ ROWS = 4000
 
 
 def peak_of(name, arguments, by=None):
-    """The most memory that a call takes beside what is there already."""
+    """The peak of the memory that a call allocates."""
     names = {} if by is None else {by: pass_through(by)}
     with replaced(module, names):
         routine = find_routine(module, name)
@@ -154,12 +50,12 @@ def peak_of(name, arguments, by=None):
 
 
 CONVERTED = dict(NUMBER_COLUMNS, floats=COLUMNS["floats"])
-# Integers cannot be marked as missing, and a copy of booleans takes next to nothing.
+# Integers cannot be marked as missing, and a copy of booleans is small.
 del CONVERTED["integers"], CONVERTED["booleans"]
 
 
 @pytest.mark.parametrize("kind", sorted(CONVERTED))
-def test_conversion_makes_nothing_but_its_result(kind):
+def test_conversion_allocates_only_its_result(kind):
     column = np.resize(CONVERTED[kind], ROWS)
     result = 8 * ROWS
     assert peak_of("numpy_floatstr2float", (column, MARKERS), by="isfloat") > 1.9 * result
@@ -183,36 +79,39 @@ def test_in_every_layout(name, kind, shape):
     assert events_of(name, (column, MARKERS)) == []
 
 
-# The statistics tell what the date test answered, so it is asked, whosesoever it is.
+# The statistics report the result of the date test, so it is called on the native route, too.
+OF_A_REPLACEMENT = "helpers.replacements."
 OF_THE_DATE_TEST = ("quorin_libs.utils.fc_methods.", "quorin_libs.utils._date_text.")
 
 
 def without_date_test(events):
-    """The events of Python functions that are none of the date test's, numpy's among them."""
+    """The Python functions called, without those of the date test."""
     return [
         name for event, name in events if event == "call" and not name.startswith(OF_THE_DATE_TEST)
     ]
 
 
-# Which booleans are distinct is numpy's affair where their bytes are.
+# For booleans of any byte, numpy decides which are distinct.
 @pytest.mark.parametrize(
     "shape", sorted(set(SHAPES) - {"byte-swapped", "true by bytes of any value"})
 )
 @pytest.mark.parametrize("kind", sorted(dict(NUMBERS, **ALL_TEXT)))
 @pytest.mark.parametrize("by", [None, "FC.is_string_in_datetime_format", "FC"])
-def test_statistics_run_nothing_but_the_date_test(kind, shape, by):
+def test_statistics_run_only_the_date_test(kind, shape, by):
     column = SHAPES[shape](COLUMNS[kind].copy())
     arguments = (column, MARKERS, False, False, True, True)
     assert without_date_test(events_of("numpy_whatis", arguments, by="numpy_isin"))
     found = without_date_test(events_of("numpy_whatis", arguments, by=by))
-    assert [name for name in found if not name.startswith("stand_ins.")] == []
+    assert [name for name in found if not name.startswith(OF_A_REPLACEMENT)] == []
 
 
 @pytest.mark.parametrize("kind", sorted(ALL_TEXT))
 @pytest.mark.parametrize("by", ["FC.is_string_in_datetime_format", "FC"])
 def test_foreign_date_test_of_texts(kind, by):
     events = events_of("numpy_whatis", (COLUMNS[kind], MARKERS), by=by)
-    assert [name for name in without_date_test(events) if not name.startswith("stand_ins.")] == []
+    assert [
+        name for name in without_date_test(events) if not name.startswith(OF_A_REPLACEMENT)
+    ] == []
     assert any(name.startswith(OF_THE_DATE_TEST) for _, name in events)
 
 
@@ -226,7 +125,7 @@ def test_tables_of_numbers(routine, dtype, order):
 
 
 @pytest.mark.parametrize("kind", sorted(COLUMNS))
-def test_membership_runs_nothing_of_python(kind):
+def test_membership_runs_no_python_code(kind):
     arguments = ({"?", "a", "1"}, COLUMNS[kind])
     assert events_of("indicator_mask", arguments, by="np.vectorize")
     assert events_of("indicator_mask", arguments) == []
@@ -268,15 +167,16 @@ def test_references_are_given_back(monkeypatch, name, kind, more):
     if name == "numpy_putmask":
         more = (np.resize([bool(more), False], len(OBJECTS[kind])), "".join(["fill", "ing"]))
     column = OBJECTS[kind].copy() if name in WRITING else OBJECTS[kind]
-    # None is counted by whoever handles a log record meanwhile.
+    # Handling a log record changes the reference count of None.
     cells = [cell for cell in OBJECTS[kind].tolist() + MARKERS + [MARKERS] if cell is not None]
     routine = find_routine(module, name)
-    repeat(lambda: routine(column, *more), 2)  # what writes does it the first time
+    # Routines that write in place do so in the first call.
+    repeat(lambda: routine(column, *more), 2)
     before = [sys.getrefcount(cell) for cell in cells]
     assert not leaks_blocks(lambda: routine(column, *more), REPEATS)
     after = [sys.getrefcount(cell) for cell in cells]
     for cell, a, b in zip(cells, after, before):
-        # Short texts, small integers and truth values are others' as well.
+        # The interpreter itself shares short texts, small integers and booleans.
         shared = type(cell) in (bool, int) or (type(cell) is str and len(cell) < 2)
         assert abs(a - b) < REPEATS if shared else a == b, repr(cell)
 

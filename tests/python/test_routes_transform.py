@@ -1,25 +1,26 @@
-"""Both routes of a conversion, a replacement and a compression show the same."""
+"""Both routes of a conversion, a replacement and a compression have the same outcome."""
 
 from __future__ import annotations
 
 import numpy as np
-from columns import TEXT_KINDS, flags, marked
 from hypothesis import strategies as st
-from properties import property_test
-from recipes import Recipe
-from routes import (
+
+from helpers.arrays import objects
+from helpers.column_strategies import TEXT_KINDS, flags, marked
+from helpers.native_lookups import names_for
+from helpers.property_tests import property_test
+from helpers.recipes import Recipe
+from helpers.route_columns import (
     NUMBER_KINDS,
     SHAPES,
     SHORT,
-    compare_routes,
     long_columns,
-    names_for,
-    objects,
     plain_markers,
     route_markers,
     spread,
     tables,
 )
+from helpers.routes import compare_routes
 
 CONVERTED = TEXT_KINDS + NUMBER_KINDS + ["text and numbers"]
 listed = st.lists(
@@ -101,7 +102,7 @@ fillings = st.sampled_from(
 
 @st.composite
 def masks_for(draw, X):
-    """Mostly a mask of the shape of X, in memory in any way."""
+    """Mostly a mask of the shape of X, in any memory layout."""
     bits = draw(st.integers(0, 2**64 - 1))
     shape = draw(st.sampled_from(["plain", "strided", "reversed", "read only"]))
     kind = draw(st.sampled_from(["bool", "bool", "bool", "bool", "int", "list", "short", "none"]))
@@ -158,7 +159,7 @@ labels = st.one_of(
 
 @st.composite
 def label_columns(draw):
-    """Labels with and without white space, some of them beside numbers and nulls."""
+    """Labels with and without white space, some with numbers and nulls among them."""
     cells = draw(st.lists(labels, min_size=1, max_size=12))
     if draw(st.booleans()):
         other = st.sampled_from([None, np.nan, 1.5, 7, True, "?", "nan", "None", 10**30])

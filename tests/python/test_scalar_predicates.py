@@ -1,4 +1,4 @@
-"""``isint``, ``isfloat`` and ``setValueOrDefault``, compared with what the built-ins accept."""
+"""``isint``, ``isfloat`` and ``setValueOrDefault``, compared with the built-ins."""
 
 from __future__ import annotations
 
@@ -16,7 +16,7 @@ import quorin_libs.utils.exportable_utils as eu
 
 
 def outcome(function, value):
-    """What a call gives: its result, or the class and text of its exception; and its warnings."""
+    """The result of a call, or class and text of its exception; and its warnings."""
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")
         try:
@@ -168,7 +168,7 @@ def odd(base, args, slot, give):
 def test_special_methods_that_return(slot, base, args):
     for result in RETURNED:
         value = odd(base, args, slot, lambda result=result: result)
-        # What the __float__ of anything but a text may return has words of its own, below.
+        # Wrong results of __float__ have their own messages, tested below.
         plain = slot != "__float__" or base in (str, bytes) or type(result) is float
         check(value, float_too=plain)
 
@@ -194,7 +194,7 @@ def test_float_method_that_returns_no_float(base, args, result):
         float(value)
     with pytest.raises(TypeError) as caught:
         eu.isfloat(value)
-    # The built-in puts the name of the class first.
+    # The message of the built-in starts with the name of the class.
     assert "Odd." + str(caught.value) == str(built_in.value)
     assert str(caught.value).startswith("__float__ returned non-float (type ")
 
@@ -236,7 +236,7 @@ def test_method_found_on_the_type_only():
     check(value)
 
 
-# Exact results, spelled out.
+# Exact results.
 
 
 @pytest.mark.parametrize("value", ["12", 12.9, True, False, " 12 ", 3.7, 0, -1, "1_0", b"7"])
@@ -283,7 +283,7 @@ def test_other_failures_propagate(call, kind):
 
 
 class Hostile:
-    """An object whose truth value and equality must not be asked for."""
+    """An object whose `bool()` and `==` raise."""
 
     def __bool__(self):
         raise AssertionError("truth value taken")

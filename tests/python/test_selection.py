@@ -5,17 +5,10 @@ from __future__ import annotations
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    records_of,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, records_of, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import (
     numpy_flatten_column,
@@ -142,7 +135,7 @@ def test_an_empty_list_has_no_column_to_select():
 
 
 class Index(int):
-    """An index with comparisons of its own, noted as they are made."""
+    """An index that records its comparisons."""
 
     below = False
     beyond = False

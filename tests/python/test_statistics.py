@@ -5,31 +5,16 @@ from __future__ import annotations
 import datetime
 from decimal import Decimal
 from fractions import Fraction
-from types import SimpleNamespace
 
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    message_of,
-    names_in_traceback,
-    objects,
-    typed,
-)
 
+from helpers.arrays import frame, holding, objects
+from helpers.values import message_of, names_in_traceback, typed
 from quorin_libs.utils.exportable_utils import FCplus
 
 NAN = np.nan
-
-
-def holding(values):
-    """A column that has nothing but these values."""
-    return SimpleNamespace(values=values)
-
-
-def frame(*cells):
-    """A frame of one column with the label 0."""
-    return pd.DataFrame(list(cells))
 
 
 # --- check_statistics -------------------------------------------------------------------------
@@ -104,11 +89,11 @@ def test_factors_that_cannot_be_listed(factors):
     assert "check_statistics" in names_in_traceback(excinfo)
 
 
-# The values are read through dfc.values, once.
+# dfc.values is read once.
 
 
 class Values:
-    """The cells of a column, of one or two dimensions; notes which are read."""
+    """The cells of a column, of one or two dimensions; records the reads."""
 
     def __init__(self, log, *rows):
         self.log, self.rows = log, rows
@@ -132,7 +117,7 @@ GOOD, BAD = 10, 99
         ((BAD, GOOD), [1, 1], False, [0, 0]),
         ((BAD, GOOD), [], False, []),
         ((GOOD, GOOD), [0, 1, 2], True, [0, 0, 1]),
-        # Of two dimensions a row is left at its first failure, and the next one is still read.
+        # In two dimensions, the first failure ends a row, and the next row is read.
         (((GOOD, GOOD), (GOOD, GOOD)), [1], True, [(0, 0), (0, 1), (1, 0), (1, 1)]),
         (((BAD, GOOD), (GOOD, GOOD)), [1], False, [(0, 0), (1, 0), (1, 1)]),
         (((GOOD, BAD), (BAD, GOOD)), [1], False, [(0, 0), (0, 1), (1, 0)]),
@@ -147,7 +132,7 @@ def test_a_failure_ends_the_innermost_loop(rows, factors, expected, read):
     assert log == read
 
 
-def test_a_frame_is_asked_once_for_its_values():
+def test_the_values_of_a_frame_are_read_once():
     class Column:
         asked = 0
 
@@ -161,11 +146,11 @@ def test_a_frame_is_asked_once_for_its_values():
     assert column.asked == 1
 
 
-# Every step is an operator of the values at hand.
+# Every step is an operator of the values.
 
 
 class Noted:
-    """A quantity whose operators are noted; a comparison gives its truth when asked."""
+    """A quantity that records its operators; comparisons return an object with `__bool__`."""
 
     def __init__(self, log, name, **truths):
         self.log, self.name, self.truths = log, name, truths
@@ -193,7 +178,7 @@ class Noted:
         self.log.append("?")
         return self.truths[self.name]
 
-    # No reflected operator takes part.
+    # No reflected operator is called.
     __rmul__ = __rsub__ = None
 
 

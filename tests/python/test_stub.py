@@ -7,10 +7,10 @@ import inspect
 from pathlib import Path
 
 import pytest
-from interface_table import ROWS
 
 import quorin_libs
 import quorin_libs.utils.exportable_utils as eu
+from helpers.interface_table import ROWS
 
 STUB = Path(quorin_libs.__file__).parent / "utils" / "exportable_utils.pyi"
 TREE = ast.parse(STUB.read_text(encoding="utf-8"))
@@ -92,7 +92,7 @@ def test_order_of_classes_and_routines():
     for node in TREE.body:
         if isinstance(node, (ast.FunctionDef, ast.ClassDef)) and node.name not in stub:
             stub.append(node.name)
-    # Not the module's dictionary: a test that takes a name out and puts it back moves it there.
+    # Not from the module's dictionary: a test that deletes and restores a name moves it.
     own = []
     for row in ROWS:
         name = row.name if row.owner == "module" else row.owner
@@ -141,7 +141,7 @@ def test_parameters(name):
         found = parameters(node)
         assert [parameter for parameter, _ in found] == [parameter for parameter, _ in expected]
         for (parameter, default), (_, real) in zip(found, expected):
-            # An overload may leave a default out, none may state another one.
+            # An overload may omit a default, but not state another one.
             if default is not ABSENT:
                 assert same(default, real), parameter
                 stated.add(parameter)
@@ -181,7 +181,7 @@ def test_docstrings_of_classes(name):
 
 @every_routine
 def test_run_time_annotations_are_kept(name):
-    """What the routine says of itself, the stub says too, if more precisely."""
+    """The annotations of the routine are those of the stub, which may be more precise."""
     spelled = {bool: "bool", "set": "set", eu.np.ndarray: "npt.NDArray"}
     for node in DEFINITIONS[name]:
         arguments = node.args.args + node.args.kwonlyargs

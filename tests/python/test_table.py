@@ -1,4 +1,4 @@
-"""A table is what it says: texts, in columns of one length, under names of their own."""
+"""A table: columns of texts of equal length, with distinct names."""
 
 from __future__ import annotations
 
@@ -7,8 +7,8 @@ import doctest
 import numpy as np
 import pandas as pd
 import pytest
-from support import objects
 
+from helpers.arrays import objects
 from quorin_libs import Table, profile_table, table
 
 TWO = objects("1", "2")

@@ -1,4 +1,4 @@
-"""Every exception that leaves a routine says through which routines it came."""
+"""The traceback of an exception names the routines that it passed."""
 
 from __future__ import annotations
 
@@ -7,9 +7,10 @@ import types
 
 import numpy as np
 import pytest
-from interface_table import PRESENT, routine, row_id
 
 import quorin_libs.utils.exportable_utils as eu
+from helpers.arrays import objects
+from helpers.interface_table import PRESENT, SOURCES, routine, row_id
 
 
 class Interrupt(BaseException):
@@ -18,12 +19,6 @@ class Interrupt(BaseException):
 
 def interrupt(*args, **kwargs):
     raise Interrupt
-
-
-def objects(*values):
-    column = np.empty(len(values), dtype=object)
-    column[:] = values
-    return column
 
 
 EVERY_TEST = types.SimpleNamespace(
@@ -115,7 +110,7 @@ FAILURES = [
     ("AddNewColumns", (5, len), AttributeError, []),
     ("GetTargetType", (5,), AttributeError, []),
 ]
-# They hand on what they get, or turn every failure into an answer.
+# They return their argument, or handle every failure.
 CANNOT_FAIL = {
     "setValueOrDefault",
     "numpy_is_column_monotonic_increasing",
@@ -149,10 +144,9 @@ def test_entries_name_the_routines(name, args, kind, through):
     entries = native_entries(caught.value)
     assert [entry[2] for entry in entries] == [name] + through
     for file, line, entry_name, _ in entries:
-        # A long body goes on in a neighbour of its file.
+        # A long body may continue in another file of the folder.
         owner = name if entry_name == "<lambda>" else entry_name
-        folder = ROW_OF[owner].family.partition("/")[0]
-        assert file.startswith("src/exportable_utils/{}/".format(folder))
+        assert file.startswith(ROW_OF[owner].folder)
         assert line > 0
 
 
@@ -161,7 +155,7 @@ def test_entries_are_printed():
         eu.isint(None)
     except TypeError:
         text = traceback.format_exc()
-    assert '  File "src/exportable_utils/services/scalar_predicates.cpp", line ' in text
+    assert '  File "{}{}.cpp", line '.format(SOURCES, ROW_OF["isint"].family) in text
     assert ", in isint\n" in text
 
 
@@ -175,8 +169,8 @@ def test_entry_of_a_wrong_call(row):
     assert line > 0
 
 
-def test_lines_tell_failures_apart():
-    """The line is where the call failed: two steps of one routine give two lines."""
+def test_lines_differ_between_steps():
+    """The line is that of the failing step: two steps give two lines."""
     lines = set()
     for args in [([],), ([np.array(5)],)]:
         with pytest.raises(IndexError) as caught:

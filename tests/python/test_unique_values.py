@@ -1,4 +1,4 @@
-"""Distinct values: exclusions, the retry as text, everything else reported as an exception."""
+"""Distinct values: exclusions, the retry as text; other failures are reported as exceptions."""
 
 from __future__ import annotations
 
@@ -8,18 +8,10 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    Recorder,
-    mask,
-    message_of,
-    names_in_traceback,
-    objects,
-    record,
-    records_of,
-    replace_in,
-    typed,
-)
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import message_of, names_in_traceback, records_of, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import get_unique_values
 
@@ -98,7 +90,7 @@ def test_a_series_of_text(dtype):
 
 
 def refusal(y, *flags):
-    """What numpy says of values that it cannot sort."""
+    """The message of numpy for values that it cannot sort."""
     return message_of(TypeError, np.unique, y, *flags)
 
 

@@ -1,11 +1,13 @@
-"""What the classifier prints under debug, and when it reads the clock."""
+"""The output of the classifier under debug, and its readings of the clock."""
 
 from __future__ import annotations
 
 import numpy as np
 import pytest
-from support import mask, objects, record, set_clock, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import record, set_clock
+from helpers.values import typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 
@@ -17,7 +19,7 @@ def starting(column):
 
 
 def from_scan_on(clock, values, rows, first):
-    """All that is printed from the scan on; `first` is the clock's reading at its start."""
+    """The output from the scan on; `first` is the number of its first reading of the clock."""
     values, rows, sample, first_rows = (
         str(number) for number in (values, rows, min(values, 50), min(rows, 50))
     )
@@ -46,7 +48,7 @@ def from_scan_on(clock, values, rows, first):
 def test_the_transcript_without_a_reference_list(monkeypatch, capsys, markers, debug):
     clock = set_clock(monkeypatch)
     assert numpy_whatis(objects("1", "?", None), markers, debug=debug) == (["?"], "int_str")
-    # NaN rows count among the rows, not among the values.
+    # NaN rows count as rows, not as values.
     assert capsys.readouterr().out == (
         starting("['1' '?' None]") + from_scan_on(clock, values=2, rows=3, first=2)
     )

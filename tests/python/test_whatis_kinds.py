@@ -1,4 +1,4 @@
-"""The classifier's verdict: kind and markers by the counting rules and by the running class."""
+"""The verdict of the classifier: kind and markers, by the counting rules and the running class."""
 
 from __future__ import annotations
 
@@ -9,13 +9,10 @@ from decimal import Decimal
 import numpy as np
 import pandas as pd
 import pytest
-from support import (
-    names_in_traceback,
-    objects,
-    record,
-    typed,
-)
 
+from helpers.arrays import objects
+from helpers.replacements import record
+from helpers.values import names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 
@@ -47,7 +44,7 @@ def both_verdicts(X, markers=None):
         ("1,5", "char_str"),
         ("1.2.3", "char_str"),
         (".", "char_str"),
-        # A float without a point is text, an int with a point is none.
+        # A float text without a point is text; an integer text with a point is not an integer.
         ("nan", "char_str"),
         ("inf", "char_str"),
         ("-Infinity", "char_str"),
@@ -116,14 +113,14 @@ class Whole(float):
 
 
 class Ordinal:
-    """Registered as an integer, and nothing else."""
+    """Registered as numbers.Integral, with no other property."""
 
 
 numbers.Integral.register(Ordinal)
 
 
 class maybe_bool:
-    """No number; only the name of its type says what it is."""
+    """Not a number; only the name of its type contains "bool"."""
 
 
 @pytest.mark.parametrize(
@@ -175,7 +172,7 @@ def test_the_kind_of_one_value_that_is_no_text(X, kind):
         (objects(False, 2), "Unknown", "int_num"),
         (objects(False, 2.0), "Unknown", "float_int_num"),
         (objects(0.5, True), "float_num", "boolean"),
-        # A value of no kind is counted with the value before it.
+        # A value of no kind is counted as the kind of the value before it.
         (objects(1, Decimal("2.5")), "int_num", "int_num"),
         (objects(0.5, fractions.Fraction(3, 2)), "float_num", "float_num"),
     ],
@@ -195,7 +192,7 @@ def test_numbers_of_several_kinds(X, counted, running):
         (np.array([b"1"]), None),
         (np.array([1j]), None),
         (np.array(["2020-01-01"], dtype="M8[D]"), None),
-        # Only 32-bit columns are widened, so these hold no Python floats.
+        # Only 32-bit columns are converted to 64 bits, so these contain no Python floats.
         (np.array([1.5], dtype=np.float16), None),
         (np.array([1.5], dtype=np.longdouble), None),
         (objects(np.float32(1.5)), None),
@@ -221,13 +218,13 @@ def test_a_first_value_of_no_kind_cannot_be_counted(X, markers, flag):
         (np.array([np.nan, np.nan]), [np.nan], [np.nan], "missing"),
         (np.array(["NA"]), ["NA"], ["NA"], "missing"),
         (np.array([1, 1]), [1], [1], "missing"),
-        # Without a reference list NaN rows stay, but leave no value to judge by.
+        # Without references NaN rows are kept, but are no distinct value.
         (np.array([np.nan, np.nan]), None, [], "Unknown"),
         (objects(None, None), [], [], "Unknown"),
         (np.array([np.nan, 1.5]), None, [], "float_num"),
         (objects(None, "1"), None, [], "int_str"),
         (objects("?", "a"), None, [], "char_str"),
-        # A NaN that no marker names is a float with a fraction.
+        # A NaN that is not a reference is a float that is not whole.
         (np.array([np.nan, 1.0]), ["?"], [], "float_num"),
         (np.array([np.nan, 1.0]), DEFAULT, [np.nan], "float_int_num"),
         (np.array([-1, 5]), [-1, 7], [-1], "int_num"),
@@ -241,7 +238,7 @@ def test_missing_rows_are_set_aside(X, markers, found, kind):
 def test_the_search_may_stop_at_the_first_marker():
     X = objects("?", "-", "1", "2")
     assert numpy_whatis(X, DEFAULT) == (["?", "-"], "int_str")
-    # The hyphen now is a text before the numbers, and found again as such.
+    # The hyphen is now a text that sorts before the numbers, and is found as such.
     assert numpy_whatis(X, DEFAULT, True) == (["?", "-"], "int_str")
     assert numpy_whatis(objects("?", "~~", "~", "1"), ["?", "~"], True) == (["?", "~"], "int_str")
     assert numpy_whatis(objects("?", "NA", "a"), ["?", "NA"], True) == (["?"], "char_str")
@@ -253,8 +250,8 @@ def test_the_search_may_stop_at_the_first_marker():
 @pytest.mark.parametrize(
     "values, counted, running",
     [
-        # Text and number text with numbers cannot be sorted by numpy: the column is converted
-        # before it comes here, unless the routine that lists the values is another one.
+        # numpy cannot sort texts and numbers: get_unique_values converts the column first, unless
+        # it is replaced.
         ([1, "a"], ([], "char_str"), ([], "char_str")),
         ([1, "a", "b"], ([], "char_str"), ([], "char_str")),
         (["a", 1], ([], "char_str"), ([], "int_num")),
@@ -271,15 +268,15 @@ def test_the_search_may_stop_at_the_first_marker():
         ([1, 2.0, "1.5"], ([], "float_str"), ([], "float_str")),
         (["1", "1.5", 2], ([], "float_str"), ([], "float_str")),
         (["1", 0.5], ([], "float_num"), ([], "float_num")),
-        # All that stands before the first number text is taken, whatever it is.
+        # Every value before the first number text is a candidate.
         ([1, "a", "5"], ([1, "a"], "int_str"), ([1, "a"], "int_str")),
         (["a", 0.5, "5.5"], (["a", 0.5], "float_num"), (["a", 0.5], "float_str")),
         (["5", "a", 0.5], (["a"], "float_num"), (["a"], "float_num")),
-        # Empty text counts as a marker once a number was seen.
+        # Empty text is a marker after a number.
         (["1", "", "2"], ([""], "int_str"), ([""], "int_str")),
         (["1.5", "", "a"], ([""], "float_str"), ([""], "float_str")),
         (["a", "b", "1", ""], (["a", "b", ""], "int_str"), (["a", "b", ""], "int_str")),
-        # The same text twice is noted once.
+        # A repeated text is listed once.
         (["1", "a", "a"], ([], "char_str"), (["a"], "char_str")),
         ([], ([], "Unknown"), ([], "Unknown")),
     ],

@@ -1,12 +1,14 @@
-"""The markers that the classifier discovers beside number text, and how they are reported."""
+"""The markers that the classifier finds among number texts."""
 
 from __future__ import annotations
 
 import numpy as np
 import pandas as pd
 import pytest
-from support import Recorder, mask, objects, record, replace_in, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record, replace_in
+from helpers.values import typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import numpy_whatis
 
@@ -15,10 +17,10 @@ DEFAULT = exportable_utils.global_missing_values_reference_list
 # Texts are scanned in their order: "" < " " < "!" < "-" < "." < "0" < "9" < "?" < "A" < "a" < "~".
 # For each column: markers and kind by the counting rules, then by the running class.
 COLUMNS = [
-    # Text alone: lone signs are no markers.
+    # Only texts: lone texts are not markers.
     (["?", "a", "b"], [], "char_str", [], "char_str"),
     (["", "?"], [], "char_str", [], "char_str"),
-    # Before the numbers: all texts are candidates, one of them is believed.
+    # Texts before the numbers: all are candidates, one of them is a marker.
     (["-", "1", "2"], ["-"], "int_str", ["-"], "int_str"),
     (["", "1"], [""], "int_str", [""], "int_str"),
     ([" ", "1.5"], [" "], "float_str", [" "], "float_str"),
@@ -27,7 +29,7 @@ COLUMNS = [
     (["!", "1.5", "2"], ["!"], "float_str", ["!"], "float_str"),
     (["!", "#", "1"], [], "char_str", ["!", "#"], "int_str"),
     (["", "-", "1.5", "2"], [], "char_str", ["", "-"], "float_str"),
-    # After the numbers: a lone sign ends the scan.
+    # After the numbers: a lone text ends the scan.
     (["1", "2", "?"], ["?"], "int_str", ["?"], "int_str"),
     (["1.5", "?"], ["?"], "float_str", ["?"], "float_str"),
     (["1", "2.5", "?"], ["?"], "float_str", ["?"], "float_str"),
@@ -36,7 +38,7 @@ COLUMNS = [
     (["1", "2.5", "~", "é"], ["~"], "float_str", ["~"], "float_str"),
     (["1", "€"], ["€"], "int_str", ["€"], "int_str"),
     (["1", "\u00a0"], ["\u00a0"], "int_str", ["\u00a0"], "int_str"),
-    # After the numbers: any other text is a candidate, one of them is believed.
+    # After the numbers: any other text is a candidate, one of them is a marker.
     (["1", "2", "a"], ["a"], "int_str", ["a"], "char_str"),
     (["1", "NA"], ["NA"], "int_str", ["NA"], "char_str"),
     (["1", "??"], ["??"], "int_str", ["??"], "char_str"),
@@ -44,7 +46,7 @@ COLUMNS = [
     (["1", "2", "a", "b"], [], "char_str", ["a", "b"], "char_str"),
     (["1.5", "x"], ["x"], "float_str", ["x"], "char_str"),
     (["1.5", "x", "y"], [], "char_str", ["x", "y"], "char_str"),
-    # With numbers of both sorts the running class is that of floats, whatever came last.
+    # With integers and floats the running class is float, in any order.
     (["1", "2.5", "x", "y"], [], "char_str", ["x", "y"], "float_str"),
     # Before and after.
     (["!", "1", "a"], [], "char_str", ["!", "a"], "char_str"),
@@ -52,7 +54,7 @@ COLUMNS = [
     (["!", "#", "1", "?"], ["!", "#", "?"], "int_str", ["!", "#", "?"], "int_str"),
     (["!", "#", "1.5", "2", "?"], ["!", "#", "?"], "float_str", ["!", "#", "?"], "float_str"),
     (["1", "A", "B", "C", "~"], ["A", "B", "C", "~"], "int_str", ["A", "B", "C", "~"], "char_str"),
-    # A lone sign can stand between numbers, and hides those above it.
+    # A lone text can sort between numbers; the numbers after it are not scanned.
     (["-1", ".5", "/", "0"], ["/"], "float_str", ["/"], "float_str"),
     (["-1", "/", "0.5", "a"], ["/"], "int_str", ["/"], "int_str"),
     (["-1", "/"], ["/"], "int_str", ["/"], "int_str"),
@@ -81,7 +83,7 @@ def test_the_holder_of_the_texts_does_not_matter(
 @pytest.mark.parametrize(
     "texts, found",
     [
-        # What was read from the array of text is a numpy text, what came of tolist() is none.
+        # A text read from the array is a np.str_, one from tolist() is a str.
         (["1", "?"], [np.str_("?")]),
         (["1", "a"], [np.str_("a")]),
         (["-", "1"], ["-"]),
@@ -103,7 +105,7 @@ def test_the_types_of_markers_from_a_column_of_text(texts, found):
         (["?", "!", "#", "1"], ["?"], "char_str", ["?", "!", "#"], "int_str"),
         (["-", "a", "b"], ["-"], "char_str", ["-"], "char_str"),
         (["a", None, "?"], ["?", np.nan], "char_str", ["?", np.nan], "char_str"),
-        # Equal candidates of known markers cannot come up: their rows are set aside.
+        # A candidate cannot equal a known marker: the rows of known markers are removed.
         (["", "1", "?", "-"], ["?", "", "-"], "int_str", ["?", "", "-"], "int_str"),
     ],
 )
@@ -157,7 +159,7 @@ def test_known_markers_are_reported_themselves():
 
 
 @pytest.mark.parametrize("stop, debug", [(False, False), (True, False), (0, ""), ("stop", 0)])
-def test_the_masks_are_asked_for_with_two_keywords(monkeypatch, stop, debug):
+def test_the_indicator_is_called_with_two_keywords(monkeypatch, stop, debug):
     X, markers = objects("?", "1"), ["?"]
     masks = record(monkeypatch, "numpy_compute_missing_indicator")
     numpy_whatis(X, markers, stop, debug)
@@ -198,7 +200,7 @@ def test_the_column_alone_is_given_to_the_flattening(monkeypatch):
     X = objects("a")
     flatten = record(monkeypatch, "numpy_flatten_column", lambda X: objects("1"))
     assert numpy_whatis(X) == ([], "int_str")
-    # The matching of markers flattens as well.
+    # numpy_isin also calls numpy_flatten_column.
     assert all(len(args) == 1 and kwargs == {} for args, kwargs in flatten.calls)
     assert flatten.calls[0][0][0] is X
 

@@ -1,4 +1,4 @@
-"""The classifier's statistics: keys in order, exact types, flags, identity, the date question."""
+"""The statistics of the classifier: keys in order, exact types, flags, identity, the date test."""
 
 from __future__ import annotations
 
@@ -6,8 +6,10 @@ from decimal import Decimal
 
 import numpy as np
 import pytest
-from support import Recorder, mask, names_in_traceback, objects, record, typed
 
+from helpers.arrays import mask, objects
+from helpers.replacements import Recorder, record
+from helpers.values import names_in_traceback, typed
 from quorin_libs.utils import exportable_utils
 from quorin_libs.utils.exportable_utils import FCplus, numpy_whatis
 
@@ -29,7 +31,7 @@ KINDS = [
 
 
 def counts(**found):
-    """All ten kinds in their order, 0 where nothing was found."""
+    """All ten kinds in order, 0 if none was found."""
     return {kind: found.get(kind, 0) for kind in KINDS}
 
 
@@ -71,7 +73,7 @@ def test_the_whole_dictionary(monkeypatch):
 @pytest.mark.parametrize(
     "X, plain, weighted",
     [
-        # A lone sign ends the scan: neither it nor what follows is counted.
+        # A lone text ends the scan: neither it nor later values are counted.
         (
             objects("!", "1", "1", "~", "~", "é"),
             {"char_str": 1, "int_str": 1},
@@ -96,7 +98,7 @@ def test_the_whole_dictionary(monkeypatch):
 def test_counts_of_values_and_of_rows(X, plain, weighted):
     statistics = statistics_of(X)
     assert typed(statistics["dtypes_cnt"]) == typed(counts(**plain))
-    # Rows are counted in numpy's integers, except the missing ones.
+    # Counts are numpy integers, except that of missing rows.
     expected = {
         kind: rows if kind == "missing" else np.intp(rows) for kind, rows in weighted.items()
     }
@@ -122,7 +124,7 @@ def test_the_sign_that_ended_the_scan_is_listed(X, weird):
     assert typed(statistics_of(X)["weird_new_missing_values_list"]) == typed(weird)
 
 
-def test_the_running_class_is_reported_when_asked_for():
+def test_the_running_class_is_reported_without_the_flag():
     statistics = statistics_of(objects("?", "1", "a", "b"), use_dtype_str1_flag=False)
     assert statistics["dtype_str"] == "char_str"
     assert statistics["missing_values"] == ["?", "a", "b"]
@@ -203,7 +205,7 @@ def test_monotonic_and_contiguous_are_never_true(X):
     "X, flag",
     [
         (objects("a", "b"), True),
-        # The running class decides, not the kind that is reported.
+        # The running class decides, not the reported kind.
         (objects("1", "a"), True),
         (objects("!", "#", "1"), False),
         (objects("1", "2.5", "x", "y"), False),
@@ -226,7 +228,7 @@ def test_a_false_answer_is_reported_itself(monkeypatch, answer):
 
 @pytest.mark.parametrize("with_statistics", [True, False])
 @pytest.mark.parametrize("distinct, sampled", [(1, 1), (49, 49), (50, 50), (51, 50), (120, 50)])
-def test_fifty_distinct_values_are_asked_about(monkeypatch, distinct, sampled, with_statistics):
+def test_the_date_test_gets_fifty_distinct_values(monkeypatch, distinct, sampled, with_statistics):
     asked = date_test(monkeypatch, False)
     X = np.array([0] * 7 + list(range(distinct)))
     numpy_whatis(X, DEFAULT, return_stats_flag=with_statistics)
@@ -234,7 +236,7 @@ def test_fifty_distinct_values_are_asked_about(monkeypatch, distinct, sampled, w
     assert [(typed(args), kwargs) for args, kwargs in asked.calls] == [(typed((expected,)), {})]
 
 
-def test_no_distinct_value_is_asked_about_as_well(monkeypatch):
+def test_the_date_test_is_called_without_distinct_values(monkeypatch):
     asked = date_test(monkeypatch, False)
     numpy_whatis(objects("?"), DEFAULT)
     assert typed(asked.calls) == typed([((objects(),), {})])

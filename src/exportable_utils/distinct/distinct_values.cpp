@@ -20,17 +20,8 @@ using Order = std::vector<std::uint32_t>;  // numbers of entries
 // Sorted entries are spread over memory.
 constexpr std::size_t prefetched = 16;
 
-// in_blocks() for loops over entries that are spread over memory.
-template <class Use>
-bool in_short_blocks(std::size_t size, Use use) {
-    constexpr std::size_t step = rows_between_signals / 8;
-    SignalTimer timer;
-    for (std::size_t first = 0; first < size; first += step) {
-        if (first != 0) timer.poll();
-        if (!use(first, std::min(size, first + step))) return false;
-    }
-    return true;
-}
+// Entries are spread over memory: so many take a few milliseconds.
+constexpr std::size_t entries_between_signals = std::size_t{1} << 14U;
 
 // Puts an object in a place of an array of objects, which holds None or null so far.
 void put(char* place, Ref object) noexcept {
@@ -40,7 +31,7 @@ void put(char* place, Ref object) noexcept {
 Ref array_of_objects(PyArray_Descr* dtype, const Order& order, std::vector<Ref>& objects) {
     Ref array = new_nulls(order.size(), dtype);
     char* out = PyArray_BYTES(as_array(array));
-    in_short_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i, out += sizeof(PyObject*)) put(out, std::move(objects[order[i]]));
         return true;
     });
@@ -52,7 +43,7 @@ Ref array_of_fixed_texts(const ColumnSource& column, PyArray_Descr* dtype, const
                          const Order& order) {
     Ref array = new_array(order.size(), dtype);
     char* out = PyArray_BYTES(as_array(array));
-    const bool done = in_short_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    const bool done = in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         const std::optional<ArrayColumn> texts = column.borrow();
         if (!texts) return false;
         for (std::size_t i = first; i < last; ++i, out += texts->width) {
@@ -68,7 +59,7 @@ template <class Entry>
 Ref array_of_counts(const std::vector<Entry>& entries, const Order& order) {
     Ref array = new_array(order.size(), NPY_INTP);
     auto* counts = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    in_short_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i) {
             if (i + prefetched < last) __builtin_prefetch(&entries[order[i + prefetched]]);
             counts[i] = static_cast<npy_intp>(entries[order[i]].count);

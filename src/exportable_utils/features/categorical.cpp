@@ -8,19 +8,20 @@
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/errors.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
 
 namespace {
 
-// A column short of these is judged by its few distinct values alone.
+// A column with fewer distinct values and fewer rows than these is categorical.
 constexpr Py_ssize_t few_values = 5;
 constexpr Py_ssize_t few_rows = 30;
 
-// np.unique(dfc). A failure is told on standard output first, in terms of a pandas object.
+// np.unique(dfc). If it fails, the exception and the column are printed before it is raised again.
 Ref distinct_values(Object dfc) {
     try {
         return global("np"_py).attr("unique"_py)({dfc});
@@ -40,36 +41,39 @@ double ratio(Py_ssize_t part, Py_ssize_t whole) {
     return static_cast<double>(part) / static_cast<double>(whole);
 }
 
-// Counted no further than it matters: beyond `uni_max` and the few distinct values that are always few.
-std::optional<bool> native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
+// Returns whether the column has few distinct values. Counts no more of them than decide it: max(uni_max, few_values).
+Ref native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
     constexpr long most_counted = 100000;
-    if (!lookups_unchanged() || !PyLong_CheckExact(uni_max.get()) || !PyFloat_CheckExact(uni_ratio.get())) return {};
-    int overflow = 0;
-    const long most = PyLong_AsLongAndOverflow(uni_max.get(), &overflow);
-    if (overflow != 0 || most < 0 || most > most_counted) return {};
-    const std::optional<ArrayColumn> column = single_column(dfc);
-    if (!column) return {};
-    const std::size_t enough = static_cast<std::size_t>(std::max<long>(most, few_values));
-    const std::optional<std::size_t> uni = distinct::count_distinct_numbers(*ColumnSource::single(dfc), enough);
-    if (!uni) return {};
-    const double r = static_cast<double>(*uni) / static_cast<double>(column->rows);
-    if (*uni < static_cast<std::size_t>(most) && r < PyFloat_AS_DOUBLE(uni_ratio.get())) return true;
-    return *uni == 2 || (*uni < few_values && column->rows < few_rows);
+    return native_route([&]() -> Ref {
+        if (!PyLong_CheckExact(uni_max.get()) || !PyFloat_CheckExact(uni_ratio.get())) return {};
+        int overflow = 0;
+        const long most = PyLong_AsLongAndOverflow(uni_max.get(), &overflow);
+        if (overflow != 0 || most < 0 || most > most_counted) return {};
+        const std::optional<ColumnSource> column = ColumnSource::single(dfc);
+        if (!column) return {};
+        const std::size_t enough = static_cast<std::size_t>(std::max<long>(most, few_values));
+        const std::optional<std::size_t> uni = distinct::count_distinct_numbers(*column, enough);
+        if (!uni) return {};
+        const double r = static_cast<double>(*uni) / static_cast<double>(column->rows());
+        if (*uni < static_cast<std::size_t>(most) && r < PyFloat_AS_DOUBLE(uni_ratio.get())) return Ref::truth(true);
+        return Ref::truth(*uni == 2 || (*uni < few_values && column->rows() < few_rows));
+    });
 }
 
-// In an array of numbers only numbers are in the list: a null read from an array is an object of its own, equal to
-// none.
+// In an array of numbers only numbers are in the list: a null read from such an array is a new object, which equals
+// nothing.
 Ref native_without(Object y, Object misslist) {
-    if (!lookups_unchanged() || !PyList_CheckExact(misslist.get())) return {};
-    const std::optional<ArrayColumn> column = flat_column(y);
-    if (!column || column->storage == Storage::fixed_text) return {};
-    std::optional<references::References> markers = references::read_references(misslist, *column);
-    if (!markers) return {};
-    if (column->storage == Storage::objects) return numbers_without(*column, *markers);
-    if (markers->numbers.empty()) return Ref::share(y);
-    markers->null_bits = 0;
-    const Ref mask = references::membership_mask(*ColumnSource::single(y), *markers);
-    return mask ? item(y, inverted(mask)) : Ref();
+    return native_route([&]() -> Ref {
+        if (!PyList_CheckExact(misslist.get())) return {};
+        const std::optional<ColumnSource> column = ColumnSource::flat(y);
+        if (!column || column->storage() == Storage::fixed_text) return {};
+        const std::optional<references::References> references = references::read_references(misslist, *column);
+        if (!references) return {};
+        if (column->storage() == Storage::objects) return numbers_without(*column, *references);
+        if (references->numbers.empty()) return Ref::share(y);
+        const Ref mask = references::membership_mask(*column, *references, references::Match::without_nulls);
+        return mask ? item(y, inverted(mask)) : Ref();
+    });
 }
 
 // The values of y that are not in misslist.
@@ -87,9 +91,9 @@ Ref has_few_values(Object y) {
     return global("FCplus"_py).attr("is_num_column_categorical"_py)({y}, {{"uni_max"_py, 100}, {"uni_ratio"_py, 0.1}});
 }
 
-// The columns that a test of FCplus accepts.
+// The list of the columns for which a test of FCplus returns true.
 Ref find_columns(Name test, Object X, Object missing_values_reference_list) {
-    // The test is looked up before its column is made, as in any call.
+    // The test is looked up before its argument is made, as in a Python call.
     const auto accepted = [&](const auto& make_column) {
         const Ref method = global("FCplus"_py).attr(test);
         return truth(method({make_column()}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));
@@ -141,7 +145,7 @@ True
     .has_native_route = true,
     .lookups = {"np.unique"},
     .body = [](Object dfc, Object uni_max, Object uni_ratio) -> Ref {
-        if (const std::optional<bool> few = native_few_values(dfc, uni_max, uni_ratio)) return Ref::truth(*few);
+        if (Ref few = native_few_values(dfc, uni_max, uni_ratio)) return few;
         const Ref uni = distinct_values(dfc);
         const Py_ssize_t distinct = length(uni);
         const double r = ratio(distinct, length(dfc));

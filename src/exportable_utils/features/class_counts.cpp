@@ -17,91 +17,135 @@ namespace quorin::features {
 
 namespace {
 
-template <class Cells, class Skip>
-std::optional<std::vector<distinct::DistinctRow>> text_classes(const ArrayColumn& column, const Cells& cells,
-                                                               Skip skip) {
-    core::TextTable table(column.rows);
-    if (!core::add_all(table, cells, skip)) return std::nullopt;
-    std::vector<distinct::DistinctRow> classes;
-    classes.reserve(table.entries().size());
-    for (const core::DistinctText& entry : table.entries()) {
-        classes.push_back({entry.row, static_cast<npy_intp>(entry.count)});
-    }
-    return classes;
+using distinct::DistinctRow;
+using distinct::ExcludedRows;
+
+template <class Entry>
+std::vector<DistinctRow> rows_of_entries(const std::vector<Entry>& entries) {
+    std::vector<DistinctRow> rows;
+    rows.reserve(entries.size());
+    for (const Entry& entry : entries) rows.push_back({entry.row, static_cast<npy_intp>(entry.count)});
+    return rows;
 }
 
-std::optional<std::vector<distinct::DistinctRow>> object_classes(const ArrayColumn& column,
-                                                                 const distinct::ExcludedRows& equal,
-                                                                 const std::vector<PyObject*>& nulls) {
-    const auto skip = [&](std::size_t row) {
-        if (equal.has(row)) return true;
-        return !nulls.empty() && std::find(nulls.begin(), nulls.end(), column.object(row)) != nulls.end();
+// `skip` takes the borrowed column and a row.
+template <class Skip>
+std::optional<Classes> text_classes(const ColumnSource& column, Skip skip) {
+    distinct::DistinctTexts texts(column.rows());
+    const bool known = column.in_blocks([&](const ArrayColumn& cells, std::size_t first, std::size_t last) {
+        return texts.add(cells, first, last, [&](std::size_t row) { return skip(cells, row); });
+    });
+    if (!known) return std::nullopt;
+    return Classes{rows_of_entries(texts.entries()), std::move(texts.objects())};
+}
+
+template <class Skip>
+std::optional<Classes> tallied_classes(const ColumnSource& column, Skip skip) {
+    distinct::ObjectTally tally(column.rows());
+    const bool known = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+        const ObjectCells cells(objects);
+        for (std::size_t row = first; row < last; ++row) {
+            if (!skip(objects, row) && !tally.add(objects, cells, row)) return false;
+        }
+        tally.hold(objects);
+        return true;
+    });
+    if (!known) return std::nullopt;
+    return Classes{rows_of_entries(tally.entries()), std::move(tally.objects())};
+}
+
+template <class Skip>
+bool starts_with_text(const ColumnSource& column, Skip skip) {
+    const std::optional<ArrayColumn> objects = column.borrow();
+    if (!objects) return false;
+    std::size_t row = 0;
+    while (row < objects->rows && skip(*objects, row)) ++row;
+    return row < objects->rows && is_exact_text(objects->object(row));
+}
+
+std::optional<Classes> object_classes(const ColumnSource& column, const ExcludedRows& excluded,
+                                      const std::vector<PyObject*>& excluded_nulls) {
+    const auto skip = [&](const ArrayColumn& objects, std::size_t row) {
+        if (excluded.has(row)) return true;
+        return !excluded_nulls.empty() &&
+               std::find(excluded_nulls.begin(), excluded_nulls.end(), objects.object(row)) != excluded_nulls.end();
     };
-    std::size_t first = 0;
-    while (first < column.rows && skip(first)) ++first;
-    if (first < column.rows && is_exact_text(column.object(first))) {
-        if (auto classes = text_classes(column, ObjectCells(column), skip)) return classes;
+    if (starts_with_text(column, skip)) {
+        if (auto classes = text_classes(column, skip)) return classes;
     }
-    distinct::ObjectTally tally(column.rows);
-    const ObjectCells cells(column);
-    for (std::size_t row = first; row < column.rows; ++row) {
-        if (!skip(row) && !tally.add(column, cells, row)) return std::nullopt;
-    }
-    std::vector<distinct::DistinctRow> classes;
-    classes.reserve(tally.entries().size());
-    for (const distinct::ObjectTally::Entry& entry : tally.entries()) classes.push_back({entry.row, entry.count});
-    return classes;
+    return tallied_classes(column, skip);
 }
 
-template <class Number>
-std::vector<distinct::DistinctRow> number_classes(const ArrayColumn& column, const distinct::ExcludedRows& equal) {
-    constexpr std::size_t ahead = 16;
-    std::vector<distinct::DistinctRow> classes;
-    core::NumberTable table;
-    std::uint64_t last_key = 0;
-    std::uint32_t last = 0;
-    bool any = false;
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (equal.has(row)) continue;
-        if (row + ahead < column.rows) table.prefetch(core::key_of(core::load<Number>(column, row + ahead)));
-        const Number value = core::load<Number>(column, row);
-        const auto next = static_cast<std::uint32_t>(classes.size());
-        if constexpr (std::is_floating_point_v<Number>) {
-            if (std::isnan(value)) {
-                classes.push_back({row, 1});
-                continue;
+class NumberClasses {
+  public:
+    template <class Number>
+    void add(const ArrayColumn& column, std::size_t first, std::size_t last, const ExcludedRows& excluded) {
+        constexpr std::size_t ahead = 16;
+        std::uint64_t last_key = 0;
+        std::uint32_t last_class = 0;
+        bool any = false;
+        for (std::size_t row = first; row < last; ++row) {
+            if (excluded.has(row)) continue;
+            if (row + ahead < column.rows) table_.prefetch(core::key_of(core::load<Number>(column, row + ahead)));
+            const Number value = core::load<Number>(column, row);
+            if constexpr (std::is_floating_point_v<Number>) {
+                if (std::isnan(value)) {
+                    classes_.push_back({row, 1});
+                    continue;
+                }
             }
+            const std::uint64_t key = core::key_of(value);
+            const auto next = static_cast<std::uint32_t>(classes_.size());
+            // Runs of one value need no search.
+            if (!any || key != last_key) {
+                last_class = table_.find_or_add(key, next);
+                last_key = key;
+                any = true;
+            }
+            if (last_class == next) classes_.push_back({row, 0});
+            ++classes_[last_class].count;
         }
-        const std::uint64_t key = core::key_of(value);
-        // Runs of one value need no search.
-        if (!any || key != last_key) {
-            last = table.find_or_add(key, next);
-            last_key = key;
-            any = true;
-        }
-        if (last == next) classes.push_back({row, 0});
-        ++classes[last].count;
     }
-    return classes;
+    [[nodiscard]] std::vector<DistinctRow>& classes() noexcept { return classes_; }
+
+  private:
+    core::NumberTable table_;
+    std::vector<DistinctRow> classes_;
+};
+
+std::optional<Classes> number_classes(const ColumnSource& column, const ExcludedRows& excluded) {
+    NumberClasses counted;
+    const bool known = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
+        return core::with_number_type(numbers, [&](auto type) {
+            counted.add<decltype(type)>(numbers, first, last, excluded);
+            return true;
+        });
+    });
+    if (!known) return std::nullopt;
+    return Classes{std::move(counted.classes()), {}};
 }
 
-// Two values, so that counting needs no search.
-std::vector<distinct::DistinctRow> boolean_classes(const ArrayColumn& column, const distinct::ExcludedRows& equal) {
-    std::array<distinct::DistinctRow, 2> found{};
-    for (std::size_t row = 0; row < column.rows; ++row) {
-        if (equal.has(row)) continue;
-        distinct::DistinctRow& entry = found[core::load<bool>(column, row) ? 1 : 0];
-        if (entry.count++ == 0) entry.row = row;
-    }
+// Counting two values needs no search.
+std::optional<Classes> boolean_classes(const ColumnSource& column, const ExcludedRows& excluded) {
+    std::array<DistinctRow, 2> found{};
+    const bool known = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
+        for (std::size_t row = first; row < last; ++row) {
+            if (excluded.has(row)) continue;
+            DistinctRow& entry = found[core::load<bool>(values, row) ? 1 : 0];
+            if (entry.count++ == 0) entry.row = row;
+        }
+        return true;
+    });
+    if (!known) return std::nullopt;
     if (found[0].row > found[1].row) std::swap(found[0], found[1]);
-    std::vector<distinct::DistinctRow> classes;
-    for (const distinct::DistinctRow& entry : found) {
-        if (entry.count != 0) classes.push_back(entry);
+    Classes classes;
+    for (const DistinctRow& entry : found) {
+        if (entry.count != 0) classes.rows.push_back(entry);
     }
     return classes;
 }
 
-// As the array gives it when it is indexed; the two common types without numpy's detour.
+// array[row]. The two most frequent dtypes without numpy's general function.
 Ref scalar_at(const ArrayColumn& column, std::size_t row) {
     const int type = PyArray_TYPE(column.array);
     if (type == NPY_DOUBLE) {
@@ -118,55 +162,72 @@ Ref scalar_at(const ArrayColumn& column, std::size_t row) {
     return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
 }
 
-Ref element_of(const ArrayColumn& column, std::size_t row) {
-    if (column.storage == Storage::objects) return Ref::share(column.object(row));
+// A str for an element of fixed-width text.
+Ref number_or_text_at(const ArrayColumn& column, std::size_t row) {
     if (column.storage != Storage::fixed_text) return scalar_at(column, row);
     core::TextView text{};
     ArrayTextCells(column).read(row, text);
     return new_text(text);
 }
 
+constexpr std::size_t elements_between_polls = 4096;
+
+bool copy_elements(const ColumnSource& column, const std::vector<DistinctRow>& rows, std::vector<Ref>& elements) {
+    elements.reserve(rows.size());
+    LongBorrow borrow(column);
+    for (const DistinctRow& entry : rows) {
+        if (elements.size() % elements_between_polls == elements_between_polls - 1) borrow.pause();
+        if (!borrow.column()) return false;
+        elements.push_back(number_or_text_at(*borrow.column(), entry.row));
+    }
+    return true;
+}
+
+// Makes an array's scalars of str objects.
+void make_text_scalars(std::vector<Ref>& texts) {
+    SignalTimer timer;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        if (i % elements_between_polls == elements_between_polls - 1) timer.poll();
+        texts[i] = text_scalar(texts[i]);
+    }
+}
+
 }  // namespace
 
-std::optional<std::vector<distinct::DistinctRow>> classes_of(const ArrayColumn& column,
-                                                             const references::References& left_out) {
-    if (column.rows > core::TextTable::most_rows) return std::nullopt;
-    std::vector<PyObject*> nulls;
-    for (const Ref& value : left_out.objects) {
-        if (is_exact_null(value.get())) nulls.push_back(value.get());
+std::optional<Classes> classes_of(const ColumnSource& column, const references::References& excluded) {
+    if (column.rows() > core::TextTable::most_rows) return std::nullopt;
+    std::vector<PyObject*> excluded_nulls;
+    for (const Ref& value : excluded.objects) {
+        if (is_exact_null(value.get())) excluded_nulls.push_back(value.get());
     }
     references::Members by_equality;
-    if (nulls.size() < left_out.objects.size()) {
-        std::optional<references::Members> found =
-            references::find_members(*ColumnSource::single(reinterpret_cast<PyObject*>(column.array)), left_out,
-                                     references::Match::without_nulls);
+    if (excluded_nulls.size() < excluded.objects.size()) {
+        auto found = references::find_members(column, excluded, references::Match::without_nulls);
         if (!found) return std::nullopt;
         by_equality = std::move(*found);
     }
-    const distinct::ExcludedRows equal(by_equality.mask, by_equality.marked);
-    if (column.storage == Storage::objects) return object_classes(column, equal, nulls);
-    if (column.storage == Storage::fixed_text) {
-        const auto skip = [&](std::size_t row) { return equal.has(row); };
-        return text_classes(column, ArrayTextCells(column), skip);
+    const ExcludedRows excluded_rows(by_equality.mask, by_equality.marked);
+    switch (column.storage()) {
+        case Storage::objects:
+            return object_classes(column, excluded_rows, excluded_nulls);
+        case Storage::fixed_text:
+            return text_classes(
+                column, [&](const ArrayColumn& /*texts*/, std::size_t row) { return excluded_rows.has(row); });
+        case Storage::boolean:
+            return boolean_classes(column, excluded_rows);
+        case Storage::float64:
+        case Storage::float32:
+        case Storage::integer:
+            break;
     }
-    if (column.storage == Storage::boolean) return boolean_classes(column, equal);
-    std::vector<distinct::DistinctRow> classes;
-    const bool counted = core::with_number_type(column, [&](auto type) {
-        classes = number_classes<decltype(type)>(column, equal);
-        return true;
-    });
-    if (!counted) return std::nullopt;
-    return classes;
+    return number_classes(column, excluded_rows);
 }
 
-std::vector<Ref> elements_of(const ArrayColumn& column, const std::vector<distinct::DistinctRow>& classes) {
+std::optional<std::vector<Ref>> elements_of(const ColumnSource& column, Classes& classes) {
+    if (column.storage() == Storage::objects) return std::move(classes.objects);
     std::vector<Ref> elements;
-    elements.reserve(classes.size());
-    for (const distinct::DistinctRow& entry : classes) elements.push_back(element_of(column, entry.row));
-    // Scalars of text take a tuple each to make, so they come when the column has been read.
-    if (column.storage == Storage::fixed_text) {
-        for (Ref& element : elements) element = text_scalar(element);
-    }
+    if (!copy_elements(column, classes.rows, elements)) return std::nullopt;
+    if (column.storage() == Storage::fixed_text) make_text_scalars(elements);
     return elements;
 }
 

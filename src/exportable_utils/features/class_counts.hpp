@@ -1,4 +1,4 @@
-// The classes of a column as a dictionary of its elements counts them.
+// The classes of a column: its distinct elements as a dictionary counts them.
 #pragma once
 
 #include <optional>
@@ -9,13 +9,18 @@
 
 namespace quorin::features {
 
-// In the order of first occurrence, without the elements that the list `left_out` contains. A null is contained only as
-// the very object that it is, so that none read from an array of numbers is; and each NaN read from such an array is an
-// object and a class of its own. Nothing where an element is of no known kind.
-std::optional<std::vector<distinct::DistinctRow>> classes_of(const ArrayColumn& column,
-                                                             const references::References& left_out);
+struct Classes {
+    std::vector<distinct::DistinctRow> rows;
+    std::vector<Ref> objects;  // the elements, for a column of objects
+};
 
-// The elements themselves: the objects, or the array's scalars. Each takes one of the rows of `classes`.
-std::vector<Ref> elements_of(const ArrayColumn& column, const std::vector<distinct::DistinctRow>& classes);
+// The classes in the order of first occurrence, without the elements that are in the list `excluded`. A null is in the
+// list only if it is the same object, so no null of an array of numbers is; each NaN of such an array is a class of its
+// own. Nothing if an element is of no known type. Foreign code may run.
+std::optional<Classes> classes_of(const ColumnSource& column, const references::References& excluded);
+
+// The elements of the classes, as indexing the array returns them. Takes over `classes.objects`. Nothing if the column
+// has changed. Foreign code may run.
+std::optional<std::vector<Ref>> elements_of(const ColumnSource& column, Classes& classes);
 
 }  // namespace quorin::features

@@ -1,20 +1,19 @@
-// What the methods share: the marker list in force, the classifier's short answer for a column, a look at its first
-// cell.
+// Calls of the classifier and of its companions, which the methods share.
 #pragma once
 
 #include "python/ref.hpp"
 
 namespace quorin::features {
 
-// The caller's list of missing-value markers, or the module's where the caller gives None.
+// setValueOrDefault(list, global_missing_values_reference_list): the caller's list, or the module's if that is None.
 Ref markers_in_force(Object missing_values_reference_list, Where where = Where::current());
 
 struct Classified {
     Ref misslist;   // the markers that occur in the column
-    Ref dtype_str;  // its kind
+    Ref dtype_str;  // the column's kind
 };
 
-// numpy_whatis, looked up for one call: Classifier()(column, markers) makes the column after that, as any call does.
+// numpy_whatis. Classifier()(column, markers) looks it up before it evaluates the arguments, as a Python call does.
 class Classifier {
   public:
     explicit Classifier(Where where = Where::current());

@@ -1,5 +1,6 @@
-// Questions about a whole data set. Five of them are one walk over the columns: each column is classified, and what
-// is asked of the answer, and what is done with it, is a line per question.
+// Checks of a whole data set. Each of them classifies every column.
+#include <algorithm>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -8,92 +9,129 @@
 #include "exportable_utils/features/features.hpp"
 #include "exportable_utils/references/references.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
 
 namespace {
 
-struct Question {
-    bool missing;  // does the column hold missing values?
-    bool text;     // does it hold text, numbers as text included?
+// What a column is checked for.
+struct Check {
+    bool missing;  // missing values
+    bool text;     // text, numbers as text included
 };
 
-bool hit(Question question, const Classified& column) {
-    if (question.missing && truth(column.misslist)) return true;
-    if (!question.text) return false;
+enum class Wanted { first, all };
+
+bool holds(Check check, const Classified& column) {
+    if (check.missing && truth(column.misslist)) return true;
+    if (!check.text) return false;
     return equal(column.dtype_str, "char_str"_py) || equal(column.dtype_str, "int_str"_py) ||
            equal(column.dtype_str, "float_str"_py);
 }
 
-// The columns of a table of numbers that the question hits, straight from its memory: numbers are never text, and
-// without a number among the markers only nulls are missing.
-std::optional<std::vector<bool>> native_hits(Question question, Object X, Object markers_list, bool one_is_enough) {
-    if (!lookups_and_date_test_unchanged() || !is_exact_array(X)) return std::nullopt;
-    PyArrayObject* array = as_array(X);
-    if (PyArray_NDIM(array) != 2 || PyArray_DIM(array, 1) == 0) return std::nullopt;
-    const std::optional<references::References> markers = references::read_references(markers_list);
-    if (!markers || !markers->numbers.empty()) return std::nullopt;
-    // The first column stands for the others where it comes to dtype, rows and memory.
-    const Ref first = matrix_column(X, 0);
-    const std::optional<ArrayColumn> column = flat_column(first);
-    if (!column) return std::nullopt;
-    const auto width = static_cast<std::size_t>(PyArray_DIM(array, 1));
-    const core::FloatTable table{column->data, column->rows, width, column->stride, PyArray_STRIDE(array, 1)};
-    switch (column->storage) {
-        case Storage::objects:
-        case Storage::fixed_text:
-            return std::nullopt;
-        case Storage::float64:
-            if (!question.missing || markers->null_bits == 0) break;
-            return core::null_columns<double>(table, one_is_enough);
-        case Storage::float32:
-            if (!question.missing || markers->null_bits == 0) break;
-            return core::null_columns<float>(table, one_is_enough);
-        case Storage::integer:
-        case Storage::boolean:
-            break;
-    }
-    return std::vector<bool>(width);
-}
+// How the columns of a table lie in memory.
+struct ColumnLayout {
+    std::size_t columns;
+    std::ptrdiff_t stride;
 
-enum class Wanted { first, all };
-
-// Hands the index of each column that the question hits to `on_hit`, until that says no more.
-template <class OnHit>
-void walk(Question question, Wanted wanted, Object X, Object missing_values_reference_list, OnHit on_hit) {
-    const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-    if (equal(X.attr("ndim"_py), 1)) {
-        if (hit(question, Classifier()(X, l_missing_values_reference_list))) on_hit(0);
-        return;
-    }
-    if (const auto hits = native_hits(question, X, l_missing_values_reference_list, wanted == Wanted::first)) {
-        for (std::size_t j = 0; j < hits->size(); ++j) {
-            if ((*hits)[j] && !on_hit(static_cast<Py_ssize_t>(j))) return;
-        }
-        return;
-    }
-    const Py_ssize_t columns = count(column_count(X));
-    for (Py_ssize_t j = 0; j < columns; ++j) {
-        if (hit(question, Classifier()(matrix_column(X, j), l_missing_values_reference_list)) && !on_hit(j)) return;
-    }
-}
-
-// True where no column is hit. The first hit settles it.
-template <Question question>
-constexpr auto no_column = [](Object X, Object missing_values_reference_list) -> Ref {
-    bool flag = true;
-    walk(question, Wanted::first, X, missing_values_reference_list, [&](Py_ssize_t) { return flag = false; });
-    return Ref::truth(flag);
+    bool operator==(const ColumnLayout&) const = default;
 };
 
-// The columns that are hit.
-template <Question question>
-constexpr auto columns_with = [](Object X, Object missing_values_reference_list) -> Ref {
+ColumnLayout layout_of(Object X) noexcept {
+    PyArrayObject* array = as_array(X);
+    return {static_cast<std::size_t>(PyArray_DIM(array, 1)), PyArray_STRIDE(array, 1)};
+}
+
+// ORs into `found` whether each column of a table of floats holds a null. Returns false if the table changes meanwhile.
+// With Wanted::first the search ends with the first null.
+template <class Float>
+bool find_null_columns(Object X, const ColumnSource& first_column, Wanted wanted, std::vector<bool>& found) {
+    constexpr std::size_t numbers_between_signals = std::size_t{1} << 20U;
+    const ColumnLayout layout = layout_of(X);
+    const std::size_t rows = std::max<std::size_t>(1, numbers_between_signals / layout.columns);
+    LongBorrow borrow(first_column);
+    for (std::size_t row = 0; row < first_column.rows(); row += rows) {
+        if (row != 0) borrow.pause();
+        const std::optional<ArrayColumn>& column = borrow.column();
+        if (!column || layout_of(X) != layout) return false;
+        const core::FloatTable table{column->at(row), std::min(rows, column->rows - row), layout.columns,
+                                     column->stride, layout.stride};
+        const std::vector<bool> nulls = core::null_columns<Float>(table, wanted == Wanted::first);
+        std::transform(nulls.begin(), nulls.end(), found.begin(), found.begin(), std::logical_or<>());
+        if (wanted == Wanted::first && std::find(found.begin(), found.end(), true) != found.end()) break;
+    }
+    return true;
+}
+
+// The columns of a table of numbers for which the check holds. Numbers are not text; if no reference is a number, only
+// nulls are missing. Nothing for any other table.
+std::optional<std::vector<bool>> native_columns(Check check, Wanted wanted, Object X, Object references_list) {
+    const std::optional<references::References> references = references::read_references(references_list);
+    if (!references || !references->numbers.empty()) return std::nullopt;
+    // The first column has the dtype and the rows of all others.
+    const std::optional<ColumnSource> column = ColumnSource::of_table(X, 0);
+    if (!column || column->storage() == Storage::objects || column->storage() == Storage::fixed_text) {
+        return std::nullopt;
+    }
+    std::vector<bool> found(layout_of(X).columns);
+    if (!check.missing || references->null_bits == 0) return found;
+    if (column->storage() == Storage::float64 && !find_null_columns<double>(X, *column, wanted, found)) {
+        return std::nullopt;
+    }
+    if (column->storage() == Storage::float32 && !find_null_columns<float>(X, *column, wanted, found)) {
+        return std::nullopt;
+    }
+    return found;
+}
+
+// Calls on_column(j) for each column for which the check holds, until it returns false.
+template <class OnColumn>
+void classify_columns(Check check, Object X, Object references_list, OnColumn on_column) {
+    const Py_ssize_t columns = count(column_count(X));
+    for (Py_ssize_t j = 0; j < columns; ++j) {
+        if (holds(check, Classifier()(matrix_column(X, j), references_list)) && !on_column(j)) return;
+    }
+}
+
+// Whether the check holds for no column. The first column for which it holds ends the search.
+template <Check check>
+constexpr auto no_column = [](Object X, Object missing_values_reference_list) -> Ref {
+    const Ref references_list = markers_in_force(missing_values_reference_list);
+    if (equal(X.attr("ndim"_py), 1)) return Ref::truth(!holds(check, Classifier()(X, references_list)));
+    Ref answer = native_route<DateTest::called>([&]() -> Ref {
+        const auto found = native_columns(check, Wanted::first, X, references_list);
+        return found ? Ref::truth(std::find(found->begin(), found->end(), true) == found->end()) : Ref();
+    });
+    if (answer) return answer;
+    bool none = true;
+    classify_columns(check, X, references_list, [&](Py_ssize_t /*j*/) { return none = false; });
+    return Ref::truth(none);
+};
+
+// The list of the columns for which the check holds.
+template <Check check>
+constexpr auto list_of_columns = [](Object X, Object missing_values_reference_list) -> Ref {
+    const Ref references_list = markers_in_force(missing_values_reference_list);
     Ref columns = list({});
-    walk(question, Wanted::all, X, missing_values_reference_list, [&](Py_ssize_t j) {
+    if (equal(X.attr("ndim"_py), 1)) {
+        if (holds(check, Classifier()(X, references_list))) append(columns, whole(0));
+        return columns;
+    }
+    Ref answer = native_route<DateTest::called>([&]() -> Ref {
+        const auto found = native_columns(check, Wanted::all, X, references_list);
+        if (!found) return {};
+        Ref indices = list({});
+        for (std::size_t j = 0; j < found->size(); ++j) {
+            if ((*found)[j]) append(indices, whole(static_cast<Py_ssize_t>(j)));
+        }
+        return indices;
+    });
+    if (answer) return answer;
+    classify_columns(check, X, references_list, [&](Py_ssize_t j) {
         append(columns, whole(j));
         return true;
     });
@@ -163,7 +201,7 @@ False
 )",
     .has_native_route = true,
     .lookups = {"setValueOrDefault", "numpy_whatis"},
-    .body = no_column<Question{.missing = true, .text = true}>,
+    .body = no_column<Check{.missing = true, .text = true}>,
 };
 
 constinit const Definition is_dataset_missing{
@@ -194,7 +232,7 @@ False
 )",
     .has_native_route = true,
     .lookups = {"setValueOrDefault", "numpy_whatis"},
-    .body = no_column<Question{.missing = true, .text = false}>,
+    .body = no_column<Check{.missing = true, .text = false}>,
 };
 
 constinit const Definition get_dataset_missing_columns{
@@ -223,7 +261,7 @@ Examples
 )",
     .has_native_route = true,
     .lookups = {"setValueOrDefault", "numpy_whatis"},
-    .body = columns_with<Question{.missing = true, .text = false}>,
+    .body = list_of_columns<Check{.missing = true, .text = false}>,
 };
 
 constinit const Definition is_dataset_numeric{
@@ -251,7 +289,7 @@ False
 )",
     .has_native_route = true,
     .lookups = {"setValueOrDefault", "numpy_whatis"},
-    .body = no_column<Question{.missing = false, .text = true}>,
+    .body = no_column<Check{.missing = false, .text = true}>,
 };
 
 constinit const Definition get_dataset_non_numeric_columns{
@@ -280,7 +318,7 @@ Examples
 )",
     .has_native_route = true,
     .lookups = {"setValueOrDefault", "numpy_whatis"},
-    .body = columns_with<Question{.missing = false, .text = true}>,
+    .body = list_of_columns<Check{.missing = false, .text = true}>,
 };
 
 }  // namespace quorin::features

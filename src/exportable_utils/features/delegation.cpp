@@ -1,4 +1,4 @@
-// The tests that FC answers: asked through FCplus, so that every semantic column test has one address.
+// Tests that FCplus passes on to FC.
 #include "exportable_utils/features/features.hpp"
 #include "python/module_names.hpp"
 #include "python/operations.hpp"
@@ -7,7 +7,7 @@ namespace quorin::features {
 
 namespace {
 
-// A test of FC, which gets the column and gives the result as it is.
+// Calls a test of FC and returns its result unchanged.
 template <Literal Test>
 constexpr auto delegate = [](Object column) -> Ref { return global("FC"_py).attr(name_of<Test>())({column}); };
 

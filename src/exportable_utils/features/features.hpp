@@ -1,4 +1,4 @@
-// The static methods of FCplus: what a column or a whole table holds.
+// The static methods of FCplus: tests of columns and of whole data sets.
 #pragma once
 
 #include "python/routine.hpp"

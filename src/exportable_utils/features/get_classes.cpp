@@ -5,41 +5,43 @@
 #include "exportable_utils/features/features.hpp"
 #include "python/errors.hpp"
 #include "python/indexing.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
 
 namespace {
 
-// All objects of the column are held before the first tuple is made: that may start the collector, and with it code
-// that writes into the column.
-Ref native_classes(Object y, Object left_out) {
-    if (!lookups_unchanged()) return {};
-    const std::optional<ArrayColumn> column = flat_column(y);
-    if (!column) return {};
-    const std::optional<references::References> values = references::read_references(left_out, *column);
-    if (!values) return {};
-    const auto classes = classes_of(*column, *values);
-    if (!classes) return {};
-    std::vector<Ref> elements = elements_of(*column, *classes);
-    Ref classes_list = Ref::take(PyList_New(static_cast<Py_ssize_t>(classes->size())));
+// A list of (element, occurrences).
+Ref list_of_pairs(std::vector<Ref>& elements, const std::vector<distinct::DistinctRow>& rows) {
+    constexpr std::size_t pairs_between_polls = 4096;
+    ListUnderConstruction pairs(elements.size());
+    SignalTimer timer;
     Ref occurrences;
     for (std::size_t i = 0; i < elements.size(); ++i) {
-        // Neighbours that occur equally often share the number.
-        if (i == 0 || (*classes)[i].count != (*classes)[i - 1].count) {
-            occurrences = Ref::take(PyFloat_FromDouble(static_cast<double>((*classes)[i].count)));
+        if (i % pairs_between_polls == pairs_between_polls - 1) timer.poll();
+        // Consecutive classes of equal size share the number.
+        if (i == 0 || rows[i].count != rows[i - 1].count) {
+            occurrences = Ref::take(PyFloat_FromDouble(static_cast<double>(rows[i].count)));
         }
-        PyObject* pair = Ref::take(PyTuple_New(2)).give();
-        PyTuple_SET_ITEM(pair, 0, elements[i].give());
-        PyTuple_SET_ITEM(pair, 1, Ref::share(occurrences).give());
-        // Nothing in a pair refers to anything, so the collector would let go of it when it first looks; many pairs
-        // that it has yet to look at make it go through everything there is.
-        PyObject_GC_UnTrack(pair);
-        PyList_SET_ITEM(classes_list.get(), static_cast<Py_ssize_t>(i), pair);
+        pairs.append(untracked_pair(std::move(elements[i]), Ref::share(occurrences)));
     }
-    return classes_list;
+    return pairs.finish();
+}
+
+Ref native_classes(Object y, Object excluded_list) {
+    return native_route([&]() -> Ref {
+        const std::optional<ColumnSource> column = ColumnSource::flat(y);
+        if (!column) return {};
+        const std::optional<references::References> excluded = references::read_references(excluded_list, *column);
+        if (!excluded) return {};
+        std::optional<Classes> classes = classes_of(*column, *excluded);
+        if (!classes) return {};
+        std::optional<std::vector<Ref>> elements = elements_of(*column, *classes);
+        return elements ? list_of_pairs(*elements, classes->rows) : Ref();
+    });
 }
 
 }  // namespace

@@ -3,35 +3,36 @@
 #include "exportable_utils/distinct/distinct_values.hpp"
 #include "exportable_utils/features/classifier_calls.hpp"
 #include "exportable_utils/features/features.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
 
 namespace {
 
-enum class Answer { as_returned, by_bool_method };
+enum class Result { as_returned, by_bool_method };
 
-// A test of FC that is not asked about columns whose first cell is a text: they are none of it.
-template <Literal Test, Answer answer>
-constexpr auto guarded = [](Object dfc) -> Ref {
+// A test of FC for columns of numbers: false, without calling it, if the first cell is a text.
+template <Literal Test, Result result>
+constexpr auto test_of_numbers = [](Object dfc) -> Ref {
     if (first_cell_is_text(dfc)) return Ref::truth(false);
-    Ref result = global("FC"_py).attr(name_of<Test>())({dfc});
-    if constexpr (answer == Answer::by_bool_method) result = result.attr("bool"_py)();
-    return result;
+    Ref answer = global("FC"_py).attr(name_of<Test>())({dfc});
+    if constexpr (result == Result::by_bool_method) answer = answer.attr("bool"_py)();
+    return answer;
 };
 
-// Whether a column has more than two distinct values, the missing ones among them.
-std::optional<bool> native_several_values(Object dfc) {
+// Returns whether a column has more than two distinct values; all missing ones count as one.
+Ref native_several_values(Object dfc) {
     constexpr std::size_t several = 3;
-    if (!lookups_unchanged()) return std::nullopt;
-    const std::optional<ColumnSource> column = ColumnSource::single(dfc);
-    if (!column) return std::nullopt;
-    std::optional<std::size_t> distinct = distinct::count_distinct_texts(*column, several);
-    if (!distinct) distinct = distinct::count_distinct_numbers(*column, several);
-    if (!distinct) return std::nullopt;
-    return *distinct == several;
+    return native_route([&]() -> Ref {
+        const std::optional<ColumnSource> column = ColumnSource::single(dfc);
+        if (!column) return {};
+        std::optional<std::size_t> distinct = distinct::count_distinct_texts(*column, several);
+        if (!distinct) distinct = distinct::count_distinct_numbers(*column, several);
+        return distinct ? Ref::truth(*distinct == several) : Ref();
+    });
 }
 
 }  // namespace
@@ -88,13 +89,13 @@ False
 )",
     .body = [](Object series) -> Ref {
         if (first_cell_is_text(series)) return Ref::truth(false);
-        const auto ask = [&](Name test) {
+        const auto dtype_test = [&](Name test) {
             const Ref common = global("pd"_py).attr("core"_py).attr("dtypes"_py).attr("common"_py);
             return common.attr(test)({series});
         };
-        // No short cut: the second test is asked whatever the first one says.
-        const Ref is_datetime = ask("is_datetime64_ns_dtype"_py);
-        return either(is_datetime, ask("is_timedelta64_ns_dtype"_py));
+        // No short cut: the second test is always called.
+        const Ref is_datetime = dtype_test("is_datetime64_ns_dtype"_py);
+        return either(is_datetime, dtype_test("is_timedelta64_ns_dtype"_py));
     },
 };
 
@@ -184,7 +185,7 @@ Examples
 >>> FCplus.is_column_positive(pd.DataFrame({"a": [1, 2]}))
 True
 )",
-    .body = guarded<"is_positive", Answer::by_bool_method>,
+    .body = test_of_numbers<"is_positive", Result::by_bool_method>,
 };
 
 constinit const Definition is_column_non_negative{
@@ -214,7 +215,7 @@ Examples
 >>> FCplus.is_column_non_negative(pd.DataFrame({"a": [0, 2]}))
 True
 )",
-    .body = guarded<"is_non_negative", Answer::by_bool_method>,
+    .body = test_of_numbers<"is_non_negative", Result::by_bool_method>,
 };
 
 constinit const Definition is_column_not_all_non_negative{
@@ -244,7 +245,7 @@ Examples
 >>> FCplus.is_column_not_all_non_negative(pd.DataFrame({"a": [-1, 2]}))
 True
 )",
-    .body = guarded<"is_not_all_non_negative", Answer::as_returned>,
+    .body = test_of_numbers<"is_not_all_non_negative", Result::as_returned>,
 };
 
 constinit const Definition is_column_lt80pc_unique_int{
@@ -274,7 +275,7 @@ Examples
 >>> FCplus.is_column_lt80pc_unique_int(pd.DataFrame({"a": [1, 1, 2, 2]}))
 True
 )",
-    .body = guarded<"is_lt80pc_unique_int", Answer::as_returned>,
+    .body = test_of_numbers<"is_lt80pc_unique_int", Result::as_returned>,
 };
 
 constinit const Definition is_column_categorical_mult_cats{
@@ -305,7 +306,7 @@ True
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         Ref answer = is_categorical(dfc, missing_values_reference_list);
         if (!truth(answer)) return answer;
-        if (const std::optional<bool> several = native_several_values(dfc)) return Ref::truth(*several);
+        if (Ref several = native_several_values(dfc)) return several;
         return Ref::truth(length(global("np"_py).attr("unique"_py)({dfc})) > 2);
     },
 };

@@ -7,9 +7,9 @@
 #include "exportable_utils/features/classifier_calls.hpp"
 #include "exportable_utils/features/features.hpp"
 #include "python/indexing.hpp"
-#include "python/inputs/array_column.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
@@ -20,7 +20,7 @@ core::TextView view(std::string_view text) noexcept {
     return {text.data(), text.size(), 1};
 }
 
-// What the library's search for distinct texts, which reads them up to the first zero, would take for another text.
+// pandas compares texts up to their first zero, so a text that holds one takes the interpreter route.
 bool holds_zero(core::TextView text) noexcept {
     for (std::size_t i = 0; i < text.length; ++i) {
         if (core::character(text, i) == 0) return true;
@@ -47,12 +47,12 @@ constexpr SexWord f = sex_word("f");
 constexpr core::ReferenceBits long_pair = 0b0011;
 constexpr core::ReferenceBits short_pair = 0b1100;
 
-// The bit of the word that a text is, or 0. Which one it is cannot be predicted, and so nothing jumps on it.
 class SexWords {
   public:
     SexWords() noexcept {
         for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
     }
+    // The bit of the word that the text equals, or 0. Without branches on the word: they could not be predicted.
     [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
         if (!text.compact || text.length - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
@@ -67,29 +67,47 @@ class SexWords {
     core::ReferenceTexts words_;
 };
 
-// Whether the distinct values of a column of texts and nulls are one of the two pairs, in any order.
-std::optional<bool> native_sex(Object series) {
-    if (!lookups_unchanged()) return std::nullopt;
-    if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return std::nullopt;
-    const Ref values = series.attr("values"_py);
-    const std::optional<ArrayColumn> column = flat_column(values, Storage::objects);
-    if (!column) return std::nullopt;
-    const SexWords words;
-    const ObjectCells cells(*column);
-    core::ReferenceBits found = 0;
-    bool others = false;
-    for (std::size_t row = 0; row < column->rows; ++row) {
-        cells.prefetch(row + core::prefetch_distance);
-        core::TextView text{};
-        const core::Cell cell = cells.read(row, text);
-        if (cell == core::Cell::other) return std::nullopt;
-        const core::ReferenceBits sex = cell == core::Cell::text ? words.find(text) : 0;
-        found |= sex;
-        if (sex != 0) continue;
-        if (cell == core::Cell::text && holds_zero(text)) return std::nullopt;
-        others = true;
+// Reads the cells of a column of texts and nulls.
+class SexColumn {
+  public:
+    // Reads the rows `first` to `last` - 1. Returns false if a cell is of another type.
+    bool read(const ArrayColumn& column, std::size_t first, std::size_t last) {
+        const ObjectCells cells(column);
+        for (std::size_t row = first; row < last; ++row) {
+            cells.prefetch(row + core::prefetch_distance);
+            core::TextView text{};
+            const core::Cell cell = cells.read(row, text);
+            if (cell == core::Cell::other) return false;
+            const core::ReferenceBits sex = cell == core::Cell::text ? words_.find(text) : 0;
+            found_ |= sex;
+            if (sex != 0) continue;
+            if (cell == core::Cell::text && holds_zero(text)) return false;
+            others_ = true;
+        }
+        return true;
     }
-    return !others && (found == long_pair || found == short_pair);
+    // Whether the distinct cells are exactly one of the two pairs of words.
+    [[nodiscard]] bool is_sex() const noexcept { return !others_ && (found_ == long_pair || found_ == short_pair); }
+
+  private:
+    SexWords words_;
+    core::ReferenceBits found_ = 0;
+    bool others_ = false;
+};
+
+// Returns whether the column holds one of the two pairs of words, in any order.
+Ref native_sex(Object series) {
+    return native_route([&]() -> Ref {
+        if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return {};
+        const Ref values = series.attr("values"_py);
+        const std::optional<ColumnSource> column = ColumnSource::flat(values);
+        if (!column || column->storage() != Storage::objects) return {};
+        SexColumn cells;
+        const bool known = column->in_blocks([&](const ArrayColumn& borrowed, std::size_t first, std::size_t last) {
+            return cells.read(borrowed, first, last);
+        });
+        return known ? Ref::truth(cells.is_sex()) : Ref();
+    });
 }
 
 }  // namespace
@@ -129,7 +147,7 @@ True
     .body = [](Object dfc) -> Ref {
         if (!first_cell_is_text(dfc)) return Ref::truth(false);
         const Ref series = item(dfc, 0);
-        if (const auto answer = native_sex(series)) return Ref::truth(*answer);
+        if (Ref answer = native_sex(series)) return answer;
         const Ref values = series.attr("unique"_py)();
         if (length(values) != 2) return Ref::truth(false);
         const auto are = [&](Name first, Name second) {

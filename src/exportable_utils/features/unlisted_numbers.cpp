@@ -10,12 +10,13 @@ namespace quorin::features {
 
 namespace {
 
-// Collects the elements that are not listed, as long as all of them are integers of 64 bits or all are floats.
+// Collects the elements that are not in the list. Its functions return false, to give up, unless all of these are
+// integers of 64 bits or all are floats.
 class Kept {
   public:
     explicit Kept(std::size_t rows) { bits_.reserve(rows); }
     [[nodiscard]] NumberType type() const noexcept { return type_; }
-    // 64 bits of an integer or of a float.
+    // Of an integer or of a float.
     [[nodiscard]] const std::vector<std::uint64_t>& bits() const noexcept { return bits_; }
 
     static bool on_listed(std::size_t /*row*/) noexcept { return true; }
@@ -41,11 +42,12 @@ class Kept {
 
 }  // namespace
 
-Ref numbers_without(const ArrayColumn& column, const references::References& markers) {
-    Kept kept(column.rows);
-    if (!references::visit_unlisted(column, markers, kept)) return {};
-    // Nothing has no dtype.
-    if (kept.bits().empty()) return {};
+Ref numbers_without(const ColumnSource& column, const references::References& references) {
+    Kept kept(column.rows());
+    const bool known = column.in_blocks([&](const ArrayColumn& borrowed, std::size_t first, std::size_t last) {
+        return references::visit_unlisted(rows_of(borrowed, first, last), references, kept);
+    });
+    if (!known || kept.bits().empty()) return {};
     static_assert(sizeof(long) == sizeof(std::uint64_t), "numpy makes an array of C's long of Python integers");
     Ref array = new_array(kept.bits().size(), kept.type() == NumberType::real ? NPY_DOUBLE : NPY_LONG);
     std::memcpy(PyArray_BYTES(as_array(array)), kept.bits().data(), kept.bits().size() * sizeof(std::uint64_t));

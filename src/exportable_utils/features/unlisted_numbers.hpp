@@ -1,12 +1,13 @@
-// What is left of a column once markers are taken out.
+// The elements of a column that a list does not hold.
 #pragma once
 
 #include "exportable_utils/references/references.hpp"
 
 namespace quorin::features {
 
-// The array that numpy.asarray() makes of the elements that the list of markers does not contain, where these are all
-// integers that it can hold or all floats. Nothing otherwise, and where an element is of no known kind.
-Ref numbers_without(const ArrayColumn& column, const references::References& markers);
+// numpy.asarray([element for element in column if element not in references]), for a column of objects of which these
+// are all ints of 64 bits or all floats. Empty for any other column, and if no element is left, since numpy then makes
+// an array of its default dtype. Foreign code may run.
+Ref numbers_without(const ColumnSource& column, const references::References& references);
 
 }  // namespace quorin::features

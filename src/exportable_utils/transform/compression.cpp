@@ -1,4 +1,4 @@
-#include "exportable_utils/transform/compression_native.hpp"
+#include "exportable_utils/transform/compress_labels.hpp"
 #include "exportable_utils/transform/transform.hpp"
 #include "python/indexing.hpp"
 #include "python/module_names.hpp"
@@ -25,21 +25,20 @@ Ref compressed(Object label, Object compress_type) {
     return global("compress_string"_py)({label}, {{"compress_type"_py, compress_type}});
 }
 
-// One row, judged by its text and written into the column itself.
-void compress_row(Object Xcol, Py_ssize_t i, Object str_elt, Object misslist, Object compress_type) {
-    const auto is_null = [&] { return truth(global("pd"_py).attr("isnull"_py)({str_elt})); };
-    if (!is_null() && !contains(misslist, str_elt) && !truth(str_elt.attr("isalnum"_py)())) {
-        set_item(Xcol, i, compressed(str_elt, compress_type));
+}  // namespace
+
+void compress_row(Object X, Py_ssize_t row, Object text, Object misslist, Object compress_type) {
+    const auto is_null = [&] { return truth(global("pd"_py).attr("isnull"_py)({text})); };
+    if (!is_null() && !contains(misslist, text) && !truth(text.attr("isalnum"_py)())) {
+        set_item(X, row, compressed(text, compress_type));
     } else if (equal(compress_type, "hash"_py)) {
-        if (is_null() || contains(misslist, str_elt)) {
-            set_item(Xcol, i, global("np"_py).attr("nan"_py));
+        if (is_null() || contains(misslist, text)) {
+            set_item(X, row, global("np"_py).attr("nan"_py));
         } else {
-            set_item(Xcol, i, compressed(str_elt, compress_type));
+            set_item(X, row, compressed(text, compress_type));
         }
     }
 }
-
-}  // namespace
 
 constinit const Definition compress_string{
     .name = "compress_string",
@@ -120,7 +119,7 @@ Examples
 array(['NewYork', 'Oslo', '?'], dtype=object)
 )",
     .has_native_route = true,
-    .lookups = {"np.asarray", "pd.isnull", "np.nan", "compress_string"},
+    .lookups = {"pd.isnull", "np.nan", "compress_string"},
     .body = [](Object X, Object misslist, Object compress_type) -> Ref {
         if (Ref Xcol = native_compress_str_column(X, misslist, compress_type)) return Xcol;
         const Ref Xcol = is_instance(X, &PyList_Type) ? global("np"_py).attr("asarray"_py)({X}) : Ref::share(X);

@@ -1,12 +1,149 @@
-#include "exportable_utils/transform/replacement_native.hpp"
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "exportable_utils/references/matching_rows.hpp"
+#include "exportable_utils/transform/object_table.hpp"
 #include "exportable_utils/transform/transform.hpp"
 #include "python/indexing.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::transform {
 
 namespace {
+
+using references::References;
+
+// Whether numpy puts the value into every place of the mask as it is. It would iterate over a sequence.
+bool is_plain_filling(Object value) noexcept {
+    return value.is_none() || PyUnicode_CheckExact(value.get()) || PyFloat_CheckExact(value.get()) ||
+           PyLong_CheckExact(value.get()) || PyBool_Check(value.get());
+}
+
+bool is_mask_for(Object mask, Object X) noexcept {
+    if (!is_exact_array(mask) || PyArray_TYPE(as_array(mask)) != NPY_BOOL) return false;
+    PyArrayObject* array = as_array(X);
+    return PyArray_NDIM(as_array(mask)) == PyArray_NDIM(array) &&
+           PyArray_CompareLists(PyArray_DIMS(as_array(mask)), PyArray_DIMS(array), PyArray_NDIM(array)) != 0;
+}
+
+// astype() keeps the layout of X; the native route writes row by row.
+bool keeps_row_order(Object X) noexcept {
+    return PyArray_NDIM(as_array(X)) == 1 || PyArray_IS_C_CONTIGUOUS(as_array(X)) != 0;
+}
+
+// Calls work(table, first, last) for blocks of rows of X, and answers signals between them. Returns false if `work`
+// does, or if X no longer is the table that `memory` describes.
+template <class Work>
+bool in_table_blocks(Object X, const TableMemory& memory, Work work) {
+    const auto block = [&](std::size_t first, std::size_t last) {
+        const std::optional<Table> table = open_table(X);
+        return table && table->is_same_memory(memory) && work(*table, first, last);
+    };
+    return in_blocks_of(rows_in_block(memory), memory.first.rows, block);
+}
+
+std::optional<TableMemory> table_memory(Object X) noexcept {
+    const std::optional<Table> table = open_table(X);
+    if (!table) return std::nullopt;
+    return table->memory();
+}
+
+// The columns of an array of booleans.
+std::vector<Mask> masks_in(Object array, std::size_t width) {
+    PyArrayObject* mask = as_array(array);
+    std::vector<Mask> columns(width, Mask{PyArray_BYTES(mask), PyArray_STRIDE(mask, 0)});
+    for (std::size_t j = 1; j < width; ++j) {
+        columns[j].first += static_cast<npy_intp>(j) * PyArray_STRIDE(mask, 1);
+    }
+    return columns;
+}
+
+Ref native_putmask(Object X, Object mask, Object filling) {
+    return native_route([&]() -> Ref {
+        if (!is_plain_filling(filling)) return {};
+        const std::optional<TableMemory> memory = table_memory(X);
+        if (!memory || !keeps_row_order(X) || !is_mask_for(mask, X)) return {};
+        Ref Y = new_objects_like(*memory);
+        const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
+            if (!is_mask_for(mask, X)) return false;
+            write_rows(table, {masks_in(mask, table.width), false, filling}, Y, first, last);
+            return true;
+        });
+        return done ? std::move(Y) : Ref{};
+    });
+}
+
+bool holds(Object mask, bool wanted) noexcept {
+    const auto size = static_cast<std::size_t>(PyArray_SIZE(as_array(mask)));
+    return std::memchr(PyArray_BYTES(as_array(mask)), wanted ? 1 : 0, size) != nullptr;
+}
+
+std::optional<References> references_for_isin(Object list) {
+    if (!PyList_CheckExact(list.get())) return std::nullopt;
+    std::optional<References> references = references::read_references(list);
+    if (references && references->null_bits != 0 && !references::unchanged_by_asarray(*references)) references.reset();
+    return references;
+}
+
+Ref column_mask(Object X, std::size_t j, const References& references) {
+    const std::optional<ColumnSource> column =
+        PyArray_NDIM(as_array(X)) == 1 ? ColumnSource::flat(X) : ColumnSource::of_table(X, static_cast<npy_intp>(j));
+    return column ? references::membership_mask(*column, references) : Ref();
+}
+
+// For each column the mask of the elements that equal a reference value. `lists` is one list of reference values for
+// all columns, or a list of such lists. Nothing to give up.
+std::optional<std::vector<Ref>> column_masks(Object X, const TableMemory& memory, Object lists) {
+    const bool list_for_each = PyList_Check(PyList_GET_ITEM(lists.get(), 0));
+    std::vector<Ref> masks;
+    std::optional<References> references;
+    std::size_t unanswered = 0;  // elements since signals were answered
+    for (std::size_t j = 0; j < memory.width; ++j, unanswered += memory.first.rows) {
+        if (unanswered >= rows_between_signals) {
+            answer_signals();
+            unanswered = 0;
+        }
+        if (list_for_each) {
+            // The size is read anew for each column, because foreign code may have changed the list.
+            const auto index = static_cast<Py_ssize_t>(j);
+            if (index >= PyList_GET_SIZE(lists.get())) return std::nullopt;
+            references = references_for_isin(PyList_GET_ITEM(lists.get(), index));
+        } else if (j == 0) {
+            references = references_for_isin(lists);
+        }
+        if (!references) return std::nullopt;
+        Ref mask = column_mask(X, j, *references);
+        if (!mask || static_cast<std::size_t>(PyArray_SIZE(as_array(mask))) != memory.first.rows) return std::nullopt;
+        masks.push_back(std::move(mask));
+    }
+    return masks;
+}
+
+Ref native_replace_values(Object X, Object filling, Object lists, Object invert_flag) {
+    return native_route([&]() -> Ref {
+        if (!is_plain_filling(filling) || !PyBool_Check(invert_flag.get())) return {};
+        if (!PyList_CheckExact(lists.get()) || PyList_GET_SIZE(lists.get()) == 0) return {};
+        const bool inverted = invert_flag.is(Py_True);
+        const std::optional<TableMemory> memory = table_memory(X);
+        if (!memory) return {};
+        const std::optional<std::vector<Ref>> masks = column_masks(X, *memory, lists);
+        if (!masks) return {};
+        if (memory->dimensions == 1 && !holds(masks->front(), !inverted)) return Ref::share(X);
+        std::vector<Mask> bytes;
+        for (const Ref& mask : *masks) bytes.push_back({PyArray_BYTES(as_array(mask)), 1});
+        Ref Y = new_objects_like(*memory);
+        const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
+            write_rows(table, {bytes, inverted, filling}, Y, first, last);
+            return true;
+        });
+        return done ? std::move(Y) : Ref{};
+    });
+}
 
 Ref mask_of(Object Xcol, Object reference_values_list_col, Object invert_flag) {
     const bool invert = truth(invert_flag);

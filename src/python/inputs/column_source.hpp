@@ -33,6 +33,8 @@ class ColumnSource {
         if (!is_exact_array(X) || PyArray_NDIM(as_array(X)) != 1) return std::nullopt;
         return single(X);
     }
+    // The same, if a routine may write into it: it is writeable and no two of its rows share memory.
+    static std::optional<ColumnSource> flat_writable(Object X) noexcept;
     // Column j of an array of two dimensions.
     static std::optional<ColumnSource> of_table(Object X, npy_intp j) noexcept { return ColumnSource(X, j).if_known(); }
 

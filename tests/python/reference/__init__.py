@@ -1,7 +1,7 @@
 """A plain-Python model of `quorin_libs.utils.exportable_utils`.
 
-It says what every routine does in the shortest Python there is, with no thought for speed, and
-shares no code with the extension module.  The property tests run both on the same arguments.
+It defines every routine in short Python, without regard to speed, and shares no code with the
+extension module. The property tests run both on equal arguments.
 """
 
 from __future__ import annotations

@@ -100,7 +100,7 @@ def _is_text(dtype_str):
 
 
 def _classified_columns(X, missing_values_reference_list):
-    """Index, markers found and class of each column, one classification at a time."""
+    """Yield index, markers found and class of each column; each is classified when needed."""
     l_missing_values_reference_list = ns.setValueOrDefault(
         missing_values_reference_list, ns.global_missing_values_reference_list
     )

@@ -80,7 +80,7 @@ def numpy_whatis(
     weird_new_missing_values_list = []
     dtype_str_found = UNSET
 
-    # A frozen shadow of the running class (its limit is 2 values) is kept by the module as well;
+    # The module also keeps a copy of the running class, frozen after 2 values;
     # nothing ever reads it, so the model leaves it out.
     if debug:
         dtype_start_time = ns.time.time()
@@ -209,7 +209,7 @@ def numpy_whatis(
 
     check_limit = min(X_non_missing.shape[0], 50)
     for name in ("monotonic", "contiguous"):
-        # Neither property is tested any more; the messages stayed.
+        # Neither property is tested; only the messages remain.
         if debug:
             print(
                 "numpy_whatis():Starting checking {} property  on ".format(name)
@@ -254,5 +254,5 @@ def _print_end(text, check_limit, start_time):
 
 
 def _unset(name):
-    # The older wording of the interpreter, on every version.
+    # The wording of older interpreters, on every version.
     return "local variable '{}' referenced before assignment".format(name)

@@ -1,4 +1,4 @@
-"""What a column is about: sex, height, weight, age, dates, signs, and FC's own tests."""
+"""The meaning of a column: sex, height, weight, age, dates, signs, and the tests of FC."""
 
 from __future__ import annotations
 
@@ -56,7 +56,7 @@ def is_column_sex(dfc):
 def is_column_height(dfc):
     if isinstance(dfc.values[0, 0], str):
         return False
-    # The spread is (2.9 ** 2 + 2.7 ** 2) / 4, on purpose not a pooled deviation.
+    # The spread is (2.9 ** 2 + 2.7 ** 2) / 4, which is not a pooled deviation.
     return ns.FCplus.check_statistics(dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, [1, 2.54])
 
 

@@ -61,8 +61,8 @@ def isfloat(value):
     except ValueError:
         return False
     except TypeError as e:
-        # The interpreter puts the type's name before this text; the module does not. What the
-        # conversion of an array says about its element is another matter.
+        # The interpreter puts the name of the type before this text; the module does not.
+        # The message about an element of an array is unchanged.
         owner, found, rest = str(e).partition(NON_FLOAT)
         if found and owner in ("", type(value).__name__[:50] + "."):
             raise TypeError(NON_FLOAT + rest)

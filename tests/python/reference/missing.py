@@ -115,6 +115,6 @@ def get_unique_values(
             result = ns.np.unique(y_to_process, return_index, return_inverse, return_counts)
         else:
             ns.QSR_raise_exception(exception_obj=e, exception_trace_flag=True)
-            # Reached only where that routine has been replaced by one that returns.
+            # Reached only if that routine was replaced by one that returns.
             raise UnboundLocalError("local variable 'result' referenced before assignment")
     return result

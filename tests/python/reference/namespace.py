@@ -1,8 +1,8 @@
-"""The one namespace in which the model's routines meet.
+"""The namespace in which the routines of the model look names up.
 
-Every routine of the model asks this namespace, at the moment of the call, for whatever the
-module looks up by name: `np`, `pd`, `FC`, other routines.  A test that replaces `ns.numpy_isin`
-therefore changes every routine that calls it, as it does in the module.
+At call time, every routine of the model reads from this namespace the names that the module looks
+up: `np`, `pd`, `FC`, other routines. A test that replaces `ns.numpy_isin` therefore changes every
+routine that calls it, as in the module.
 """
 
 from __future__ import annotations
@@ -26,7 +26,7 @@ Function = TypeVar("Function", bound=Callable[..., Any])
 
 
 class FCplus:
-    """Static column tests; the families fill it."""
+    """Static column tests; `feature` adds them."""
 
 
 class Namespace:

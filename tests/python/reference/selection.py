@@ -28,7 +28,7 @@ def numpy_select_columns(X, columns_indices_list):
         return X, columns_selected_flag
     for i, index in enumerate(columns_indices_list):
         if index < 0 and index >= x_numelts:
-            # `i` is a number, so the first `+` raises and nothing is ever logged here.
+            # `i` is a number: the first `+` raises, and nothing is logged.
             ns.logger.warning(
                 "numpy_select_columns(): train_sample_columns_index_list "
                 + i

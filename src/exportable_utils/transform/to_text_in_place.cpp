@@ -1,0 +1,107 @@
+#include "exportable_utils/transform/to_text.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <vector>
+
+#include "python/inputs/column_source.hpp"
+#include "python/inputs/object_number.hpp"
+#include "python/inputs/object_slots.hpp"
+#include "python/native_route.hpp"
+#include "python/new_text.hpp"
+
+namespace quorin::transform {
+
+namespace {
+
+using core::FloatText;
+
+// A double of at least this size does not fit 64 bits.
+constexpr double whole_limit = 9223372036854775808.0;  // 2 ** 63
+
+// str(int(number)). Texts of one digit are made by the interpreter, which may share them.
+Ref whole_text(double number) {
+    const bool one_digit = number > -1 && number < 10;
+    if (std::fabs(number) < whole_limit && !one_digit) {
+        FloatText room;
+        const char* end = std::to_chars(room.data(), room.data() + room.size(), static_cast<long long>(number)).ptr;
+        return ascii_text({room.data(), static_cast<std::size_t>(end - room.data())});
+    }
+    const Ref whole = Ref::take(PyLong_FromDouble(number));
+    return Ref::take(PyObject_Str(whole.get()));
+}
+
+// The text that replaces a None or an exact str, float, int or bool; an empty Ref for any other object.
+Ref text_in_place_of(PyObject* value) {
+    if (value == nullptr) return {};
+    if (is_exact_null(value)) return ascii_text("?");
+    if (PyUnicode_CheckExact(value)) return Ref::share(value);
+    if (PyFloat_CheckExact(value)) {
+        const double number = PyFloat_AS_DOUBLE(value);
+        if (is_whole(number)) return whole_text(number);
+    } else if (PyBool_Check(value)) {
+        return Ref::take(PyObject_Str(value));
+    } else if (!PyLong_CheckExact(value)) {
+        return {};
+    }
+    FloatText room;
+    const std::string_view text = scalar_text(value, room);
+    return text.size() < 2 ? Ref::take(PyObject_Str(value)) : ascii_text(text);
+}
+
+// Two passes over the rows of a part. The first one makes the texts; until it is done nothing is written. The second
+// one cannot fail.
+bool replace_objects(const ArrayColumn& part) {
+    std::vector<Ref> texts;
+    texts.reserve(part.rows);
+    const ObjectCells cells(part);
+    for (std::size_t row = 0; row < part.rows; ++row) {
+        cells.prefetch(row + core::prefetch_distance);
+        Ref text = text_in_place_of(part.object(row));
+        if (!text) return false;
+        texts.push_back(std::move(text));
+    }
+    // The old objects are of exact built-in types: dropping them, together with `texts`, runs no foreign code.
+    for (std::size_t row = 0; row < part.rows; ++row) {
+        texts[row] = replace_object(object_slot(part, row), std::move(texts[row]));
+    }
+    return true;
+}
+
+// Each text is converted back into the number that it was made of, except that -0.0 becomes 0.0. The text of NaN, "?",
+// cannot be converted back.
+bool replace_floats(const ArrayColumn& part) noexcept {
+    for (std::size_t row = 0; row < part.rows; ++row) {
+        auto& number = *reinterpret_cast<double*>(const_cast<char*>(part.at(row)));
+        if (std::isnan(number)) return false;
+        if (number == 0) number = 0;
+    }
+    return true;
+}
+
+// Replaces a block of rows at a time, so that a signal handler that raises leaves the rows before it written, as the
+// interpreter route does.
+template <class Replace>
+Ref replace_rows(const ColumnSource& source, Replace replace) {
+    const auto replace_block = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+        return PyArray_ISWRITEABLE(column.array) != 0 && replace(rows_of(column, first, last));
+    };
+    if (!source.in_blocks(replace_block)) return {};
+    return Ref::share(source.array());
+}
+
+}  // namespace
+
+Ref native_text_in_place(Object X) {
+    return native_route([&]() -> Ref {
+        const std::optional<ColumnSource> source = ColumnSource::flat_writable(X);
+        if (!source) return {};
+        if (source->storage() == Storage::objects) return replace_rows(*source, replace_objects);
+        // The text of an integer is converted back into the same integer.
+        if (source->storage() == Storage::integer) return Ref::share(X);
+        if (source->storage() != Storage::float64 || !numpy_writes_all_digits()) return {};
+        return replace_rows(*source, replace_floats);
+    });
+}
+
+}  // namespace quorin::transform

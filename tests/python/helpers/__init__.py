@@ -1,0 +1,1 @@
+"""What the tests share: the comparison with the model, strategies, replacements, tables."""

@@ -1,0 +1,99 @@
+"""Each routine declares the names that its native route depends on.
+
+The interpreter route looks names up when it runs. The native route may be taken only while all of
+them have the values bound at start-up. If a routine did not declare one of its names, a replacement
+of this name would have no effect.
+"""
+
+from __future__ import annotations
+
+import functools
+
+import pytest
+
+from helpers.comparison import find_routine, module
+from helpers.interface_table import PRESENT
+from helpers.look_up_observer import observe, without_owners
+from helpers.native_calls import NATIVE_CALLS
+from helpers.native_lookups import declared, is_bound, with_owners
+from helpers.routes import events_of, pass_through
+
+ROUTINES = sorted(NATIVE_CALLS)
+
+
+class VisibleNan(float):
+    """A NaN whose conversions are Python functions, so that a profiler sees them."""
+
+    def __float__(self):
+        return float.__float__(self)
+
+    def __bool__(self):
+        return True
+
+    def __hash__(self):
+        return float.__hash__(self)
+
+    def __eq__(self, other):
+        return False
+
+    def __ne__(self, other):
+        return True
+
+
+def visible(dotted):
+    """A pass-through that a profiler sees when it is used."""
+    if dotted == "np.nan":
+        return VisibleNan("nan")
+    return pass_through(dotted, lambda value: lambda *args, **kwargs: value(*args, **kwargs))
+
+
+@functools.lru_cache(maxsize=None)
+def observed(routine):
+    """All names that the interpreter route looks up in the calls that the native route answers."""
+    function = find_routine(module, routine)
+    found = {}
+    for arguments in NATIVE_CALLS[routine]:
+        found.update(dict.fromkeys(observe(function, arguments)))
+    return tuple(without_owners(found))
+
+
+def forgotten(names, looked_up):
+    """The names that are looked up and not declared."""
+    return sorted(set(looked_up) - set(names))
+
+
+def test_every_routine_that_declares_names_has_calls():
+    assert {row.qualname for row in PRESENT if declared(row.qualname)} <= set(ROUTINES)
+
+
+@pytest.mark.parametrize("routine", ROUTINES)
+def test_declaration_is_complete(routine):
+    assert forgotten(declared(routine), observed(routine)) == []
+
+
+@pytest.mark.parametrize(
+    "routine, name", [(routine, name) for routine in ROUTINES for name in observed(routine)]
+)
+def test_a_forgotten_name_is_found(routine, name):
+    """A mutation of the check above: it reports exactly the name removed from the declaration."""
+    rest = [other for other in declared(routine) if other != name]
+    assert forgotten(rest, observed(routine)) == [name]
+
+
+NAMES = sorted(
+    (routine, name)
+    for routine in ROUTINES
+    for name in {*declared(routine), *with_owners(set(declared(routine)) - {routine})}
+    if is_bound(name)
+)
+
+
+@pytest.mark.parametrize("routine, name", NAMES)
+def test_each_declared_name_forces_the_interpreter_route(routine, name):
+    """A profiler sees other events than on the native route, for at least one call."""
+
+    def forces(arguments):
+        plain = events_of(routine, arguments())
+        return plain != events_of(routine, arguments(), name, visible(name))
+
+    assert any(forces(arguments) for arguments in NATIVE_CALLS[routine])
