@@ -42,8 +42,11 @@ class TextTable {
     bool make_room(std::size_t more, std::size_t rows_so_far);
     // In the order of their first occurrence.
     [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }
-    // The same, to be kept when the table ends.
-    [[nodiscard]] std::vector<DistinctText> take_entries() noexcept { return std::move(entries_); }
+    // The same. Frees the rest of the table, to which nothing may be added any more.
+    [[nodiscard]] std::vector<DistinctText> take_entries() noexcept {
+        std::vector<Slot>().swap(slots_);
+        return std::move(entries_);
+    }
 
   private:
     static constexpr std::uint32_t none = 0xffffffffU;
