@@ -1,4 +1,4 @@
-"""Lists of up to 64 reference values take the native route; longer ones take the interpreter route."""
+"""Lists of up to 64 references take the native route; longer ones the interpreter route."""
 
 from __future__ import annotations
 
