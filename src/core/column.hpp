@@ -1,4 +1,4 @@
-// A column as memory: where its elements start, how far apart they are, what type they have.
+// A column as memory: its first element, the distance of its elements and their type.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace quorin::core {
 
-// `objects`: pointers that only the owner of the memory can follow. `fixed_text`: four bytes a character, padded with
-// zeros. `integer` is one of eight types, by width and sign.
+// objects: pointers that only the owner of the memory can follow. fixed_text: four bytes a character, padded with
+// zeros. integer: one of eight types, by width and sign.
 enum class Storage { objects, fixed_text, float64, float32, integer, boolean };
 
-// Elements at equal distances. `stride` in bytes; it may be negative or 0.
+// Elements at equal distances. `stride` is in bytes; it may be negative or 0.
 struct StridedMemory {
     const char* data;
     std::ptrdiff_t stride;
@@ -20,16 +20,36 @@ struct StridedMemory {
     [[nodiscard]] const char* at(std::size_t row) const noexcept {
         return data + static_cast<std::ptrdiff_t>(row) * stride;
     }
+    // Rows begin to end - 1.
+    [[nodiscard]] StridedMemory part(std::size_t begin, std::size_t end) const noexcept {
+        return {at(begin), stride, end - begin};
+    }
 };
 
-// A view: the memory must stay alive and unchanged while it is in use.
+// Columns of one element type: the first column, the number of columns and their distance in bytes.
+struct Table {
+    StridedMemory first;
+    std::size_t columns;
+    std::ptrdiff_t column_stride;
+
+    [[nodiscard]] StridedMemory column(std::size_t index) const noexcept {
+        return {first.data + static_cast<std::ptrdiff_t>(index) * column_stride, first.stride, first.rows};
+    }
+    // All cells are adjacent, row by row.
+    [[nodiscard]] bool is_row_major(std::size_t width) const noexcept {
+        return column_stride == static_cast<std::ptrdiff_t>(width) &&
+               first.stride == static_cast<std::ptrdiff_t>(columns * width);
+    }
+};
+
+// Does not own its memory, which must stay alive and unchanged.
 struct Column : StridedMemory {
     Storage storage;
     std::size_t width;       // bytes of one element
     bool is_signed = false;  // of an integer
 };
 
-// A boolean may be any byte, in an array that was one of bytes before; every byte but 0 is true.
+// Every byte of a boolean but 0 is true: an array of booleans may be a view of one of bytes.
 template <class Number>
 Number load(const StridedMemory& column, std::size_t row) noexcept {
     if constexpr (std::is_same_v<Number, bool>) {
@@ -39,8 +59,7 @@ Number load(const StridedMemory& column, std::size_t row) noexcept {
     }
 }
 
-// Calls `use` with a zero of the type of the column's elements and returns its result; false for a column that does
-// not hold numbers.
+// Calls `use` with a zero of the element type and returns its result. Returns false if the elements are not numbers.
 template <class Use>
 bool with_number_type(const Column& column, Use use) {
     switch (column.storage) {

@@ -201,17 +201,16 @@ std::vector<Number> numbers_of(Make make) {
 }
 
 template <class Number>
-const char* data_of(const std::vector<Number>& numbers) {
-    return reinterpret_cast<const char*>(numbers.data());
+StridedMemory memory_of(const std::vector<Number>& numbers) {
+    return {reinterpret_cast<const char*>(numbers.data()), sizeof(Number), numbers.size()};
 }
 
 // With the instructions that every processor has: the others would count differently from machine to machine.
 template <class Float, class Make>
 void gather_floats(Make make, std::size_t rounds) {
-    constexpr auto gather = std::is_same_v<Float, float> ? gather_float32 : gather_float64;
     const std::vector<Float> numbers = numbers_of<Float>(make);
     for (std::size_t round = 0; round < rounds; ++round) {
-        const NumberFacts facts = gather(data_of(numbers), sizeof(Float), rows, Instructions::baseline);
+        const NumberFacts facts = gather_numbers<Float>(memory_of(numbers), Instructions::baseline);
         total += facts.fractions ? 1U : 0U;
     }
 }
@@ -312,7 +311,7 @@ void convert_flags(std::size_t rounds) {
     const std::vector<char> flags = numbers_of<char>([] { return random_below(2); });
     std::vector<double> floats(rows);
     for (std::size_t round = 0; round < rounds; ++round) {
-        write_flags(flags.data(), 1, rows, floats.data());
+        write_flags(memory_of(flags), floats.data());
         total += floats.back() != 0 ? 1U : 0U;
     }
 }
@@ -322,8 +321,8 @@ void leave_out_nulls(std::size_t rounds) {
     std::vector<char> mask(rows);
     std::vector<double> kept(rows);
     for (std::size_t round = 0; round < rounds; ++round) {
-        const std::size_t left = rows - mark_nulls<double>(data_of(numbers), sizeof(double), rows, mask.data());
-        copy_kept<double>(data_of(numbers), sizeof(double), mask.data(), kept.data(), left);
+        const std::size_t left = rows - mark_nulls<double>(memory_of(numbers), mask.data());
+        copy_kept<double>(memory_of(numbers), mask.data(), kept.data(), left);
         total += left + (kept.front() < 0.5 ? 1U : 0U);
     }
 }
@@ -369,15 +368,32 @@ void find_null_columns(std::size_t rounds) {
     constexpr std::size_t columns = 10;
     std::vector<double> numbers = numbers_of<double>(whole);
     for (std::size_t cell = 0; cell < rows; cell += columns) numbers[cell] = std::numeric_limits<double>::quiet_NaN();
-    const FloatTable table{data_of(numbers), rows / columns, columns, columns * sizeof(double), sizeof(double)};
-    for (std::size_t round = 0; round < rounds; ++round) total += null_columns<double>(table, false).front() ? 1U : 0U;
+    const StridedMemory first{memory_of(numbers).data, columns * sizeof(double), rows / columns};
+    const Table table{first, columns, sizeof(double)};
+    for (std::size_t round = 0; round < rounds; ++round) {
+        total += null_columns<double>(table, false, Instructions::baseline).front() ? 1U : 0U;
+    }
+}
+
+void compare_with_ordinary(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
+    for (std::size_t round = 0; round < rounds; ++round) {
+        total += all_ordinary<double>(memory_of(numbers), 1e-300, 1e15) ? 1U : 0U;
+    }
+}
+
+void find_signalling_nan(std::size_t rounds) {
+    const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
+    for (std::size_t round = 0; round < rounds; ++round) {
+        total += any_signalling_nan<double>(memory_of(numbers), Instructions::baseline) ? 1U : 0U;
+    }
 }
 
 void compare_with_limits(std::size_t rounds) {
     const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
     const Limits limits{500000, 600000, -1, 1000000};
     for (std::size_t round = 0; round < rounds; ++round) {
-        total += all_within<double>(data_of(numbers), sizeof(double), rows, 1.0, limits) ? 1U : 0U;
+        total += all_within<double>(memory_of(numbers), 1.0, limits) ? 1U : 0U;
     }
 }
 
@@ -412,6 +428,8 @@ const std::array kernels{
     Kernel{"numbers in order", sort_numbers},
     Kernel{"distinct numbers", find_distinct_numbers},
     Kernel{"columns with nulls", find_null_columns},
+    Kernel{"signalling nan", find_signalling_nan},
+    Kernel{"ordinary numbers", compare_with_ordinary},
     Kernel{"numbers within limits", compare_with_limits},
     Kernel{"least distinct", find_least_distinct},
 };

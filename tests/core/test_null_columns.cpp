@@ -20,10 +20,10 @@ template <class Float>
 class Table {
   public:
     Table(std::size_t rows, std::size_t columns, Layout layout) : rows_(rows), columns_(columns), layout_(layout) {
-        // Cells between those of the table are null, and none of its business.
+        // The cells between those of a partial table are signalling NaN and must not be read.
         const bool part = layout == Layout::part;
         cells_.assign(part ? 6 * rows * columns + 1 : rows * columns + 1,
-                      part ? std::numeric_limits<Float>::quiet_NaN() : Float{0});
+                      part ? std::numeric_limits<Float>::signaling_NaN() : Float{0});
         for (std::size_t row = 0; row < rows; ++row) {
             for (std::size_t column = 0; column < columns; ++column) at(row, column) = Float{2};
         }
@@ -40,23 +40,22 @@ class Table {
         }
         return cells_[row * columns_ + column];
     }
-    [[nodiscard]] core::FloatTable view() const {
+    [[nodiscard]] core::Table view() const {
         constexpr std::ptrdiff_t size = sizeof(Float);
         const auto rows = static_cast<std::ptrdiff_t>(rows_);
         const auto columns = static_cast<std::ptrdiff_t>(columns_);
         const char* data = reinterpret_cast<const char*>(cells_.data());
         switch (layout_) {
             case Layout::column_major:
-                return {data, rows_, columns_, size, rows * size};
+                return {{data, size, rows_}, columns_, rows * size};
             case Layout::part:
-                return {data, rows_, columns_, 6 * columns * size, 2 * size};
+                return {{data, 6 * columns * size, rows_}, columns_, 2 * size};
             case Layout::backwards:
-                return {data + std::max<std::ptrdiff_t>(rows - 1, 0) * columns * size, rows_, columns_, -columns * size,
-                        size};
+                return {{data + (rows - 1) * columns * size, -columns * size, rows_}, columns_, size};
             case Layout::row_major:
                 break;
         }
-        return {data, rows_, columns_, columns * size, size};
+        return {{data, columns * size, rows_}, columns_, size};
     }
 
   private:
@@ -83,13 +82,18 @@ void nulls_anywhere() {
                 expected[column] = true;
             }
             const std::string what = "table " + std::to_string(i);
-            check(core::null_columns<Float>(table.view(), false) == expected, what);
+            for (const core::Instructions allowed : core::every_instruction_set) {
+                check(core::null_columns<Float>(table.view(), false, allowed) == expected, what);
+                check(!core::any_signalling_nan<Float>(table.view(), allowed), what + ": no signalling NaN");
+            }
             const std::vector<bool> one = core::null_columns<Float>(table.view(), true);
             const bool any = std::find(expected.begin(), expected.end(), true) != expected.end();
             check(std::count(one.begin(), one.end(), true) == (any ? 1 : 0), what + ": one is enough");
             for (std::size_t column = 0; column < columns; ++column) {
                 check(!one[column] || expected[column], what + ": a column with a null");
             }
+            table.at(random() % rows, random() % columns) = std::numeric_limits<Float>::signaling_NaN();
+            check(core::any_signalling_nan<Float>(table.view()), what + ": a signalling NaN");
         }
     }
 }

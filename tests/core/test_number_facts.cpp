@@ -2,8 +2,10 @@
 #include "core/gather/number_facts.hpp"
 
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <random>
 #include <string>
@@ -33,20 +35,11 @@ NumberFacts by_reference(const std::vector<Float>& column) {
 }
 
 template <class Float>
-NumberFacts gather(const void* data, std::ptrdiff_t stride, std::size_t rows, Instructions instructions) {
-    const auto* bytes = static_cast<const char*>(data);
-    if constexpr (std::is_same_v<Float, double>) {
-        return core::gather_float64(bytes, stride, rows, instructions);
-    } else {
-        return core::gather_float32(bytes, stride, rows, instructions);
-    }
-}
-
-template <class Float>
 void expect(const NumberFacts& expected, const void* data, std::ptrdiff_t stride, std::size_t rows,
             const std::string& what) {
-    for (const Instructions instructions : {Instructions::baseline, Instructions::avx2, Instructions::best}) {
-        const NumberFacts found = gather<Float>(data, stride, rows, instructions);
+    const core::StridedMemory column{static_cast<const char*>(data), stride, rows};
+    for (const Instructions instructions : core::every_instruction_set) {
+        const NumberFacts found = core::gather_numbers<Float>(column, instructions);
         const std::string which = what + ", instructions " + std::to_string(static_cast<int>(instructions)) + ": ";
         check(found.nulls == expected.nulls, which + "nulls");
         check(found.values == expected.values, which + "values");
@@ -54,7 +47,7 @@ void expect(const NumberFacts& expected, const void* data, std::ptrdiff_t stride
     }
 }
 
-// As they are, every third one, backwards, and one element over and over again.
+// Adjacent, every third element, backwards, and one element again and again.
 template <class Float>
 void expect_in_every_layout(const std::vector<Float>& column, const std::string& what) {
     constexpr std::ptrdiff_t size = sizeof(Float);
@@ -74,7 +67,7 @@ void expect_in_every_layout(const std::vector<Float>& column, const std::string&
     expect<Float>(by_reference<Float>({column[0]}), column.data(), 0, rows, what + ", the first one only");
 }
 
-// From the number returned on, all are whole.
+// For all x >= always_whole<Float>(): x is whole.
 template <class Float>
 Float always_whole() {
     return 1 / std::numeric_limits<Float>::epsilon();
@@ -123,8 +116,8 @@ void each_special_value() {
     }
 }
 
-// Every length, and every place of the row that matters, up to more than two registers of the widest kind twice over;
-// from every place that memory may start at.
+// Every length up to more than four of the widest registers, every place of the row that matters, several alignments of
+// the memory.
 template <class Float>
 void each_length_and_place() {
     const std::array<Float, 3> matter{std::numeric_limits<Float>::quiet_NaN(), static_cast<Float>(0.5),
@@ -143,8 +136,8 @@ void each_length_and_place() {
     }
 }
 
-// Elements are looked at in blocks of 1024: the row that matters stands at the ends of a block, or after one that has
-// settled a part.
+// Blocks have 1024 elements: the row that matters is at the end of a block, or after a block that has shown a part of
+// the facts.
 template <class Float>
 void around_blocks() {
     const std::array<Float, 4> matter{std::numeric_limits<Float>::quiet_NaN(), static_cast<Float>(0.5),
@@ -168,7 +161,7 @@ void random_columns() {
     std::mt19937 random(2);
     const std::vector<Float> values = special_values<Float>();
     for (int i = 0; i < 2000; ++i) {
-        // InplaceVector kinds in one column, so that every combination of facts occurs.
+        // Few kinds in one column, so that every combination of facts occurs.
         std::vector<Float> kinds(1 + random() % 3);
         for (Float& kind : kinds) kind = values[random() % values.size()];
         std::vector<Float> column(random() % 40);
@@ -184,6 +177,64 @@ void no_rows() {
     expect<float>({}, nullptr, 4, 0, "no rows of float32");
 }
 
+template <class Float>
+using BitsOf = std::conditional_t<sizeof(Float) == 4, std::uint32_t, std::uint64_t>;
+
+// NaN with these lowest bits, the sign bit set or not.
+template <class Float>
+Float nan_of(bool quiet, BitsOf<Float> low, bool negative) {
+    using Bits = BitsOf<Float>;
+    constexpr int fraction_bits = std::numeric_limits<Float>::digits - 1;
+    const Bits infinite = std::bit_cast<Bits>(std::numeric_limits<Float>::infinity());
+    const Bits bits = infinite | low | (quiet ? Bits{1} << (fraction_bits - 1) : 0);
+    return std::bit_cast<Float>(negative ? bits | Bits{1} << (sizeof(Bits) * 8 - 1) : bits);
+}
+
+// A signalling NaN at any place of a column of quiet ones, of infinite and of ordinary numbers.
+template <class Float>
+void signalling_nan() {
+    const BitsOf<Float> highest = BitsOf<Float>{1} << (std::numeric_limits<Float>::digits - 3);
+    const std::vector<Float> harmless{1,
+                                      0,
+                                      -std::numeric_limits<Float>::infinity(),
+                                      nan_of<Float>(true, 0, false),
+                                      nan_of<Float>(true, 1, true),
+                                      std::numeric_limits<Float>::denorm_min()};
+    const std::array signalling{nan_of<Float>(false, 1, false), nan_of<Float>(false, highest, true)};
+    for (std::size_t rows = 0; rows < 140; ++rows) {
+        for (const std::ptrdiff_t step : {1, 2, -1}) {
+            std::vector<Float> memory(2 * rows + 1, signalling[0]);
+            Float* first = step < 0 ? memory.data() + rows : memory.data();
+            for (std::size_t row = 0; row < rows; ++row) {
+                first[static_cast<std::ptrdiff_t>(row) * step] = harmless[row % harmless.size()];
+            }
+            const core::StridedMemory column{reinterpret_cast<const char*>(first),
+                                             step * static_cast<std::ptrdiff_t>(sizeof(Float)), rows};
+            for (const Instructions instructions : core::every_instruction_set) {
+                check(!core::any_signalling_nan<Float>(column, instructions), "none in " + std::to_string(rows));
+                if (rows == 0) continue;
+                const std::size_t row = rows * rows * 7 / 3 % rows;
+                Float& cell = first[static_cast<std::ptrdiff_t>(row) * step];
+                const Float before = cell;
+                cell = signalling[rows % 2];
+                check(core::any_signalling_nan<Float>(column, instructions), "one in " + std::to_string(rows));
+                cell = before;
+            }
+        }
+    }
+}
+
+void signalling_nan_of_any_storage() {
+    const std::array<float, 2> floats{nan_of<float>(false, 1, false), 1};
+    const std::array<double, 2> doubles{1, nan_of<double>(false, 1, false)};
+    const auto* data = reinterpret_cast<const char*>(floats.data());
+    check(core::any_signalling_nan({{data, 4, 2}, core::Storage::float32, 4}), "float32");
+    check(!core::any_signalling_nan({{data, 4, 2}, core::Storage::integer, 4}), "integers of the same bits");
+    const auto* wide = reinterpret_cast<const char*>(doubles.data());
+    check(core::any_signalling_nan({{wide, 8, 2}, core::Storage::float64, 8}), "float64");
+    check(!core::any_signalling_nan({{wide, 8, 1}, core::Storage::float64, 8}), "a part of float64");
+}
+
 void flags() {
     for (const std::ptrdiff_t stride : {1, 3, -1}) {
         for (std::size_t rows = 0; rows < 70; ++rows) {
@@ -194,7 +245,7 @@ void flags() {
             };
             for (std::size_t row = 0; row < rows; ++row) first[static_cast<std::ptrdiff_t>(row) * stride] = flag(row);
             std::vector<double> out(rows + 1, 7.0);
-            core::write_flags(first, stride, rows, out.data());
+            core::write_flags({first, stride, rows}, out.data());
             for (std::size_t row = 0; row < rows; ++row) {
                 check(out[row] == (flag(row) == 0 ? 0.0 : 1.0), "flag " + std::to_string(row));
             }
@@ -214,6 +265,9 @@ const std::array tests{
     Test{"float64: random columns", random_columns<double>},
     Test{"float32: random columns", random_columns<float>},
     Test{"number columns without rows", no_rows},
+    Test{"float64: signalling NaN", signalling_nan<double>},
+    Test{"float32: signalling NaN", signalling_nan<float>},
+    Test{"signalling NaN of any storage", signalling_nan_of_any_storage},
 };
 
 }  // namespace

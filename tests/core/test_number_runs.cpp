@@ -17,9 +17,10 @@
 namespace quorin::tests {
 namespace {
 
+// Every `step`-th number.
 template <class Number>
-const char* bytes(const std::vector<Number>& numbers) {
-    return reinterpret_cast<const char*>(numbers.data());
+core::StridedMemory memory(const std::vector<Number>& numbers, std::size_t rows, std::size_t step = 1) {
+    return {reinterpret_cast<const char*>(numbers.data()), static_cast<std::ptrdiff_t>(step * sizeof(Number)), rows};
 }
 
 template <class Number>
@@ -86,12 +87,11 @@ void kept_rows() {
             if (mask[row] == 0) expected.push_back(numbers[row * step]);
         }
         check(rows - core::count_marked(mask.data(), rows) == expected.size(), "marked rows");
-        const auto stride = static_cast<std::ptrdiff_t>(step * sizeof(Number));
         std::vector<Number> kept(expected.size());
-        core::copy_kept<Number>(bytes(numbers), stride, mask.data(), kept.data(), kept.size());
+        core::copy_kept<Number>(memory(numbers, rows, step), mask.data(), kept.data(), kept.size());
         check(kept == expected, "kept rows of column " + std::to_string(i));
         std::vector<Number> copied(rows);
-        core::copy_kept<Number>(bytes(numbers), stride, nullptr, copied.data(), rows);
+        core::copy_kept<Number>(memory(numbers, rows, step), nullptr, copied.data(), rows);
         check(copied == all, "all rows of column " + std::to_string(i));
     }
 }
@@ -101,13 +101,13 @@ void tables_of_integers() {
     std::mt19937 random(5);
     for (int i = 0; i < 300; ++i) {
         std::vector<Integer> numbers = some_numbers<Integer>(random, 1 + random() % 60);
-        const auto [least, greatest] = core::range_of<Integer>(bytes(numbers), sizeof(Integer), numbers.size());
+        const auto [least, greatest] = core::range_of<Integer>(memory(numbers, numbers.size()));
         check(least == *std::min_element(numbers.begin(), numbers.end()), "least integer");
         check(greatest == *std::max_element(numbers.begin(), numbers.end()), "greatest integer");
         const std::uint64_t span = static_cast<std::uint64_t>(greatest) - static_cast<std::uint64_t>(least);
         if (span > 0xffff) continue;
         std::vector<std::ptrdiff_t> table(static_cast<std::size_t>(span) + 1);
-        core::count_each<Integer>(bytes(numbers), sizeof(Integer), numbers.size(), least, table.data());
+        core::count_each<Integer>(memory(numbers, numbers.size()), least, table.data());
         for (std::size_t slot = 0; slot < table.size(); ++slot) {
             const auto number = static_cast<Integer>(static_cast<std::uint64_t>(least) + slot);
             check(table[slot] == std::count(numbers.begin(), numbers.end(), number), "count of an integer");
@@ -122,7 +122,7 @@ void marked_nulls() {
         std::vector<Float> numbers(2 * rows + 1, Float{1});
         for (std::size_t row = 0; row < rows; row += 3) numbers[2 * row] = row % 2 == 0 ? null : -null;
         std::vector<char> mask(rows, 7);
-        const std::size_t nulls = core::mark_nulls<Float>(bytes(numbers), 2 * sizeof(Float), rows, mask.data());
+        const std::size_t nulls = core::mark_nulls<Float>(memory(numbers, rows, 2), mask.data());
         check(nulls == (rows + 2) / 3, "number of nulls");
         for (std::size_t row = 0; row < rows; ++row) check(mask[row] == (row % 3 == 0 ? 1 : 0), "mask of nulls");
     }

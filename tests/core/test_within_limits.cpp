@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <string>
@@ -35,7 +36,8 @@ void one_out_of_line() {
     constexpr std::array<double, 5> factors = {1, 2.54, 0.1, -1, 0};
     std::vector<double> odd = {0, 1, 49, 50, 51, 100, 200};
     if constexpr (std::is_floating_point_v<Number>) {
-        odd.insert(odd.end(), {49.999, 50.001, -1, 1e14, -1e14, std::numeric_limits<double>::quiet_NaN(), -0.0});
+        odd.insert(odd.end(),
+                   {49.999, 50.001, -1, 0.5, -0.999, 1e14, -1e14, std::numeric_limits<double>::quiet_NaN(), -0.0});
     }
     for (int i = 0; i < 3000; ++i) {
         const std::size_t size = sizes[random() % sizes.size()];
@@ -43,25 +45,60 @@ void one_out_of_line() {
         const double factor = factors[random() % factors.size()];
         const core::Limits limits{50.0 * factor, random() % 2 == 0 ? 1.0 : 60.0, random() % 2 == 0 ? -300.0 : 49.5,
                                   random() % 2 == 0 ? 300.0 : 50.5};
-        // What stands between the rows is out of every limit.
+        // The values between the rows are beyond every limit.
         std::vector<Number> column(size * step + 1, std::numeric_limits<Number>::max());
         for (std::size_t row = 0; row < size; ++row) column[row * step] = Number{50};
         if (size != 0) column[(random() % size) * step] = static_cast<Number>(odd[random() % odd.size()]);
         bool expected = true;
-        bool beyond = false;
+        bool ordinary = true;
+        const double least = random() % 2 == 0 ? 0.0 : 1.0;
         for (std::size_t row = 0; row < size; ++row) {
             expected = expected && within(column[row * step], factor, limits);
-            beyond = beyond || std::fabs(static_cast<double>(column[row * step])) > 100.0;
+            const double size_of = std::fabs(static_cast<double>(column[row * step]));
+            ordinary = ordinary && (size_of == 0 || !(size_of < least || size_of > 100.0));
         }
-        const auto* data = reinterpret_cast<const char*>(column.data());
-        const auto stride = static_cast<std::ptrdiff_t>(step * sizeof(Number));
+        const core::StridedMemory memory{reinterpret_cast<const char*>(column.data()),
+                                         static_cast<std::ptrdiff_t>(step * sizeof(Number)), size};
         const std::string what = "column " + std::to_string(i);
-        check(core::all_within<Number>(data, stride, size, factor, limits) == expected, what);
-        check(core::any_beyond<Number>(data, stride, size, 100.0) == beyond, what + ": beyond");
+        check(core::all_within<Number>(memory, factor, limits) == expected, what);
+        check(core::all_ordinary<Number>(memory, least, 100.0) == ordinary, what + ": ordinary");
+    }
+}
+
+// Numbers at the bounds, and NaN of both kinds; each at every place of a column of ordinary numbers.
+template <class Float>
+void bounds_of_ordinary_numbers() {
+    using Numbers = std::numeric_limits<Float>;
+    const struct {
+        Float number;
+        bool expected;
+    } cases[] = {{0, true},
+                 {-Float{0}, true},
+                 {2, true},
+                 {std::nextafter(Float{2}, Float{1}), false},
+                 {-1, false},
+                 {Numbers::denorm_min(), false},
+                 {-100, true},
+                 {std::nextafter(Float{100}, Float{200}), false},
+                 {-Numbers::infinity(), false},
+                 {Numbers::quiet_NaN(), true},
+                 {-Numbers::quiet_NaN(), true},
+                 {Numbers::signaling_NaN(), false}};
+    for (const auto& [number, expected] : cases) {
+        for (std::size_t rows = 1; rows < 20; ++rows) {
+            for (std::size_t place = 0; place < rows; ++place) {
+                std::vector<Float> column(rows, Float{50});
+                std::memcpy(&column[place], &number, sizeof number);
+                const core::StridedMemory memory{reinterpret_cast<const char*>(column.data()), sizeof(Float), rows};
+                check(core::all_ordinary<Float>(memory, 2, 100) == expected, std::to_string(number));
+            }
+        }
     }
 }
 
 const std::array tests{
+    Test{"bounds of ordinary float64", bounds_of_ordinary_numbers<double>},
+    Test{"bounds of ordinary float32", bounds_of_ordinary_numbers<float>},
     Test{"limits of float64", one_out_of_line<double>},
     Test{"limits of float32", one_out_of_line<float>},
     Test{"limits of int64", one_out_of_line<std::int64_t>},

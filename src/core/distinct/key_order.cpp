@@ -17,8 +17,7 @@ std::size_t digit_of(std::uint64_t key, std::size_t place) noexcept {
 
 }  // namespace
 
-// From the last digit to the first, each round keeping the order of the one before. A digit that all keys share costs
-// nothing but its count.
+// Radix sort from the last digit to the first, each round stable. A digit that all keys share is skipped.
 void sort_by_key(std::vector<Keyed>& entries) {
     constexpr std::size_t few = 512;
     if (entries.size() < few) {

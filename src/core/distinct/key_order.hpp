@@ -12,10 +12,10 @@ struct Keyed {
     std::uint32_t number;
 };
 
-// Ascending by key. The numbers come ascending, and stay so where keys are equal.
+// Sorts by key. The sort is stable; `number` is ascending before it, and so within equal keys after it.
 void sort_by_key(std::vector<Keyed>& entries);
 
-// Keys that sort as the numbers do. No NaN; 0.0 and -0.0 share one.
+// For all a, b: key(a) < key(b) if and only if a < b. Not for NaN.
 constexpr std::uint64_t sign_bit = std::uint64_t{1} << 63U;
 inline std::uint64_t key_of_whole(std::int64_t value) noexcept {
     return static_cast<std::uint64_t>(value) ^ sign_bit;

@@ -6,33 +6,17 @@
 #include <limits>
 #include <type_traits>
 
+#include "core/simd/elements.hpp"
+
 namespace quorin::core {
 
-namespace {
-
-template <class Number>
-Number at(const char* data, std::ptrdiff_t stride, std::size_t row) noexcept {
-    Number number;
-    std::memcpy(&number, data + static_cast<std::ptrdiff_t>(row) * stride, sizeof number);
-    return number;
-}
-
-// Calls `use` with the stride, known while compiling where the numbers stand side by side.
-template <class Number, class Use>
-auto with_stride(std::ptrdiff_t stride, Use use) noexcept {
-    constexpr auto side_by_side = static_cast<std::ptrdiff_t>(sizeof(Number));
-    if (stride == side_by_side) return use(std::integral_constant<std::ptrdiff_t, side_by_side>{});
-    return use(stride);
-}
-
-}  // namespace
-
 template <class Float>
-std::size_t mark_nulls(const char* data, std::ptrdiff_t stride, std::size_t rows, char* mask) noexcept {
-    return with_stride<Float>(stride, [&](auto step) {
+std::size_t mark_nulls(const StridedMemory& column, char* mask) noexcept {
+    const std::size_t rows = column.rows;
+    return with_elements<Float>(column, [=](auto elements) {
         std::size_t nulls = 0;
         for (std::size_t row = 0; row < rows; ++row) {
-            const Float value = at<Float>(data, step, row);
+            const Float value = elements.one(row);
             const bool null = value != value;
             mask[row] = static_cast<char>(null);
             nulls += static_cast<std::size_t>(null);
@@ -48,17 +32,17 @@ std::size_t count_marked(const char* mask, std::size_t rows) noexcept {
 }
 
 template <class From, class To>
-void copy_kept(const char* data, std::ptrdiff_t stride, const char* left_out, To* out, std::size_t kept) noexcept {
-    with_stride<From>(stride, [&](auto step) {
+void copy_kept(const StridedMemory& column, const char* left_out, To* out, std::size_t kept) noexcept {
+    with_elements<From, To>(column, [=](auto elements) {
         if (left_out == nullptr) {
-            for (std::size_t row = 0; row < kept; ++row) out[row] = static_cast<To>(at<From>(data, step, row));
+            for (std::size_t row = 0; row < kept; ++row) out[row] = elements.one(row);
             return;
         }
-        // What is left out is overwritten by what comes next, so that nothing has to be predicted.
-        const To* const end = out + kept;
-        for (std::size_t row = 0; out != end; ++row) {
-            *out = static_cast<To>(at<From>(data, step, row));
-            out += static_cast<std::ptrdiff_t>(left_out[row] == 0);
+        // A row that is left out is overwritten by the next one: no branch depends on the mask.
+        To* next = out;
+        for (std::size_t row = 0; next != out + kept; ++row) {
+            *next = elements.one(row);
+            next += static_cast<std::ptrdiff_t>(left_out[row] == 0);
         }
     });
 }
@@ -79,7 +63,7 @@ void write_runs(const Number* sorted, std::size_t size, std::size_t runs, Number
         for (std::size_t i = 0; i < size; ++i) counts[i] = 1;
         return;
     }
-    // Where each run starts; what starts none is overwritten by what comes next.
+    // First the start of each run. A row that does not start one is overwritten by the next one.
     values[0] = sorted[0];
     counts[0] = 0;
     Number last = sorted[0];
@@ -96,11 +80,12 @@ void write_runs(const Number* sorted, std::size_t size, std::size_t runs, Number
 }
 
 template <class Integer>
-Range<Integer> range_of(const char* data, std::ptrdiff_t stride, std::size_t rows) noexcept {
-    return with_stride<Integer>(stride, [&](auto step) {
+Range<Integer> range_of(const StridedMemory& column) noexcept {
+    const std::size_t rows = column.rows;
+    return with_elements<Integer>(column, [=](auto elements) {
         Range<Integer> range{std::numeric_limits<Integer>::max(), std::numeric_limits<Integer>::min()};
         for (std::size_t row = 0; row < rows; ++row) {
-            const Integer value = at<Integer>(data, step, row);
+            const Integer value = elements.one(row);
             range.least = value < range.least ? value : range.least;
             range.greatest = value > range.greatest ? value : range.greatest;
         }
@@ -109,11 +94,10 @@ Range<Integer> range_of(const char* data, std::ptrdiff_t stride, std::size_t row
 }
 
 template <class Integer>
-void count_each(const char* data, std::ptrdiff_t stride, std::size_t rows, Integer least,
-                std::ptrdiff_t* table) noexcept {
+void count_each(const StridedMemory& column, Integer least, std::ptrdiff_t* table) noexcept {
     using Distance = std::make_unsigned_t<Integer>;
-    for (std::size_t row = 0; row < rows; ++row) {
-        const auto value = static_cast<Distance>(at<Integer>(data, stride, row));
+    for (std::size_t row = 0; row < column.rows; ++row) {
+        const auto value = static_cast<Distance>(load<Integer>(column, row));
         ++table[static_cast<Distance>(value - static_cast<Distance>(least))];
     }
 }
@@ -135,35 +119,28 @@ bool has_unlike_equals(const Float* values, std::size_t size) noexcept {
 }
 
 FractionTally tally_fractions(const double* values, const std::ptrdiff_t* counts, std::size_t size) noexcept {
-    // Two side by side, which every processor in use compares at once; a comparison sets all bits of a number's place
-    // or none. By itself the compiler finds no such form.
-    using Numbers [[gnu::vector_size(16)]] = double;
-    using Bits [[gnu::vector_size(16)]] = std::int64_t;
     static_assert(sizeof(std::ptrdiff_t) == sizeof(std::int64_t));
-    constexpr std::size_t together = 2;
-    // From here on every number is whole.
-    constexpr double always_whole = 1.0 / std::numeric_limits<double>::epsilon();
-    Bits distinct{};
-    Bits rows{};
-    const auto add = [&](Numbers numbers, Bits occurrences) {
-        constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
-        const auto magnitude = std::bit_cast<Numbers>(std::bit_cast<Bits>(numbers) & ~sign);
-        const auto fraction = std::bit_cast<Bits>((magnitude + always_whole) - always_whole != magnitude) &
-                              std::bit_cast<Bits>(magnitude < always_whole);
-        const auto finite = std::bit_cast<Bits>(magnitude <= std::numeric_limits<double>::max());
-        const Bits counted = fraction | ~finite;
+    constexpr std::size_t together = lanes<double>;
+    Bits<double> distinct{};
+    Bits<double> rows{};
+    const auto add = [&](Numbers<double> numbers, Bits<double> occurrences) {
+        const Numbers<double> absolute = magnitude<double>(numbers);
+        const auto fraction = std::bit_cast<Bits<double>>(rounded<double>(absolute) != absolute) &
+                              std::bit_cast<Bits<double>>(absolute < always_whole<double>);
+        const auto finite = std::bit_cast<Bits<double>>(absolute <= std::numeric_limits<double>::max());
+        const Bits<double> counted = fraction | ~finite;
         distinct -= counted;
         rows += occurrences & counted;
     };
     std::size_t i = 0;
     for (; size - i >= together; i += together) {
-        Numbers numbers;
-        Bits occurrences;
+        Numbers<double> numbers;
+        Bits<double> occurrences;
         std::memcpy(&numbers, values + i, sizeof numbers);
         std::memcpy(&occurrences, counts + i, sizeof occurrences);
         add(numbers, occurrences);
     }
-    if (i < size) add(Numbers{values[i], 0.0}, Bits{counts[i], 0});
+    if (i < size) add(Numbers<double>{values[i], 0.0}, Bits<double>{counts[i], 0});
     return {static_cast<std::size_t>(distinct[0] + distinct[1]), rows[0] + rows[1]};
 }
 
@@ -173,19 +150,19 @@ std::ptrdiff_t sum(const std::ptrdiff_t* counts, std::size_t size) noexcept {
     return total;
 }
 
-template std::size_t mark_nulls<double>(const char*, std::ptrdiff_t, std::size_t, char*) noexcept;
-template std::size_t mark_nulls<float>(const char*, std::ptrdiff_t, std::size_t, char*) noexcept;
+template std::size_t mark_nulls<double>(const StridedMemory&, char*) noexcept;
+template std::size_t mark_nulls<float>(const StridedMemory&, char*) noexcept;
 template bool has_unlike_equals<float>(const float*, std::size_t) noexcept;
 template bool has_unlike_equals<double>(const double*, std::size_t) noexcept;
-template void copy_kept<float, double>(const char*, std::ptrdiff_t, const char*, double*, std::size_t) noexcept;
+template void copy_kept<float, double>(const StridedMemory&, const char*, double*, std::size_t) noexcept;
 
-#define QUORIN_FOR_NUMBER(Number)                                                                                     \
-    template void copy_kept<Number, Number>(const char*, std::ptrdiff_t, const char*, Number*, std::size_t) noexcept; \
-    template std::size_t count_runs<Number>(const Number*, std::size_t) noexcept;                                     \
+#define QUORIN_FOR_NUMBER(Number)                                                                              \
+    template void copy_kept<Number, Number>(const StridedMemory&, const char*, Number*, std::size_t) noexcept; \
+    template std::size_t count_runs<Number>(const Number*, std::size_t) noexcept;                              \
     template void write_runs<Number>(const Number*, std::size_t, std::size_t, Number*, std::ptrdiff_t*) noexcept;
-#define QUORIN_FOR_INTEGER(Integer)                                                                                 \
-    template Range<Integer> range_of<Integer>(const char*, std::ptrdiff_t, std::size_t) noexcept;                   \
-    template void count_each<Integer>(const char*, std::ptrdiff_t, std::size_t, Integer, std::ptrdiff_t*) noexcept; \
+#define QUORIN_FOR_INTEGER(Integer)                                                             \
+    template Range<Integer> range_of<Integer>(const StridedMemory&) noexcept;                   \
+    template void count_each<Integer>(const StridedMemory&, Integer, std::ptrdiff_t*) noexcept; \
     QUORIN_FOR_NUMBER(Integer)
 
 QUORIN_FOR_NUMBER(double)

@@ -1,4 +1,4 @@
-// Finding equal numbers among many.
+// A hash table of numbers.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// The same 64 bits exactly for equal numbers of one type: NaN counts as one number, 0.0 and -0.0 as the same.
+// Two numbers have the same pattern if and only if they are equal; all NaN have one, and so have 0.0 and -0.0.
 std::uint64_t pattern_of(double value) noexcept;
 
 template <class Number>
@@ -17,12 +17,12 @@ std::uint64_t key_of(Number value) noexcept {
     return static_cast<std::uint64_t>(value);
 }
 
-// Open addressing with 64-bit keys; what stands under a key is the caller's number for it.
+// Maps 64-bit keys to numbers that the caller chooses. Open addressing.
 class NumberTable {
   public:
     NumberTable() : slots_(initial_slots, empty) {}
 
-    // The number under which the key stands, or `next`, under which it stands from now on.
+    // Returns the number of the key. A new key gets the number `next`.
     std::uint32_t find_or_add(std::uint64_t key, std::uint32_t next) {
         std::size_t slot = place_of(key);
         while (slots_[slot].number != none) {
@@ -35,7 +35,7 @@ class NumberTable {
     }
 
     [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
-        // A small table stays near by itself.
+        // A small table stays in the cache.
         if (slots_.size() > small) __builtin_prefetch(&slots_[place_of(key)]);
     }
 
@@ -49,7 +49,7 @@ class NumberTable {
     };
     static constexpr Slot empty{0, none};
 
-    // Neighbouring numbers and the patterns of short fractions both spread over the table: the product is folded.
+    // The product is folded so that both successive integers and the patterns of short fractions spread over the table.
     [[nodiscard]] std::size_t place_of(std::uint64_t key) const noexcept {
         __extension__ using Product = unsigned __int128;
         const Product product = static_cast<Product>(key) * 0x9e3779b97f4a7c15ULL;

@@ -1,22 +1,19 @@
-// Nulls in a table of floats, read in the order in which it lies in memory.
+// Columns with nulls in a table of floats.
 #pragma once
 
-#include <cstddef>
 #include <vector>
+
+#include "core/column.hpp"
+#include "core/simd/instructions.hpp"
 
 namespace quorin::core {
 
-// Strides in bytes.
-struct FloatTable {
-    const char* data;
-    std::size_t rows;
-    std::size_t columns;
-    std::ptrdiff_t row_stride;
-    std::ptrdiff_t column_stride;
-};
-
 // For each column whether it holds a null. With `one_is_enough` the search ends with the first one found.
 template <class Float>
-std::vector<bool> null_columns(const FloatTable& table, bool one_is_enough);
+std::vector<bool> null_columns(const Table& table, bool one_is_enough, Instructions allowed = Instructions::best);
+
+// Whether any cell is a signalling NaN.
+template <class Float>
+bool any_signalling_nan(const Table& table, Instructions allowed = Instructions::best) noexcept;
 
 }  // namespace quorin::core

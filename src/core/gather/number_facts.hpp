@@ -1,7 +1,8 @@
-// Gathering over columns of numbers: whether any is missing, whether any has a fraction.
+// Gathering over columns of numbers: nulls, fractions, signalling NaN.
 #pragma once
 
-#include <cstddef>
+#include "core/column.hpp"
+#include "core/simd/instructions.hpp"
 
 namespace quorin::core {
 
@@ -11,17 +12,19 @@ struct NumberFacts {
     bool fractions = false;  // with a fraction, or infinite
 };
 
-// The answer is the same with any. `baseline` are those that every processor of the kind has; more is used only where
-// the processor has it.
-enum class Instructions { baseline, avx2, best };
+// `Float` is double or float. The result does not depend on `allowed`. The walk ends once nulls and fractions were both
+// seen.
+template <class Float>
+NumberFacts gather_numbers(const StridedMemory& column, Instructions allowed = Instructions::best) noexcept;
 
-// `stride` in bytes. The walk ends once nulls and fractions were both seen.
-NumberFacts gather_float64(const char* data, std::ptrdiff_t stride, std::size_t rows,
-                           Instructions instructions = Instructions::best) noexcept;
-NumberFacts gather_float32(const char* data, std::ptrdiff_t stride, std::size_t rows,
-                           Instructions instructions = Instructions::best) noexcept;
+// Whether any element is a NaN whose quiet bit is 0: arithmetic with it raises the processor's invalid flag, for which
+// numpy warns.
+template <class Float>
+bool any_signalling_nan(const StridedMemory& column, Instructions allowed = Instructions::best) noexcept;
+// False unless the elements are floats.
+bool any_signalling_nan(const Column& column) noexcept;
 
-// 1.0 for each byte that is not zero, 0.0 for the others. `stride` in bytes.
-void write_flags(const char* data, std::ptrdiff_t stride, std::size_t rows, double* out) noexcept;
+// Writes 1.0 for each byte that is not zero, 0.0 for the others.
+void write_flags(StridedMemory flags, double* out) noexcept;
 
 }  // namespace quorin::core

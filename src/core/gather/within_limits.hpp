@@ -1,7 +1,7 @@
 // Whether all numbers of a column lie within limits, in some unit.
 #pragma once
 
-#include <cstddef>
+#include "core/column.hpp"
 
 namespace quorin::core {
 
@@ -12,15 +12,14 @@ struct Limits {
     double max;
 };
 
-// Whether some number is larger than `most`, whatever its sign. NaN is not. `Number` is double, float, std::int64_t or
-// std::uint8_t; `stride` in bytes.
-template <class Number>
-bool any_beyond(const char* data, std::ptrdiff_t stride, std::size_t rows, double most) noexcept;
+// Below, `Number` is double, float, std::int64_t or std::uint8_t. Floats are computed as float, all others as double.
 
-// Whether every number, multiplied by the factor, is within the limits, in the arithmetic of float for floats and of
-// double for all others. NaN is.
+// Whether for every number x: x == 0, or x is a quiet NaN, or least <= |x| <= most.
 template <class Number>
-bool all_within(const char* data, std::ptrdiff_t stride, std::size_t rows, double factor,
-                const Limits& limits) noexcept;
+bool all_ordinary(const StridedMemory& column, double least, double most) noexcept;
+
+// Whether every number, multiplied by the factor, is within the limits. NaN is.
+template <class Number>
+bool all_within(const StridedMemory& column, double factor, const Limits& limits) noexcept;
 
 }  // namespace quorin::core

@@ -1,9 +1,9 @@
-// Several numbers side by side, which every processor in use compares at once. By itself the compiler finds no such
-// form for comparisons of float64.
+// Several floats in one register of 16 bytes. The compiler does not vectorise comparisons of float64 by itself.
 #pragma once
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
@@ -16,25 +16,38 @@ struct Pack<double> {
     using Numbers [[gnu::vector_size(16)]] = double;
     using Bits [[gnu::vector_size(16)]] = std::int64_t;
     static constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
+    static constexpr std::int64_t quiet = std::int64_t{1} << 51U;
 };
 template <>
 struct Pack<float> {
     using Numbers [[gnu::vector_size(16)]] = float;
     using Bits [[gnu::vector_size(16)]] = std::int32_t;
     static constexpr std::int32_t sign = std::numeric_limits<std::int32_t>::min();
+    static constexpr std::int32_t quiet = std::int32_t{1} << 22U;
 };
 template <class Float>
 using Numbers = typename Pack<Float>::Numbers;
-// What a comparison gives: all bits of a number's place or none.
+// The result of a comparison: all bits of a lane are set, or none.
 template <class Float>
 using Bits = typename Pack<Float>::Bits;
+
+template <class Float>
+constexpr std::size_t lanes = sizeof(Numbers<Float>) / sizeof(Float);
+
+// Not `x - Numbers<Float>{}`: arithmetic makes a signalling NaN quiet.
+template <class Float>
+Numbers<Float> broadcast(Float x) noexcept {
+    Numbers<Float> numbers;
+    for (std::size_t i = 0; i < lanes<Float>; ++i) numbers[i] = x;
+    return numbers;
+}
 
 template <class Float>
 Numbers<Float> magnitude(Numbers<Float> x) noexcept {
     return std::bit_cast<Numbers<Float>>(std::bit_cast<Bits<Float>>(x) & ~Pack<Float>::sign);
 }
 
-// What comparisons gave, as bytes: gcc makes something else, and slow, of `|` and `&` on comparisons of float64.
+// Comparison results are combined as bytes: g++ compiles `|` and `&` of float64 comparisons to slow code.
 using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
 
 template <class Float>
@@ -42,14 +55,46 @@ Bytes bytes(Bits<Float> compared) noexcept {
     return std::bit_cast<Bytes>(compared);
 }
 
+inline bool any_set(Bytes bytes) noexcept {
+    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(bytes);
+    return (halves[0] | halves[1]) != 0;
+}
+
+// The tests below set at least one bit of each lane for which they hold.
+
 template <class Float>
 Bytes is_null(Numbers<Float> x) noexcept {
     return bytes<Float>(x != x);
 }
 
-inline bool any_set(Bytes bytes) noexcept {
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(bytes);
-    return (halves[0] | halves[1]) != 0;
+// NaN whose quiet bit is 0.
+template <class Float>
+Bytes is_signalling_nan(Numbers<Float> x) noexcept {
+    return is_null<Float>(x) & bytes<Float>(~std::bit_cast<Bits<Float>>(x) & Pack<Float>::quiet);
+}
+
+// Every number x with x >= always_whole is whole.
+template <class Float>
+constexpr Float always_whole = static_cast<Float>(1) / std::numeric_limits<Float>::epsilon();
+
+// For 0 <= x < always_whole: x rounded to a whole number.
+template <class Float>
+Numbers<Float> rounded(Numbers<Float> x) noexcept {
+    return (x + always_whole<Float>)-always_whole<Float>;
+}
+
+template <class Float>
+Bytes is_fraction_or_infinite(Numbers<Float> x) noexcept {
+    const Numbers<Float> size = magnitude<Float>(x);
+    const Bytes fraction = bytes<Float>(rounded<Float>(size) != size) & bytes<Float>(size < always_whole<Float>);
+    return fraction | bytes<Float>(size == std::numeric_limits<Float>::infinity());
+}
+
+// Holds for NaN, for fractions and for every number from always_whole on: fewer instructions than an exact test.
+template <class Float>
+Bytes is_doubtful(Numbers<Float> x) noexcept {
+    const Numbers<Float> size = magnitude<Float>(x);
+    return bytes<Float>(rounded<Float>(size) != size) | bytes<Float>(size >= always_whole<Float>);
 }
 
 }  // namespace quorin::core

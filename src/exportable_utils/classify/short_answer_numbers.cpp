@@ -47,10 +47,12 @@ std::optional<Answer> answer_floats(const ArrayColumn& column, const References&
     if (!markers.numbers.empty()) {
         facts = gather_beside(column, markers, found);
     } else if (column.storage == Storage::float64) {
-        facts = core::gather_float64(column.data, column.stride, column.rows);
+        facts = core::gather_numbers<double>(column);
     } else {
-        facts = core::gather_float32(column.data, column.stride, column.rows);
+        facts = core::gather_numbers<float>(column);
     }
+    // numpy warns of a signalling NaN.
+    if (facts.nulls && core::any_signalling_nan(column)) return std::nullopt;
     if (facts.nulls && markers.null_bits == 0 && !markers.none()) {
         facts = {.nulls = false, .values = true, .fractions = true};
     }

@@ -117,7 +117,7 @@ Ref copy_included(const ColumnSource& column, const ExcludedRows& excluded, Obje
     const bool done = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
         const char* marks = excluded.marks() == nullptr ? nullptr : excluded.marks() + first;
         const std::size_t size = last - first - (marks == nullptr ? 0 : core::count_marked(marks, last - first));
-        core::copy_kept<From>(numbers.at(first), numbers.stride, marks, out, size);
+        core::copy_kept<From>(numbers.part(first, last), marks, out, size);
         out += size;
         return true;
     });
@@ -144,15 +144,15 @@ class CountTable {
     }
     void allocate() { counts_.resize(static_cast<std::size_t>(span()) + 1); }
     // False if an integer is outside the range.
-    bool count(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
-        const auto [least, greatest] = core::range_of<Integer>(data, stride, size);
+    bool count(const core::StridedMemory& integers) noexcept {
+        const auto [least, greatest] = core::range_of<Integer>(integers);
         if (least < least_ || greatest > greatest_) return false;
-        count_in_range(data, stride, size);
+        count_in_range(integers);
         return true;
     }
     // For integers that are known to be in the range.
-    void count_in_range(const char* data, std::ptrdiff_t stride, std::size_t size) noexcept {
-        core::count_each<Integer>(data, stride, size, least_, counts_.data());
+    void count_in_range(const core::StridedMemory& integers) noexcept {
+        core::count_each<Integer>(integers, least_, counts_.data());
     }
     [[nodiscard]] ValuesAndCounts arrays(Object dtype) const {
         const auto distinct = static_cast<std::size_t>(
@@ -185,11 +185,11 @@ std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object
     CountTable<Integer> table;
     const bool one_block = column.rows() <= rows_between_signals;
     const bool close = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
-        const auto range = core::range_of<Integer>(numbers.at(first), numbers.stride, last - first);
+        const auto range = core::range_of<Integer>(numbers.part(first, last));
         if (!table.include(range, column.rows())) return false;
         if (one_block) {
             table.allocate();
-            table.count_in_range(numbers.data, numbers.stride, numbers.rows);
+            table.count_in_range(numbers);
         }
         return true;
     });
@@ -197,7 +197,7 @@ std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object
     if (one_block) return table.arrays(dtype);
     table.allocate();
     const bool done = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
-        return table.count(numbers.at(first), numbers.stride, last - first);
+        return table.count(numbers.part(first, last));
     });
     if (!done) return std::nullopt;
     return table.arrays(dtype);
@@ -207,16 +207,15 @@ std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object
 template <class Integer>
 std::optional<ValuesAndCounts> counted_copy(Object copy, Object dtype) {
     CountTable<Integer> table;
-    const auto* numbers = data_of<Integer>(copy);
     const std::size_t size = size_of(copy);
-    const auto bytes_from = [&](std::size_t first) { return reinterpret_cast<const char*>(numbers + first); };
+    const core::StridedMemory integers{PyArray_BYTES(as_array(copy)), sizeof(Integer), size};
     const bool close = in_blocks(size, [&](std::size_t first, std::size_t last) {
-        return table.include(core::range_of<Integer>(bytes_from(first), sizeof(Integer), last - first), size);
+        return table.include(core::range_of<Integer>(integers.part(first, last)), size);
     });
     if (!close || size == 0) return std::nullopt;
     table.allocate();
     in_blocks(size, [&](std::size_t first, std::size_t last) {
-        table.count_in_range(bytes_from(first), sizeof(Integer), last - first);
+        table.count_in_range(integers.part(first, last));
         return true;
     });
     return table.arrays(dtype);
@@ -239,7 +238,7 @@ std::optional<ValuesAndCounts> distinct_integers(const ColumnSource& column, con
 // Whether all booleans are the byte 0 or 1. numpy's result for other bytes is not defined here.
 bool are_bits(const ColumnSource& column) {
     return column.in_blocks([](const ArrayColumn& flags, std::size_t first, std::size_t last) {
-        return core::range_of<std::uint8_t>(flags.at(first), flags.stride, last - first).greatest <= 1;
+        return core::range_of<std::uint8_t>(flags.part(first, last)).greatest <= 1;
     });
 }
 
@@ -279,9 +278,9 @@ std::optional<ValuesAndCounts> distinct_as_float64(const ColumnSource& column, c
     Ref counts = collapse(data_of<float>(copy), size_of(copy));
     const std::size_t distinct = size_of(counts);
     Ref values = new_array(distinct, descriptor_of(float64));
+    const core::StridedMemory short_values{PyArray_BYTES(as_array(copy)), sizeof(float), distinct};
     in_blocks(distinct, [&](std::size_t first, std::size_t last) {
-        core::copy_kept<float>(reinterpret_cast<const char*>(data_of<float>(copy) + first), sizeof(float), nullptr,
-                               data_of<double>(values) + first, last - first);
+        core::copy_kept<float>(short_values.part(first, last), nullptr, data_of<double>(values) + first, last - first);
         return true;
     });
     return ValuesAndCounts{std::move(values), std::move(counts)};

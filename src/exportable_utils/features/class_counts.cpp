@@ -211,8 +211,8 @@ std::optional<Classes> classes_of(const ColumnSource& column, const references::
         case Storage::objects:
             return object_classes(column, excluded_rows, excluded_nulls);
         case Storage::fixed_text:
-            return text_classes(
-                column, [&](const ArrayColumn& /*texts*/, std::size_t row) { return excluded_rows.has(row); });
+            return text_classes(column,
+                                [&](const ArrayColumn& /*texts*/, std::size_t row) { return excluded_rows.has(row); });
         case Storage::boolean:
             return boolean_classes(column, excluded_rows);
         case Storage::float64:

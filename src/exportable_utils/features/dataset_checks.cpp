@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/gather/null_columns.hpp"
@@ -46,10 +47,10 @@ ColumnLayout layout_of(Object X) noexcept {
     return {static_cast<std::size_t>(PyArray_DIM(array, 1)), PyArray_STRIDE(array, 1)};
 }
 
-// ORs into `found` whether each column of a table of floats holds a null. Returns false if the table changes meanwhile.
-// With Wanted::first the search ends with the first null.
-template <class Float>
-bool find_null_columns(Object X, const ColumnSource& first_column, Wanted wanted, std::vector<bool>& found) {
+// Calls use(table) for consecutive ranges of the rows of a table of floats, and answers signals between them. Ends when
+// `use` returns false. Returns false if the table changes meanwhile.
+template <class Use>
+bool in_row_ranges(Object X, const ColumnSource& first_column, Use use) {
     constexpr std::size_t numbers_between_signals = std::size_t{1} << 20U;
     const ColumnLayout layout = layout_of(X);
     const std::size_t rows = std::max<std::size_t>(1, numbers_between_signals / layout.columns);
@@ -58,13 +59,59 @@ bool find_null_columns(Object X, const ColumnSource& first_column, Wanted wanted
         if (row != 0) borrow.pause();
         const std::optional<ArrayColumn>& column = borrow.column();
         if (!column || layout_of(X) != layout) return false;
-        const core::FloatTable table{column->at(row), std::min(rows, column->rows - row), layout.columns,
-                                     column->stride, layout.stride};
-        const std::vector<bool> nulls = core::null_columns<Float>(table, wanted == Wanted::first);
-        std::transform(nulls.begin(), nulls.end(), found.begin(), found.begin(), std::logical_or<>());
-        if (wanted == Wanted::first && std::find(found.begin(), found.end(), true) != found.end()) break;
+        const core::StridedMemory range = column->part(row, std::min(column->rows, row + rows));
+        if (!use(core::Table{range, layout.columns, layout.stride})) break;
     }
     return true;
+}
+
+bool any_set(const std::vector<bool>& flags) {
+    return std::find(flags.begin(), flags.end(), true) != flags.end();
+}
+
+// For each column of a table of floats whether it holds a null. With Wanted::first the search ends with the first null.
+// Nothing if the table changes meanwhile.
+template <class Float>
+std::optional<std::vector<bool>> find_null_columns(Object X, const ColumnSource& first_column, Wanted wanted) {
+    std::vector<bool> found(layout_of(X).columns);
+    const bool done = in_row_ranges(X, first_column, [&](const core::Table& table) {
+        const std::vector<bool> nulls = core::null_columns<Float>(table, wanted == Wanted::first);
+        std::transform(nulls.begin(), nulls.end(), found.begin(), found.begin(), std::logical_or<>());
+        return wanted == Wanted::all || !any_set(found);
+    });
+    if (!done) return std::nullopt;
+    return found;
+}
+
+// Whether one of the first `columns` columns holds a signalling NaN, of which numpy warns. Also true if the table
+// changes meanwhile.
+template <class Float>
+bool may_signal(Object X, const ColumnSource& first_column, std::size_t columns) {
+    bool signalling = false;
+    const bool done = in_row_ranges(X, first_column, [&](core::Table table) {
+        table.columns = columns;
+        signalling = core::any_signalling_nan<Float>(table);
+        return !signalling;
+    });
+    return signalling || !done;
+}
+
+// Nothing if numpy would warn of a signalling NaN in a column that the classifier reads: with Wanted::first it reads
+// the columns up to the first with a null.
+template <class Float>
+std::optional<std::vector<bool>> float_columns(Object X, const ColumnSource& first_column, Wanted wanted, bool nulls) {
+    std::vector<bool> found(layout_of(X).columns);
+    std::size_t read = found.size();
+    if (nulls) {
+        std::optional<std::vector<bool>> null_columns = find_null_columns<Float>(X, first_column, wanted);
+        if (!null_columns) return std::nullopt;
+        found = std::move(*null_columns);
+        if (!any_set(found)) return found;
+        const auto first = static_cast<std::size_t>(std::find(found.begin(), found.end(), true) - found.begin());
+        if (wanted == Wanted::first) read = first + 1;
+    }
+    if (may_signal<Float>(X, first_column, read)) return std::nullopt;
+    return found;
 }
 
 // The columns of a table of numbers for which the check holds. Numbers are not text; if no reference is a number, only
@@ -77,15 +124,10 @@ std::optional<std::vector<bool>> native_columns(Check check, Wanted wanted, Obje
     if (!column || column->storage() == Storage::objects || column->storage() == Storage::fixed_text) {
         return std::nullopt;
     }
-    std::vector<bool> found(layout_of(X).columns);
-    if (!check.missing || references->null_bits == 0) return found;
-    if (column->storage() == Storage::float64 && !find_null_columns<double>(X, *column, wanted, found)) {
-        return std::nullopt;
-    }
-    if (column->storage() == Storage::float32 && !find_null_columns<float>(X, *column, wanted, found)) {
-        return std::nullopt;
-    }
-    return found;
+    const bool nulls = check.missing && references->null_bits != 0;
+    if (column->storage() == Storage::float64) return float_columns<double>(X, *column, wanted, nulls);
+    if (column->storage() == Storage::float32) return float_columns<float>(X, *column, wanted, nulls);
+    return std::vector<bool>(layout_of(X).columns);
 }
 
 // Calls on_column(j) for each column for which the check holds, until it returns false.
@@ -104,7 +146,7 @@ constexpr auto no_column = [](Object X, Object missing_values_reference_list) ->
     if (equal(X.attr("ndim"_py), 1)) return Ref::truth(!holds(check, Classifier()(X, references_list)));
     Ref answer = native_route<DateTest::called>([&]() -> Ref {
         const auto found = native_columns(check, Wanted::first, X, references_list);
-        return found ? Ref::truth(std::find(found->begin(), found->end(), true) == found->end()) : Ref();
+        return found ? Ref::truth(!any_set(*found)) : Ref();
     });
     if (answer) return answer;
     bool none = true;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -9,9 +10,9 @@
 #include "exportable_utils/features/classifier_calls.hpp"
 #include "exportable_utils/features/features.hpp"
 #include "python/indexing.hpp"
-#include "python/inputs/array_column.hpp"
-#include "python/lookup_guard.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/module_names.hpp"
+#include "python/native_route.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::features {
@@ -26,7 +27,7 @@ struct Bounds {
     Object num_stds;
 };
 
-// NaN fails none of the three tests, since no comparison with it holds.
+// NaN fails none of the three tests: every ordered comparison with it is false.
 bool fails(Object elt, const Bounds& bounds) {
     const Ref deviation = absolute(subtract(elt, bounds.mean_value));
     const Ref allowed = multiply(bounds.num_stds, bounds.std_value);
@@ -41,7 +42,7 @@ bool vector_passes(Object X, Object k, const Bounds& bounds) {
     return true;
 }
 
-// A failing value ends its row only: the rows behind it are looked at as well.
+// A failing value ends its row only. The rows after it are tested as well.
 bool matrix_passes(Object X, Object k, const Bounds& bounds) {
     bool flag = true;
     const Py_ssize_t rows = count(row_count(X));
@@ -59,8 +60,8 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
 
 constexpr double modest_limit = 1e15;
 
-// A number whose arithmetic a 64-bit float does as the interpreter does it, rounding included: none is so large that an
-// integer would stay exact where a float is rounded.
+// An exact float or int whose arithmetic as a 64-bit float has the interpreter's result: no integer is so large that
+// only an int is exact.
 std::optional<double> modest_number(Object value) noexcept {
     double number = 0.0;
     if (PyFloat_CheckExact(value.get())) {
@@ -76,29 +77,32 @@ std::optional<double> modest_number(Object value) noexcept {
     return number;
 }
 
-// The numbers of a column, and how far the arithmetic of the kernels is that of the interpreter: exact, and without a
-// warning.
-struct Measured {
+// The arithmetic of a column, and the magnitudes for which that of the kernels has the interpreter's results without a
+// warning of numpy.
+struct Arithmetic {
     enum class As { float64, float32, whole, boolean } as;
-    double most;         // larger numbers are the interpreter's
-    double most_factor;  // and so are larger factors
+    double most;          // of the elements
+    double most_factor;   // of the factors
+    double least_normal;  // a smaller product can underflow
 };
 
-std::optional<Measured> measured(const ArrayColumn& values) noexcept {
+std::optional<Arithmetic> arithmetic_of(const core::Column& values) noexcept {
     // Products of integers stay below the first that a float does not hold.
     constexpr double most_whole = 1e9;
     constexpr double most_whole_factor = 1e6;
+    constexpr double least_float64 = std::numeric_limits<double>::min();
+    constexpr double least_float32 = std::numeric_limits<float>::min();
     switch (values.storage) {
         case Storage::float64:
-            return Measured{Measured::As::float64, modest_limit, modest_limit};
+            return Arithmetic{Arithmetic::As::float64, modest_limit, modest_limit, least_float64};
         case Storage::float32:
-            return Measured{Measured::As::float32, modest_limit, modest_limit};
+            return Arithmetic{Arithmetic::As::float32, modest_limit, modest_limit, least_float32};
         case Storage::boolean:
-            return Measured{Measured::As::boolean, 1.0, most_whole_factor};
+            return Arithmetic{Arithmetic::As::boolean, 1.0, most_whole_factor, least_float64};
         case Storage::integer:
-            // Narrow integers and those without a sign overflow in ways of their own.
-            if (values.width != sizeof(std::int64_t) || !PyTypeNum_ISSIGNED(PyArray_TYPE(values.array))) break;
-            return Measured{Measured::As::whole, most_whole, most_whole_factor};
+            // Narrow and unsigned integers overflow by other rules.
+            if (values.width != sizeof(std::int64_t) || !values.is_signed) break;
+            return Arithmetic{Arithmetic::As::whole, most_whole, most_whole_factor, least_float64};
         case Storage::objects:
         case Storage::fixed_text:
             break;
@@ -106,56 +110,97 @@ std::optional<Measured> measured(const ArrayColumn& values) noexcept {
     return std::nullopt;
 }
 
-// Since numpy 2 a product or a difference of a float32 and a Python number is a float32, before that it may be a
-// float64: what the numpy in use does is seen best on the first element.
-bool stays_float32(const ArrayColumn& values) {
-    const Ref first = Ref::take(PyArray_Scalar(const_cast<char*>(values.data), PyArray_DESCR(values.array),
-                                               reinterpret_cast<PyObject*>(values.array)));
-    const auto is_float32 = [](const Ref& number) { return Py_TYPE(number.get()) == &PyFloatArrType_Type; };
-    return is_float32(multiply(1, first)) && is_float32(multiply(1.0, first)) && is_float32(subtract(first, 1)) &&
-           is_float32(subtract(first, 1.0));
+// Nothing unless all factors are plain numbers within the limits of the arithmetic.
+std::optional<std::vector<double>> read_factors(Object unit_factors_list, const Arithmetic& arithmetic) {
+    std::vector<double> factors;
+    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
+        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
+        if (!factor || std::fabs(*factor) > arithmetic.most_factor) return std::nullopt;
+        factors.push_back(*factor);
+    }
+    return factors;
 }
 
-template <class Number>
-std::optional<bool> passes(const ArrayColumn& values, const Measured& kind, const std::vector<double>& factors,
-                           const core::Limits& limits) {
-    if (core::any_beyond<Number>(values.data, values.stride, values.rows, kind.most)) return std::nullopt;
-    return std::any_of(factors.begin(), factors.end(), [&](double factor) {
-        return core::all_within<Number>(values.data, values.stride, values.rows, factor, limits);
-    });
-}
-
-std::optional<bool> native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
-    if (!lookups_unchanged() || !PyList_CheckExact(unit_factors_list.get())) return std::nullopt;
-    const std::optional<ArrayColumn> values = single_column(X);
-    if (!values) return std::nullopt;
-    const std::optional<Measured> kind = measured(*values);
+// Nothing unless all bounds are plain numbers.
+std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
     const auto mean = modest_number(bounds.mean_value);
     const auto deviation = modest_number(bounds.std_value);
     const auto min = modest_number(bounds.min_value);
     const auto max = modest_number(bounds.max_value);
     const auto stds = modest_number(bounds.num_stds);
-    if (!kind || !mean || !deviation || !min || !max || !stds) return std::nullopt;
+    if (!mean || !deviation || !min || !max || !stds) return std::nullopt;
     const core::Limits limits{*mean, *stds * *deviation, *min, *max};
     if (std::fabs(limits.allowed) > modest_limit) return std::nullopt;
-    std::vector<double> factors;
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
-        const auto factor = modest_number(PyList_GET_ITEM(unit_factors_list.get(), i));
-        if (!factor || std::fabs(*factor) > kind->most_factor) return std::nullopt;
-        factors.push_back(*factor);
+    return limits;
+}
+
+// A number x with |x| >= least_magnitude underflows with none of the factors: |factor * x| >= 2 * least_normal. A
+// difference never underflows: if it is smaller than the least normal number, it is exact.
+double least_magnitude(const std::vector<double>& factors, const Arithmetic& arithmetic) noexcept {
+    double least = 0.0;
+    for (const double factor : factors) {
+        if (factor != 0) least = std::max(least, 2 * arithmetic.least_normal / std::fabs(factor));
     }
-    switch (kind->as) {
-        case Measured::As::float64:
-            return passes<double>(*values, *kind, factors, limits);
-        case Measured::As::float32:
-            if (!stays_float32(*values)) return std::nullopt;
-            return passes<float>(*values, *kind, factors, limits);
-        case Measured::As::whole:
-            return passes<std::int64_t>(*values, *kind, factors, limits);
-        case Measured::As::boolean:
-            return passes<std::uint8_t>(*values, *kind, factors, limits);
+    // Within the range of float32, and above every number that the kernels compute with.
+    return std::min(least, 2 * modest_limit);
+}
+
+// Since numpy 2 the product and the difference of a float32 and a Python number are float32, before it they may be
+// float64. The numpy in use is tried, before the column is opened: an operator is foreign code.
+bool products_stay_float32() {
+    float number = 1;
+    const Ref dtype = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_FLOAT)));
+    const Ref one = Ref::take(PyArray_Scalar(&number, reinterpret_cast<PyArray_Descr*>(dtype.get()), nullptr));
+    const auto is_float32 = [](const Ref& result) { return Py_TYPE(result.get()) == &PyFloatArrType_Type; };
+    return is_float32(multiply(1, one)) && is_float32(multiply(1.0, one)) && is_float32(subtract(one, 1)) &&
+           is_float32(subtract(one, 1.0));
+}
+
+// Whether all elements fit with some factor. Gives up if an element overflows, underflows or is a signalling NaN: numpy
+// may warn or raise then.
+template <class Number>
+Ref passes(const ColumnSource& column, const Arithmetic& arithmetic, const std::vector<double>& factors,
+           const core::Limits& limits) {
+    const double least = least_magnitude(factors, arithmetic);
+    const bool ordinary = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
+        return core::all_ordinary<Number>(values.part(first, last), least, arithmetic.most);
+    });
+    if (!ordinary) return {};
+    for (const double factor : factors) {
+        bool within = true;
+        const bool done = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
+            within = core::all_within<Number>(values.part(first, last), factor, limits);
+            return within;
+        });
+        if (done) return Ref::truth(true);
+        if (within) return {};  // the column changed meanwhile
     }
-    return std::nullopt;
+    return Ref::truth(false);
+}
+
+Ref native_check(Object X, const Bounds& bounds, Object unit_factors_list) {
+    if (!PyList_CheckExact(unit_factors_list.get())) return {};
+    return native_route([&]() -> Ref {
+        const std::optional<ColumnSource> column = ColumnSource::single(X);
+        if (!column) return {};
+        const std::optional<Arithmetic> arithmetic = arithmetic_of(column->layout());
+        const std::optional<core::Limits> limits = read_limits(bounds);
+        if (!arithmetic || !limits) return {};
+        const std::optional<std::vector<double>> factors = read_factors(unit_factors_list, *arithmetic);
+        if (!factors) return {};
+        switch (arithmetic->as) {
+            case Arithmetic::As::float64:
+                return passes<double>(*column, *arithmetic, *factors, *limits);
+            case Arithmetic::As::float32:
+                if (!products_stay_float32()) return {};
+                return passes<float>(*column, *arithmetic, *factors, *limits);
+            case Arithmetic::As::whole:
+                return passes<std::int64_t>(*column, *arithmetic, *factors, *limits);
+            case Arithmetic::As::boolean:
+                return passes<std::uint8_t>(*column, *arithmetic, *factors, *limits);
+        }
+        return {};
+    });
 }
 
 Ref check(Positional arguments) {
@@ -204,7 +249,7 @@ True
                Object unit_factors_list) -> Ref {
         const Bounds bounds{mean_value, std_value, min_value, max_value, num_stds};
         const Ref X = dfc.attr("values"_py);
-        if (const auto answer = native_check(X, bounds, unit_factors_list)) return Ref::truth(*answer);
+        if (Ref answer = native_check(X, bounds, unit_factors_list)) return answer;
         bool flag = false;
         const Ref factors = iterate(unit_factors_list);
         while (const Ref k = next(factors)) {
@@ -247,7 +292,7 @@ True
     .lookups = {"FCplus.check_statistics"},
     .body = [](Object dfc) -> Ref {
         if (first_cell_is_text(dfc)) return Ref::truth(false);
-        // The mean is that of the two means; the deviation is (2.9 ** 2 + 2.7 ** 2) / 4.
+        // mean = (69.1 + 63.7) / 2, deviation = (2.9 ** 2 + 2.7 ** 2) / 4
         return check({dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, list({1, 2.54})});
     },
 };
@@ -320,7 +365,7 @@ True
     .lookups = {"setValueOrDefault", "numpy_whatis", "FCplus.check_statistics"},
     .body = [](Object dfc, Object missing_values_reference_list) -> Ref {
         const Ref l_missing_values_reference_list = markers_in_force(missing_values_reference_list);
-        // The first row stands for the column.
+        // Only the first row is classified.
         const auto [miss_values, dtype_str] =
             Classifier()(item(dfc.attr("values"_py), 0), l_missing_values_reference_list);
         if (first_cell_is_text(dfc) || truth(compare(dtype_str, Py_NE, "int_num"_py))) return Ref::truth(false);

@@ -6,6 +6,8 @@
 
 #include "core/column.hpp"
 #include "core/distinct/number_runs.hpp"
+#include "core/float_bits.hpp"
+#include "core/gather/number_facts.hpp"
 #include "python/errors.hpp"
 
 namespace quorin::references {
@@ -89,6 +91,12 @@ std::optional<ReferenceBits> bits_of_other(PyObject* value, const Wanted& wanted
     return references.bits_of_object(number);
 }
 
+// numpy warns of a signalling NaN, whatever it is compared with.
+bool is_exact_number(PyObject* value) noexcept {
+    if (PyFloat_CheckExact(value)) return !core::is_signalling_nan(PyFloat_AS_DOUBLE(value));
+    return PyLong_CheckExact(value);
+}
+
 // Each of these calls on_match(row, bits) for the rows that equal a reference, and returns false to give up.
 
 template <class OnMatch>
@@ -111,7 +119,7 @@ bool match_objects(const ArrayColumn& column, const Wanted& wanted, OnMatch on_m
             case core::Cell::other: {
                 PyObject* value = column.object(row);
                 // Exact numbers equal no text.
-                if (!numbers && value != nullptr && (PyLong_CheckExact(value) || PyFloat_CheckExact(value))) break;
+                if (!numbers && value != nullptr && is_exact_number(value)) break;
                 const std::optional<ReferenceBits> bits = bits_of_other(value, wanted);
                 if (!bits) return false;
                 if (*bits != 0) on_match(row, *bits);
@@ -139,10 +147,16 @@ bool match_fixed_texts(const ArrayColumn& column, const Wanted& wanted, OnMatch 
 
 template <class Float, class OnMatch>
 bool match_floats(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
-    if (wanted.null_bits == 0 && wanted.references.numbers.empty()) return true;
+    if (wanted.null_bits == 0 && wanted.references.numbers.empty()) return !core::any_signalling_nan<Float>(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
-        const double value = static_cast<double>(core::load<Float>(column, row));
-        const ReferenceBits bits = std::isnan(value) ? wanted.null_bits : wanted.references.bits_of_number(value);
+        const Float value = core::load<Float>(column, row);
+        ReferenceBits bits = 0;
+        if (std::isnan(value)) {
+            if (core::is_signalling_nan(value)) return false;
+            bits = wanted.null_bits;
+        } else {
+            bits = wanted.references.bits_of_number(static_cast<double>(value));
+        }
         if (bits != 0) on_match(row, bits);
     }
     return true;
@@ -191,15 +205,28 @@ bool is_float(Storage storage) noexcept {
     return storage == Storage::float64 || storage == Storage::float32;
 }
 
-std::size_t mark_nulls(const ArrayColumn& column, std::uint8_t* mask) noexcept {
-    const auto mark = column.storage == Storage::float64 ? core::mark_nulls<double> : core::mark_nulls<float>;
-    return mark(column.data, column.stride, column.rows, reinterpret_cast<char*>(mask));
+// Marks NaN and counts it; nothing if one of them is signalling. Both tests read a block while it is in the cache.
+template <class Float>
+std::optional<std::size_t> mark_nulls(const ArrayColumn& column, std::uint8_t* mask) noexcept {
+    constexpr std::size_t block_size = 2048;
+    std::size_t marked = 0;
+    for (std::size_t first = 0; first < column.rows; first += block_size) {
+        const core::StridedMemory block = column.part(first, std::min(column.rows, first + block_size));
+        const std::size_t nulls = core::mark_nulls<Float>(block, reinterpret_cast<char*>(mask) + first);
+        if (nulls != 0 && core::any_signalling_nan<Float>(block)) return std::nullopt;
+        marked += nulls;
+    }
+    return marked;
 }
 
 // The rows of a column of floats that are NaN.
 bool find_null_codes(const ColumnSource& column, ReferenceBits null_bits, RowCodes& codes) {
     return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
-        codes.add_only_class(null_bits, mark_nulls(rows_of(rows, first, last), codes.codes() + first));
+        const ArrayColumn block = rows_of(rows, first, last);
+        const auto marked = column.storage() == Storage::float64 ? mark_nulls<double>(block, codes.codes() + first)
+                                                                 : mark_nulls<float>(block, codes.codes() + first);
+        if (!marked) return false;
+        codes.add_only_class(null_bits, *marked);
         return true;
     });
 }

@@ -174,7 +174,7 @@ Ref native_boolean2float(Object X, Object list) {
             write_nan(*column, *missing);
         }
         const auto convert = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
-            core::write_flags(column.at(first), column.stride, last - first, floats_in(Y) + first);
+            core::write_flags(column.part(first, last), floats_in(Y) + first);
             return true;
         };
         if (!source->in_blocks(convert)) return {};

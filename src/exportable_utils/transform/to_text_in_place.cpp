@@ -38,6 +38,7 @@ Ref text_in_place_of(PyObject* value) {
     if (PyUnicode_CheckExact(value)) return Ref::share(value);
     if (PyFloat_CheckExact(value)) {
         const double number = PyFloat_AS_DOUBLE(value);
+        if (std::isnan(number)) return {};  // a signalling one: numpy warns when it is compared
         if (is_whole(number)) return whole_text(number);
     } else if (PyBool_Check(value)) {
         return Ref::take(PyObject_Str(value));

@@ -8,6 +8,7 @@
 #include "core/cells/cells.hpp"
 #include "core/cells/fixed_width.hpp"
 #include "core/column.hpp"
+#include "core/float_bits.hpp"
 #include "core/gather/text_facts.hpp"
 #include "python/borrow.hpp"
 #include "python/numpy.hpp"
@@ -45,9 +46,12 @@ std::optional<ArrayColumn> flat_column(Object X, Storage storage) noexcept;
 // Rows that share memory would see what is written into one another.
 bool rows_are_disjoint(const ArrayColumn& column) noexcept;
 
-// Null as pandas means it, among the types that native routes know.
+// Null as pandas means it, among the types that native routes know. A signalling NaN is not one of them: numpy warns
+// when it is compared.
 inline bool is_exact_null(PyObject* value) noexcept {
-    return value == Py_None || (PyFloat_CheckExact(value) && std::isnan(PyFloat_AS_DOUBLE(value)));
+    if (!PyFloat_CheckExact(value)) return value == Py_None;
+    const double number = PyFloat_AS_DOUBLE(value);
+    return std::isnan(number) && !core::is_signalling_nan(number);
 }
 
 inline bool is_exact_text(PyObject* value) noexcept {

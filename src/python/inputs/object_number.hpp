@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "core/float_bits.hpp"
 #include "python/numpy.hpp"
 
 namespace quorin {
@@ -33,9 +34,14 @@ struct ObjectNumber {
     }
 };
 
+// A signalling NaN has no known type: numpy warns when it is compared.
+inline ObjectNumber object_number_of(double value, bool scalar) noexcept {
+    return {core::is_signalling_nan(value) ? NumberType::none : NumberType::real, scalar, 0, value};
+}
+
 inline ObjectNumber object_number_of(PyObject* value) noexcept {
     const PyTypeObject* type = Py_TYPE(value);
-    if (type == &PyFloat_Type) return {NumberType::real, false, 0, PyFloat_AS_DOUBLE(value)};
+    if (type == &PyFloat_Type) return object_number_of(PyFloat_AS_DOUBLE(value), false);
     if (type == &PyLong_Type) {
         int overflow = 0;
         const long long whole = PyLong_AsLongLongAndOverflow(value, &overflow);
@@ -43,7 +49,7 @@ inline ObjectNumber object_number_of(PyObject* value) noexcept {
     }
     if (type == &PyBool_Type) return {NumberType::boolean, false, value == Py_True ? 1 : 0, 0};
     if (type == &PyDoubleArrType_Type)
-        return {NumberType::real, true, 0, reinterpret_cast<PyDoubleScalarObject*>(value)->obval};
+        return object_number_of(reinterpret_cast<PyDoubleScalarObject*>(value)->obval, true);
     if (type == &PyLongArrType_Type)
         return {NumberType::integer, true, reinterpret_cast<PyLongScalarObject*>(value)->obval, 0};
     if (type == &PyBoolArrType_Type)

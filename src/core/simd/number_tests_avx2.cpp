@@ -1,17 +1,22 @@
-// The same questions as in number_facts.cpp with twice as many numbers at once and an instruction that cuts fractions
-// off. Comparisons are the quiet ones, so that no NaN leaves a flag of the processor behind.
-#include "core/simd/number_facts_wide.hpp"
+// The tests with AVX2: 32 bytes at once, and an instruction that truncates. Comparisons are the quiet ones, which do
+// not raise the invalid flag for a quiet NaN.
+#include "core/simd/number_tests.hpp"
 
 #ifdef QUORIN_HAS_WIDE_REGISTERS
 
 #include <immintrin.h>
 
-// An intrinsic is inlined only into a function for the same processors.
+#include <type_traits>
+
+// An intrinsic is inlined only into a function of the same target.
 #define QUORIN_AVX2 [[gnu::target("avx2")]]
 
 namespace quorin::core {
 
 namespace {
+
+// Numbers that one round of the loop takes.
+constexpr std::size_t together = 16;
 
 constexpr int truncated = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
 
@@ -22,7 +27,12 @@ struct Double {
     QUORIN_AVX2 static Numbers either(Numbers a, Numbers b) { return _mm256_or_pd(a, b); }
     QUORIN_AVX2 static bool any(Numbers bits) { return _mm256_movemask_pd(bits) != 0; }
     QUORIN_AVX2 static Numbers null(Numbers x) { return _mm256_cmp_pd(x, x, _CMP_UNORD_Q); }
-    // Of a NaN this is false, as every ordered comparison.
+    // The sign bit of the result is the only one that `any` reads: the inverted quiet bit is moved there.
+    QUORIN_AVX2 static Numbers signalling_nan(Numbers x) {
+        const __m256i quiet = _mm256_slli_epi64(_mm256_castpd_si256(x), 12);
+        return _mm256_andnot_pd(_mm256_castsi256_pd(quiet), null(x));
+    }
+    // False for NaN, as every ordered comparison.
     QUORIN_AVX2 static Numbers fraction(Numbers x) {
         return _mm256_cmp_pd(x, _mm256_round_pd(x, truncated), _CMP_NEQ_OQ);
     }
@@ -43,6 +53,10 @@ struct Single {
     QUORIN_AVX2 static Numbers either(Numbers a, Numbers b) { return _mm256_or_ps(a, b); }
     QUORIN_AVX2 static bool any(Numbers bits) { return _mm256_movemask_ps(bits) != 0; }
     QUORIN_AVX2 static Numbers null(Numbers x) { return _mm256_cmp_ps(x, x, _CMP_UNORD_Q); }
+    QUORIN_AVX2 static Numbers signalling_nan(Numbers x) {
+        const __m256i quiet = _mm256_slli_epi32(_mm256_castps_si256(x), 9);
+        return _mm256_andnot_ps(_mm256_castsi256_ps(quiet), null(x));
+    }
     QUORIN_AVX2 static Numbers fraction(Numbers x) {
         return _mm256_cmp_ps(x, _mm256_round_ps(x, truncated), _CMP_NEQ_OQ);
     }
@@ -56,16 +70,14 @@ struct Single {
     }
 };
 
-// What is asked, as a type: a pointer to a function for other processors would not be inlined.
+// A test as a type: a pointer to a function of another target would not be inlined.
 template <class Ops>
 struct Null {
     QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) { return Ops::null(x); }
 };
 template <class Ops>
-struct Doubtful {
-    QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) {
-        return Ops::either(Ops::fraction(x), Ops::null_or_infinite(x));
-    }
+struct SignallingNan {
+    QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) { return Ops::signalling_nan(x); }
 };
 template <class Ops>
 struct FractionOrInfinite {
@@ -73,49 +85,54 @@ struct FractionOrInfinite {
         return Ops::either(Ops::fraction(x), Ops::infinite(x));
     }
 };
+template <class Ops>
+struct Doubtful {
+    QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) {
+        return Ops::either(Ops::fraction(x), Ops::null_or_infinite(x));
+    }
+};
 
-template <class Ops, class Question, class Float>
+template <class Ops, class Test, class Float>
 [[gnu::flatten]] QUORIN_AVX2 bool any(const Float* at, std::size_t size) {
     constexpr std::size_t lanes = sizeof(typename Ops::Numbers) / sizeof(Float);
-    static_assert(Avx2::together % (2 * lanes) == 0);
+    static_assert(together % (2 * lanes) == 0);
     typename Ops::Numbers even = Ops::zeros();
     typename Ops::Numbers odd = Ops::zeros();
-    // One line of the cache a time; the processor alone fetches from the second level too late for this loop.
+    // One cache line a round: the hardware prefetcher fetches from the second level too late for this loop.
     constexpr std::size_t ahead = std::size_t{16} * lanes;
     for (std::size_t i = 0; i < size; i += 2 * lanes) {
         __builtin_prefetch(at + i + ahead);
-        even = Ops::either(even, Question::of(Ops::load(at + i)));
-        odd = Ops::either(odd, Question::of(Ops::load(at + i + lanes)));
+        even = Ops::either(even, Test::of(Ops::load(at + i)));
+        odd = Ops::either(odd, Test::of(Ops::load(at + i + lanes)));
     }
     return Ops::any(Ops::either(even, odd));
 }
 
+template <class Float>
+using OpsOf = std::conditional_t<std::is_same_v<Float, double>, Double, Single>;
+
+template <class Float, template <class> class Test, auto same>
+bool any_of(const StridedMemory& numbers) noexcept {
+    using Ops = OpsOf<Float>;
+    return any_wide<Float>(numbers, together, any<Ops, Test<Ops>, Float>, baseline_tests<Float>().*same);
+}
+
 }  // namespace
 
-template <>
-bool WideQuestions<Avx2>::any_null(const double* at, std::size_t size) noexcept {
-    return any<Double, Null<Double>>(at, size);
+template <class Float>
+const NumberTests<Float>& avx2_tests() noexcept {
+    using Tests = NumberTests<Float>;
+    static constexpr Tests tests{
+        .any_null = any_of<Float, Null, &Tests::any_null>,
+        .any_signalling_nan = any_of<Float, SignallingNan, &Tests::any_signalling_nan>,
+        .any_fraction_or_infinite = any_of<Float, FractionOrInfinite, &Tests::any_fraction_or_infinite>,
+        .any_doubtful = any_of<Float, Doubtful, &Tests::any_doubtful>,
+    };
+    return tests;
 }
-template <>
-bool WideQuestions<Avx2>::any_null(const float* at, std::size_t size) noexcept {
-    return any<Single, Null<Single>>(at, size);
-}
-template <>
-bool WideQuestions<Avx2>::any_doubtful(const double* at, std::size_t size) noexcept {
-    return any<Double, Doubtful<Double>>(at, size);
-}
-template <>
-bool WideQuestions<Avx2>::any_doubtful(const float* at, std::size_t size) noexcept {
-    return any<Single, Doubtful<Single>>(at, size);
-}
-template <>
-bool WideQuestions<Avx2>::any_fraction_or_infinite(const double* at, std::size_t size) noexcept {
-    return any<Double, FractionOrInfinite<Double>>(at, size);
-}
-template <>
-bool WideQuestions<Avx2>::any_fraction_or_infinite(const float* at, std::size_t size) noexcept {
-    return any<Single, FractionOrInfinite<Single>>(at, size);
-}
+
+template const NumberTests<double>& avx2_tests<double>() noexcept;
+template const NumberTests<float>& avx2_tests<float>() noexcept;
 
 }  // namespace quorin::core
 

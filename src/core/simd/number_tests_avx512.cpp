@@ -1,30 +1,35 @@
-// The same questions as in number_facts.cpp about 64 bytes at once. Whether a number is NaN or infinite is one
-// instruction here, which leaves no flag of the processor behind, as the quiet comparison does not.
-#include "core/simd/number_facts_wide.hpp"
+// The tests with AVX-512: 64 bytes at once. One instruction recognises the classes of numbers (NaN, infinite); it
+// raises no flag.
+#include "core/simd/number_tests.hpp"
 
 #ifdef QUORIN_HAS_WIDE_REGISTERS
 
 #include <immintrin.h>
 
 #include <cstdint>
+#include <type_traits>
 
-// An intrinsic is inlined only into a function for the same processors.
+// An intrinsic is inlined only into a function of the same target.
 #define QUORIN_AVX512 [[gnu::target("avx512f,avx512dq")]]
 
 namespace quorin::core {
 
 namespace {
 
-// Without optimisation the intrinsics are macros, whose masks change sign in our lines.
+// Without optimisation the intrinsics are macros that convert the sign of a mask.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wsign-conversion"
 
+// Numbers that one round of the loop takes.
+constexpr std::size_t together = 32;
+
 constexpr int truncated = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
-// Classes of numbers, as the instruction names them.
-constexpr int nan = 0x81;
+// Classes of numbers, in the encoding of the instruction.
+constexpr int signalling_nan = 0x80;
+constexpr int nan = signalling_nan | 0x01;
 constexpr int infinite = 0x18;
 
-// A bit for each number.
+// Results have one bit a number.
 struct Double {
     using Numbers = __m512d;
     QUORIN_AVX512 static Numbers load(const double* at) { return _mm512_loadu_pd(at); }
@@ -32,8 +37,8 @@ struct Double {
     QUORIN_AVX512 static std::uint32_t is(Numbers x) {
         return _mm512_fpclass_pd_mask(x, Classes);
     }
-    // Of a NaN this is false, as every ordered comparison. Rounding is masked, with all bits set, since gcc takes what
-    // would stand in the other places for uninitialised.
+    // False for NaN, as every ordered comparison. Rounding is masked with all bits set: g++ reports the unmasked form
+    // as a use of uninitialised memory.
     QUORIN_AVX512 static std::uint32_t fraction(Numbers x) {
         constexpr __mmask8 all = 0xff;
         return _mm512_cmp_pd_mask(x, _mm512_maskz_roundscale_pd(all, x, truncated), _CMP_NEQ_OQ);
@@ -57,12 +62,12 @@ struct Single {
 
 enum class Fractions { count, do_not_count };
 
-// Whether any number is of these classes, or has a fraction where that counts.
+// Whether any number is of these classes or, if those count, has a fraction.
 template <class Ops, int Classes, Fractions WithFraction, class Float>
 [[gnu::flatten]] QUORIN_AVX512 bool any(const Float* at, std::size_t size) {
     constexpr std::size_t lanes = sizeof(typename Ops::Numbers) / sizeof(Float);
-    static_assert(Avx512::together % (2 * lanes) == 0);
-    // The processor alone fetches from the second level too late for this loop.
+    static_assert(together % (2 * lanes) == 0);
+    // The hardware prefetcher fetches from the second level too late for this loop.
     constexpr std::size_t ahead = 16 * lanes;
     std::uint32_t found = 0;
     for (std::size_t i = 0; i < size; i += 2 * lanes) {
@@ -76,32 +81,33 @@ template <class Ops, int Classes, Fractions WithFraction, class Float>
     return found != 0;
 }
 
+template <class Float>
+using OpsOf = std::conditional_t<std::is_same_v<Float, double>, Double, Single>;
+
+template <class Float, int classes, Fractions fractions, auto same>
+bool any_of(const StridedMemory& numbers) noexcept {
+    return any_wide<Float>(numbers, together, any<OpsOf<Float>, classes, fractions, Float>,
+                           baseline_tests<Float>().*same);
+}
+
 }  // namespace
 
-template <>
-bool WideQuestions<Avx512>::any_null(const double* at, std::size_t size) noexcept {
-    return any<Double, nan, Fractions::do_not_count>(at, size);
+template <class Float>
+const NumberTests<Float>& avx512_tests() noexcept {
+    using Tests = NumberTests<Float>;
+    constexpr Fractions count = Fractions::count;
+    constexpr Fractions do_not_count = Fractions::do_not_count;
+    static constexpr Tests tests{
+        .any_null = any_of<Float, nan, do_not_count, &Tests::any_null>,
+        .any_signalling_nan = any_of<Float, signalling_nan, do_not_count, &Tests::any_signalling_nan>,
+        .any_fraction_or_infinite = any_of<Float, infinite, count, &Tests::any_fraction_or_infinite>,
+        .any_doubtful = any_of<Float, nan | infinite, count, &Tests::any_doubtful>,
+    };
+    return tests;
 }
-template <>
-bool WideQuestions<Avx512>::any_null(const float* at, std::size_t size) noexcept {
-    return any<Single, nan, Fractions::do_not_count>(at, size);
-}
-template <>
-bool WideQuestions<Avx512>::any_doubtful(const double* at, std::size_t size) noexcept {
-    return any<Double, nan | infinite, Fractions::count>(at, size);
-}
-template <>
-bool WideQuestions<Avx512>::any_doubtful(const float* at, std::size_t size) noexcept {
-    return any<Single, nan | infinite, Fractions::count>(at, size);
-}
-template <>
-bool WideQuestions<Avx512>::any_fraction_or_infinite(const double* at, std::size_t size) noexcept {
-    return any<Double, infinite, Fractions::count>(at, size);
-}
-template <>
-bool WideQuestions<Avx512>::any_fraction_or_infinite(const float* at, std::size_t size) noexcept {
-    return any<Single, infinite, Fractions::count>(at, size);
-}
+
+template const NumberTests<double>& avx512_tests<double>() noexcept;
+template const NumberTests<float>& avx512_tests<float>() noexcept;
 
 }  // namespace quorin::core
 

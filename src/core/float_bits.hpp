@@ -1,0 +1,28 @@
+// Floats as bits. Only operations on the bits tell a signalling NaN from a quiet one: arithmetic and the conversion of
+// float to double make it quiet.
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace quorin::core {
+
+template <class Float>
+using BitsOf = std::conditional_t<sizeof(Float) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
+
+// Of a NaN; it is 0 in a signalling one.
+template <class Float>
+constexpr BitsOf<Float> quiet_bit = BitsOf<Float>{1} << (std::numeric_limits<Float>::digits - 2);
+
+// infinity < bits < infinity + quiet bit, without the sign.
+template <class Float>
+constexpr bool is_signalling_nan(Float value) noexcept {
+    using Bits = BitsOf<Float>;
+    constexpr Bits infinity = std::bit_cast<Bits>(std::numeric_limits<Float>::infinity());
+    const Bits magnitude = std::bit_cast<Bits>(value) & ~(Bits{1} << (8 * sizeof(Bits) - 1));
+    return static_cast<Bits>(magnitude - infinity - 1) < quiet_bit<Float> - 1;
+}
+
+}  // namespace quorin::core
