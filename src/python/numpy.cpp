@@ -43,6 +43,14 @@ Ref new_zeros(std::size_t size, int type, Where where) {
     return Ref::take(PyArray_ZEROS(1, &shape, type, 0), where);
 }
 
+Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where) {
+    foreign_code_may_run(where);
+    const npy_intp shape = static_cast<npy_intp>(size);
+    // PyArray_NewFromDescr() takes a reference over.
+    static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
+    return Ref::take(PyArray_NewFromDescr(&PyArray_Type, dtype, 1, &shape, nullptr, nullptr, 0, nullptr), where);
+}
+
 Ref new_fixed_text(std::size_t size, std::size_t length, Where where) {
     foreign_code_may_run(where);
     // PyArray_New() would copy the dtype of texts itself; numpy 1.21 crashes there if the copy cannot be allocated.

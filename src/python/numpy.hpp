@@ -40,11 +40,12 @@ inline bool is_plain_text(Object value) noexcept {
 Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 Ref new_array(std::size_t size, int type, Where where = Where::current());
 Ref new_zeros(std::size_t size, int type, Where where = Where::current());
+// Elements that are objects are null, which numpy reads as None.
+Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 // Text of `length` characters, at least one; the characters are not initialised.
 Ref new_fixed_text(std::size_t size, std::size_t length, Where where = Where::current());
 // Objects, of any number of dimensions; the places are empty (null).
 Ref new_objects(std::span<const npy_intp> shape, Where where = Where::current());
-
 
 // Returns np.<name>, an alias of a built-in type that newer versions of numpy have removed, or `builtin` if numpy does
 // not hold it, without numpy's warning or error.

@@ -77,25 +77,62 @@ std::uint32_t hash_text(const TextView& text) noexcept {
 // Tables are at most half full, so that probes are short. Small tables double. Larger ones grow to the number of
 // distinct texts that the rows so far predict, because copying a table once is cheaper than copying it at each
 // doubling; the growth is limited, because the first rows may differ from the others.
-void TextTable::grow(std::size_t rows_so_far) {
+std::size_t TextTable::grown_size(std::size_t entries, std::size_t rows_so_far) const noexcept {
     constexpr std::size_t small = 4096;
     constexpr std::size_t most_at_once = 64;
-    std::size_t size = slots_.size() * 2;
-    if (size > small) {
-        const double expected =
-            static_cast<double>(entries_.size()) * static_cast<double>(rows_) / static_cast<double>(rows_so_far);
-        const auto slots = static_cast<std::size_t>(2 * expected) + 2 * block;
-        size = std::bit_ceil(std::clamp(slots, size, slots_.size() * most_at_once));
-        entries_.reserve(size / 2);
+    const std::size_t doubled = std::max(slots_.size() * 2, std::bit_ceil(2 * entries));
+    if (doubled <= small) return doubled;
+    const double expected =
+        static_cast<double>(entries_.size()) * static_cast<double>(rows_) / static_cast<double>(rows_so_far);
+    const auto slots = static_cast<std::size_t>(2 * expected) + 2 * block;
+    return std::bit_ceil(std::clamp(slots, doubled, std::max(doubled, slots_.size() * most_at_once)));
+}
+
+void TextTable::move(const Slot* from, const Slot* end, std::vector<Slot>& to) noexcept {
+    for (; from != end; ++from) {
+        if (from->number == none) continue;
+        std::size_t slot = from->hash & (to.size() - 1);
+        while (to[slot].number != none) slot = (slot + 1) & (to.size() - 1);
+        to[slot] = *from;
     }
-    std::vector<Slot> old(size, empty);
-    old.swap(slots_);
-    for (const Slot& entry : old) {
-        if (entry.number == none) continue;
-        std::size_t slot = entry.hash & (slots_.size() - 1);
-        while (slots_[slot].number != none) slot = (slot + 1) & (slots_.size() - 1);
-        slots_[slot] = entry;
+}
+
+void TextTable::grow(std::size_t rows_so_far) {
+    std::vector<Slot> slots(grown_size(entries_.size() + 1, rows_so_far), empty);
+    entries_.reserve(slots.size() / 2);
+    move(slots_.data(), slots_.data() + slots_.size(), slots);
+    slots_.swap(slots);
+}
+
+bool TextTable::make_room(std::size_t more, std::size_t rows_so_far) {
+    // Memory that is new to the process is slow: 1 MB of slots or entries takes about a millisecond.
+    constexpr std::size_t step = 1U << 15U;
+    if (!growth_) {
+        if (2 * (entries_.size() + more) <= slots_.size()) return true;
+        growth_.emplace();
+        growth_->size = grown_size(entries_.size() + more, rows_so_far);
+        growth_->slots.reserve(growth_->size);
+        growth_->entries.reserve(growth_->size / 2);
+        return false;
     }
+    Growth& growth = *growth_;
+    if (growth.slots.size() < growth.size) {
+        growth.slots.resize(std::min(growth.size, growth.slots.size() + 4 * step), empty);
+    } else if (growth.moved < slots_.size()) {
+        const std::size_t last = std::min(slots_.size(), growth.moved + 2 * step);
+        move(slots_.data() + growth.moved, slots_.data() + last, growth.slots);
+        growth.moved = last;
+    } else if (growth.entries.size() < entries_.size()) {
+        const auto first = entries_.begin() + static_cast<std::ptrdiff_t>(growth.entries.size());
+        const std::size_t left = entries_.size() - growth.entries.size();
+        growth.entries.insert(growth.entries.end(), first, first + static_cast<std::ptrdiff_t>(std::min(left, step)));
+    } else {
+        slots_.swap(growth.slots);
+        entries_.swap(growth.entries);
+        growth_.reset();
+        return true;
+    }
+    return false;
 }
 
 // For texts that are not in the slot of their hash.

@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/cells/cells.hpp"
@@ -36,8 +38,16 @@ class TextTable {
     void add(const Block& texts);
     // Adds one text; returns the number of its entry.
     std::uint32_t add(const TextView& text, std::size_t row);
+    // For long columns: makes room for so many more entries in steps of a few milliseconds. Returns false after each
+    // step but the last, and reads no text. Nothing may be added between two steps.
+    bool make_room(std::size_t more, std::size_t rows_so_far);
     // In the order of their first occurrence.
     [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }
+    // The same. Frees the rest of the table, to which nothing may be added any more.
+    [[nodiscard]] std::vector<DistinctText> take_entries() noexcept {
+        std::vector<Slot>().swap(slots_);
+        return std::move(entries_);
+    }
 
   private:
     static constexpr std::uint32_t none = 0xffffffffU;
@@ -47,13 +57,23 @@ class TextTable {
         std::uint32_t hash;
     };
     static constexpr Slot empty{none, 0};
+    // A larger table, while it is made.
+    struct Growth {
+        std::vector<Slot> slots;
+        std::vector<DistinctText> entries;
+        std::size_t size;       // of `slots` when they are complete
+        std::size_t moved = 0;  // slots
+    };
 
+    [[nodiscard]] std::size_t grown_size(std::size_t entries, std::size_t rows_so_far) const noexcept;
+    static void move(const Slot* from, const Slot* end, std::vector<Slot>& to) noexcept;
     void grow(std::size_t rows_so_far);
     std::uint32_t find_or_add(const TextView& text, std::uint32_t hash, std::size_t row);
 
     std::size_t rows_;
     std::vector<Slot> slots_;
     std::vector<DistinctText> entries_;
+    std::optional<Growth> growth_;
 };
 
 // Adds the texts of the rows `first` to `last` - 1 that are not skipped. False if one of these is not a text.

@@ -10,19 +10,18 @@ namespace {
 // The value of texts that are not ASCII.
 constexpr std::uint64_t not_ascii = ~std::uint64_t{0};
 
-bool has_only_ascii(TextView text) noexcept {
-    std::uint32_t all = 0;
-    for (std::size_t i = 0; i < text.size; ++i) all |= unit(text, i);
-    return all <= 0x7f;
-}
-
 // The last characters, up to eight, the first of them lowest.
 std::uint64_t value_of(TextView text) noexcept {
-    if (!text.is_ascii() && !has_only_ascii(text)) return not_ascii;
-    std::uint64_t value = 0;
     const std::size_t start = text.size <= 8 ? 0 : text.size - 8;
-    for (std::size_t i = text.size; i > start; --i) value = value << 8U | unit(text, i - 1);
-    return value;
+    std::uint32_t all = 0;
+    for (std::size_t i = 0; i < start; ++i) all |= unit(text, i);
+    std::uint64_t value = 0;
+    for (std::size_t i = start; i < text.size; ++i) {
+        const std::uint32_t c = unit(text, i);
+        all |= c;
+        value |= std::uint64_t{c} << (8 * (i - start));
+    }
+    return all <= 0x7f ? value : not_ascii;
 }
 
 std::size_t size_in_utf8(std::uint32_t c) noexcept {
@@ -56,7 +55,7 @@ std::uint32_t first_in_utf8(std::uint32_t c) noexcept {
 void ReferenceTexts::add_to_filter(std::size_t size, std::uint32_t first) noexcept {
     if (size >= sizes) return;
     if (!has_size(size)) {
-        sizes_ |= std::uint64_t{1} << size;
+        sizes_ |= std::uint32_t{1} << size;
         firsts_[size] = 0;
         heads_[size] = none;
     }
@@ -68,7 +67,8 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
     const auto number = static_cast<std::uint8_t>(texts_.size());
     const std::size_t length = length_of(text);
     if (length >= sizes) return false;
-    const bool ascii = has_only_ascii(text);
+    const std::uint64_t value = value_of(text);
+    const bool ascii = value != not_ascii;
     const std::uint32_t first = length == 0 ? 0 : first_character(text);
     add_to_filter(length, first);
     longest_ = std::max(longest_, length);
@@ -83,7 +83,7 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
     // stalls store forwarding.
     const bool bytes = ascii && text.width == 1 && !text.is_padded();
     texts_.push_back({text.characters, text.size, text.width, bytes ? Encoding::ascii : text.encoding});
-    values_.push_back({value_of(text), heads_[length]});
+    values_.push_back({value, heads_[length]});
     heads_[length] = number;
     return true;
 }
@@ -91,7 +91,6 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
 ReferenceBits ReferenceTexts::find_filtered(const void* characters, std::size_t size, int width,
                                             Encoding encoding) const noexcept {
     const TextView text{characters, size, width, encoding};
-    if (text.is_padded() && size <= 8) return find_value(short_text(text), size);
     const std::uint64_t value = value_of(text);
     if (value == not_ascii && text.is_utf8()) {
         ReferenceBits found = 0;

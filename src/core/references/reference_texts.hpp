@@ -19,16 +19,17 @@ constexpr std::size_t most_references = 64;
 class ReferenceTexts {
   public:
     ReferenceTexts() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `firsts_`
-    // False if the set is full, or the text has more than 63 characters.
+    // False if the set is full, or the text has more than 31 characters.
     bool add(const TextView& text) noexcept;
     // The bits of the references that the text equals. Most texts differ from all of them in size or first unit, so
     // that the number of references does not matter.
     [[nodiscard]] ReferenceBits find(TextView text) const noexcept {
-        if (has_size(text.size)) {
+        if (!has_size(text.size)) {
+            if (!text.is_utf8() || text.size < sizes || text.size > longest_) return 0;
+        } else {
             if (text.size == 0) return empty_;
             if (!has_first(text.size, unit(text, 0))) return 0;
-        } else if (!text.is_utf8() || text.size < sizes) {
-            return 0;
+            if (text.is_padded() && text.size <= 8) return find_value(short_text(text), text.size);
         }
         return find_filtered(text.characters, text.size, text.width, text.encoding);
     }
@@ -41,7 +42,7 @@ class ReferenceTexts {
     [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
 
   private:
-    static constexpr std::size_t sizes = 64;
+    static constexpr std::size_t sizes = 32;
     static constexpr std::uint8_t none = most_references;
 
     [[nodiscard]] bool has_size(std::size_t size) const noexcept { return size < sizes && (sizes_ >> size & 1U) != 0; }
@@ -65,7 +66,7 @@ class ReferenceTexts {
                                               Encoding encoding) const noexcept;
     void add_to_filter(std::size_t size, std::uint32_t first) noexcept;
 
-    std::uint64_t sizes_ = 0;      // bits of the sizes that occur: in characters, in bytes of UTF-8
+    std::uint32_t sizes_ = 0;      // bits of the sizes that occur: in characters, in bytes of UTF-8
     ReferenceBits empty_ = 0;      // of the empty texts
     ReferenceBits not_ascii_ = 0;  // of the texts that are not ASCII
     std::size_t longest_ = 0;

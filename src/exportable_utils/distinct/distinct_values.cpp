@@ -6,8 +6,8 @@
 
 #include "core/column.hpp"
 #include "core/distinct/key_order.hpp"
+#include "core/distinct/long_text_order.hpp"
 #include "core/distinct/number_table.hpp"
-#include "core/distinct/text_order.hpp"
 #include "exportable_utils/distinct/distinct_numbers.hpp"
 #include "python/errors.hpp"
 
@@ -20,15 +20,18 @@ using Order = std::vector<std::uint32_t>;  // numbers of entries
 // Sorted entries are spread over memory.
 constexpr std::size_t prefetched = 16;
 
+// Entries are spread over memory: so many take a few milliseconds.
+constexpr std::size_t entries_between_signals = std::size_t{1} << 14U;
+
 // Puts an object in a place of an array of objects, which holds None or null so far.
 void put(char* place, Ref object) noexcept {
     Ref::adopt(std::exchange(*reinterpret_cast<PyObject**>(place), object.give()));
 }
 
 Ref array_of_objects(PyArray_Descr* dtype, const Order& order, std::vector<Ref>& objects) {
-    Ref array = new_array(order.size(), dtype);
+    Ref array = new_nulls(order.size(), dtype);
     char* out = PyArray_BYTES(as_array(array));
-    in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i, out += sizeof(PyObject*)) put(out, std::move(objects[order[i]]));
         return true;
     });
@@ -40,7 +43,7 @@ Ref array_of_fixed_texts(const ColumnSource& column, PyArray_Descr* dtype, const
                          const Order& order) {
     Ref array = new_array(order.size(), dtype);
     char* out = PyArray_BYTES(as_array(array));
-    const bool done = in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    const bool done = in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         const std::optional<ArrayColumn> texts = column.borrow();
         if (!texts) return false;
         for (std::size_t i = first; i < last; ++i, out += texts->width) {
@@ -56,7 +59,7 @@ template <class Entry>
 Ref array_of_counts(const std::vector<Entry>& entries, const Order& order) {
     Ref array = new_array(order.size(), NPY_INTP);
     auto* counts = reinterpret_cast<npy_intp*>(PyArray_BYTES(as_array(array)));
-    in_blocks(order.size(), [&](std::size_t first, std::size_t last) {
+    in_blocks_of(entries_between_signals, order.size(), [&](std::size_t first, std::size_t last) {
         for (std::size_t i = first; i < last; ++i) {
             if (i + prefetched < last) __builtin_prefetch(&entries[order[i + prefetched]]);
             counts[i] = static_cast<npy_intp>(entries[order[i]].count);
@@ -132,48 +135,37 @@ std::optional<ValuesAndCounts> sorted_objects(const ColumnSource& column, const 
     const bool alike = std::all_of(tally.entries().begin(), tally.entries().end(),
                                    [](const ObjectTally::Entry& entry) { return entry.alike; });
     if (!alike) return std::nullopt;
-    return arrays_of(column, tally.entries(), core::ascending(tally.texts()), tally.objects());
+    SignalTimer timer;
+    const Order order = core::ascending_in_steps(tally.texts(), [&] {
+        timer.poll();
+        return true;
+    });
+    return arrays_of(column, tally.entries(), order, tally.objects());
 }
 
 std::optional<ValuesAndCounts> sorted_texts(const ColumnSource& column, DistinctTexts& texts) {
+    const std::vector<core::DistinctText> entries = texts.take_entries();
     Order order;
     {
-        const LongBorrow borrow(column);
+        LongBorrow borrow(column);
         if (!borrow.column()) return std::nullopt;
-        order = core::ascending(texts.entries());
+        order = core::ascending_in_steps(entries, [&] { return borrow.pause(); });
     }
-    return arrays_of(column, texts.entries(), order, texts.objects());
+    return arrays_of(column, entries, order, texts.objects());
 }
 
-enum class Kinds {
-    texts,
-    others,      // not only exact str
-    unsortable,  // texts beside another type
-    changed
-};
+// Whether an ObjectTally may be able to sort a column that starts with a text, of which `row` and the rows behind it
+// are not hashed yet: the next element that is not a str has to be a text scalar of numpy.
+bool has_text_scalar_next(const ColumnSource& column, const ExcludedRows& excluded, std::size_t row) {
+    const std::optional<ArrayColumn> objects = column.borrow();
+    if (!objects || objects->storage != Storage::objects) return false;
+    while (row < objects->rows && (excluded.has(row) || is_exact_text(objects->object(row)))) ++row;
+    return row < objects->rows && objects->object(row) != nullptr && is_plain_text(objects->object(row));
+}
 
-// Hashes the texts of a column. `others` if an ObjectTally may still be able to sort it.
-Kinds hash_texts(const ColumnSource& column, const ExcludedRows& excluded, DistinctTexts& texts) {
-    Kinds kinds = Kinds::changed;
-    const auto kinds_from = [&](const ArrayColumn& objects, std::size_t row) {
-        for (; row < objects.rows; ++row) {
-            PyObject* value = objects.object(row);
-            if (!excluded.has(row) && !is_exact_text(value)) break;
-        }
-        const bool unsortable =
-            row == objects.rows || objects.object(row) == nullptr || !is_plain_text(objects.object(row));
-        return unsortable ? Kinds::unsortable : Kinds::others;
-    };
-    const auto add = [&](const ArrayColumn& objects, std::size_t first, std::size_t last, auto skip) {
-        if (texts.add(objects, first, last, skip)) return true;
-        kinds = kinds_from(objects, first);
-        return false;
-    };
-    const bool done = column.in_blocks([&](const ArrayColumn& cells, std::size_t first, std::size_t last) {
-        if (excluded.marked() == 0) return add(cells, first, last, [](std::size_t) { return false; });
-        return add(cells, first, last, [&](std::size_t row) { return excluded.has(row); });
-    });
-    return done ? Kinds::texts : kinds;
+bool hash_texts(const ColumnSource& column, const ExcludedRows& excluded, DistinctTexts& texts) {
+    if (excluded.marked() == 0) return texts.add_all(column, [](std::size_t) { return false; });
+    return texts.add_all(column, [&](std::size_t row) { return excluded.has(row); });
 }
 
 // Whether the first element that is not excluded is a text.
@@ -223,9 +215,8 @@ std::optional<ValuesAndCounts> distinct_values(const ColumnSource& column, const
     if (KnownUnsortable::is(column.array())) return std::nullopt;
     if (starts_with_text(column, excluded)) {
         DistinctTexts texts(column.rows());
-        const Kinds kinds = hash_texts(column, excluded, texts);
-        if (kinds == Kinds::texts) return sorted_texts(column, texts);
-        if (kinds != Kinds::others) return std::nullopt;
+        if (hash_texts(column, excluded, texts)) return sorted_texts(column, texts);
+        if (!has_text_scalar_next(column, excluded, texts.added())) return std::nullopt;
     }
     return sorted_objects(column, excluded);
 }
@@ -283,7 +274,7 @@ Ref TakenElements::array(const ColumnSource& column) {
         std::copy(texts_.begin(), texts_.end(), PyArray_BYTES(as_array(array)));
         return array;
     }
-    Ref array = new_array(objects_.size(), descriptor);
+    Ref array = new_nulls(objects_.size(), descriptor);
     char* out = PyArray_BYTES(as_array(array));
     for (Ref& object : objects_) {
         put(out, std::move(object));

@@ -4,6 +4,7 @@
 // borrowed. They return nothing, or an empty Ref, if numpy's result cannot be computed here or if the column changes.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <vector>
@@ -104,14 +105,37 @@ class DistinctTexts {
         take_objects(column, entries(), objects_);
         return true;
     }
+    // Adds all rows of a column. False as for add(), or if the column changes.
+    template <class Skip>
+    bool add_all(const ColumnSource& column, Skip skip) {
+        constexpr std::size_t step = rows_between_signals / 4;
+        const std::size_t rows = column.rows();
+        const bool is_long = rows > rows_between_signals;
+        return in_blocks_of(is_long ? step : rows, rows, [&](std::size_t first, std::size_t last) {
+            if (is_long) make_room(last - first, last);
+            const std::optional<ArrayColumn> texts = column.borrow();
+            if (!texts || !add(*texts, first, last, skip)) return false;
+            added_ = last;
+            return true;
+        });
+    }
+    // Grows the table in steps, between which signals are answered.
+    void make_room(std::size_t more, std::size_t rows_so_far) {
+        SignalTimer timer;
+        while (!table_.make_room(more, rows_so_far)) timer.poll();
+    }
+    // The rows that add_all() has added.
+    [[nodiscard]] std::size_t added() const noexcept { return added_; }
     // Of fixed-width text the entries view the array's memory; check that it has not changed before reading them.
     [[nodiscard]] const std::vector<core::DistinctText>& entries() const noexcept { return table_.entries(); }
+    [[nodiscard]] std::vector<core::DistinctText> take_entries() noexcept { return table_.take_entries(); }
     // The object of each entry, for a column of objects.
     [[nodiscard]] std::vector<Ref>& objects() noexcept { return objects_; }
 
   private:
     core::TextTable table_;
     std::vector<Ref> objects_;
+    std::size_t added_ = 0;
 };
 
 }  // namespace quorin::distinct

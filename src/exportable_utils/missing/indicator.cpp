@@ -11,17 +11,18 @@ namespace quorin::missing {
 
 namespace {
 
-struct Found {
+struct FoundReferences {
     Ref masks = list({});
-    Ref markers = list({});
+    Ref values = list({});
 };
 
-// One pass over the column for each marker, in the order of the list.
-Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag, Object debug) {
-    Found found;
+// One pass over the column for each value of the list.
+FoundReferences find_references(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag,
+                                Object debug) {
+    FoundReferences found;
     Local numpy_isin_start{"numpy_isin_start"_py};
-    const Ref markers = iterate(missing_values_list);
-    while (const Ref missing_value = next(markers)) {
+    const Ref references = iterate(missing_values_list);
+    while (const Ref missing_value = next(references)) {
         if (truth(debug)) {
             numpy_isin_start = now();
             print(concat(
@@ -30,22 +31,22 @@ Found try_markers(Object X, Object missing_values_list, Object stop_at_one_missi
         const Ref missing_mask = global("numpy_isin"_py)({X, list({missing_value})});
         const Ref missing_value_found = global("np"_py).attr("any"_py)({missing_mask});
         if (truth(missing_value_found)) {
-            append(found.markers, missing_value);
+            append(found.values, missing_value);
             append(found.masks, missing_mask);
             if (truth(stop_at_one_missing_value_flag)) break;
         }
         if (truth(debug)) {
-            const Ref told =
+            const Ref message =
                 concat({"numpy_compute_missing_indicator():missing_value="_py, text_of(missing_value), " found: "_py,
                         text_of(missing_value_found), "\nelapsed_time: numpy_isin_elapsed_end(s): "_py});
             const Ref end = now();
-            print(concat({told, text_of(subtract(end, numpy_isin_start.get()))}));
+            print(concat({message, text_of(subtract(end, numpy_isin_start.get()))}));
         }
     }
     return found;
 }
 
-// Where no marker occurs the list holds the rows of the mask, one by one.
+// If no reference occurs, the list of masks holds the elements of the all-false mask.
 Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
@@ -66,7 +67,7 @@ Ref all_false(std::size_t rows) {
     return values;
 }
 
-// The first mask itself where it is the only one.
+// The union of the masks. If there is only one, that mask itself.
 Ref cumulated(Object masks) {
     Ref cum_missing_mask_arr;
     const Ref iterator = iterate(masks);
@@ -143,8 +144,8 @@ Examples
             print(concat({"numpy_compute_missing_indicator(): Column: "_py, text_of(first_rows(X, capped_row_count(X))),
                           "\n\n"_py}));
         }
-        const Found found = try_markers(X, missing_values_list, stop_at_one_missing_value_flag, debug);
-        if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.markers});
+        const FoundReferences found = find_references(X, missing_values_list, stop_at_one_missing_value_flag, debug);
+        if (length(found.masks) > 0) return tuple({cumulated(found.masks), found.masks, found.values});
         return nothing_found(global("np"_py).attr("zeros"_py)({tuple({row_count(X)})}, {{"dtype"_py, &PyBool_Type}}));
     },
 };

@@ -12,7 +12,7 @@ namespace quorin::missing {
 
 namespace {
 
-// The sorting of texts beside values of another kind.
+// numpy's error when it sorts texts beside values of another type.
 bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
@@ -93,7 +93,7 @@ array(['a', 'b'], dtype=object)
                Object fast_str_conversion_flag) -> Ref {
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
-        // What the native route has found out about the values holds until they are converted to text.
+        // Values that cannot be sorted natively are not sorted again before they are converted to text.
         bool unsortable = false;
         const auto unique_natively = [&](Object values, Object excluded) -> Ref {
             if (!plain_question || unsortable) return {};
@@ -124,7 +124,7 @@ array(['a', 'b'], dtype=object)
             }
             global("QSR_raise_exception"_py)({}, {{"exception_obj"_py, e}, {"exception_trace_flag"_py, true}});
         }
-        // Whoever put a routine that returns in its place is told that there is no result.
+        // Only reached if QSR_raise_exception was replaced by a function that returns.
         fail_unbound("result"_py);
     },
 };
