@@ -118,7 +118,7 @@ std::vector<Ref> dictionaries_of(PyObject* owner) {
 
 // The names that are looked up on the way to the date test only.
 bool leads_to_date_test(std::string_view dotted) {
-    return dotted == "FC" || dotted.substr(0, 3) == "FC." || dotted == "FCplus.is_column_string_in_datetime_format";
+    return dotted == "FC" || dotted.starts_with("FC.") || dotted == "FCplus.is_column_string_in_datetime_format";
 }
 
 // Records every part of a dotted name. Returns false if a part is an attribute of an object that is neither a module
