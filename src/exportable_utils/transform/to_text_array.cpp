@@ -150,6 +150,8 @@ Ref text_of_ascii_number(std::string_view characters) {
 }
 
 Ref scalar_text_object(PyObject* value) {
+    // Constants of the interpreter.
+    if (value == Py_None || PyBool_Check(value)) return Ref::take(Py_TYPE(value)->tp_repr(value));
     FloatText room;
     const std::string_view text = scalar_text(value, room);
     if (!text.empty()) return text_of_ascii_number(text);
