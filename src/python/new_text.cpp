@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/text/label_text.hpp"
+#include "python/borrow.hpp"
 #include "python/errors.hpp"
 #include "python/inputs/array_column.hpp"
 
@@ -60,6 +61,7 @@ Ref new_text(core::TextView text) {
 }
 
 Ref text_scalar(Object text) {
+    foreign_code_may_run();
     const Ref arguments = Ref::take(PyTuple_Pack(1, text.get()));
     return Ref::take(PyUnicode_Type.tp_new(&PyUnicodeArrType_Type, arguments.get(), nullptr));
 }

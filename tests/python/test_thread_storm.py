@@ -78,7 +78,8 @@ class Storm:
         self.resized = column_of(CELLS["numbers as text"], rng)
         self.frame = pd.DataFrame(self.cells_of_frame, copy=False)
         self.table = np.array([self.others[1]] * 3).T.copy()
-        self.markers = ["?", "", "-", float("nan")]
+        self.markers = ["?", "", "-", None, float("nan"), 1] + [fresh("word", i) for i in range(6)]
+        self.old_markers = []
         self.replaced = []
         self.done = False
         self.writers = [
@@ -107,11 +108,13 @@ class Storm:
             self.change()
 
     def replace_markers(self):
-        """The old markers end, and bytes of the same size take their memory."""
-        del self.markers[:]
-        self.junk = [b"junk" + bytes(size) for size in range(1, 24)] * 2
-        words = [fresh("word", self.random.randrange(40)) for _ in range(6)]
-        self.markers[:] = ["?", "", "-", None, float("nan"), 1] + words
+        """Replace the words among the markers. The length stays, and the old words stay alive.
+
+        The interpreter route hands the list to numpy.asarray() and pandas.isnull(). numpy reads
+        borrowed elements of a list and crashes if they end, or if the list shrinks, meanwhile.
+        """
+        self.old_markers.append(self.markers[6:])
+        self.markers[6:] = [fresh("word", self.random.randrange(40)) for _ in range(6)]
 
     def write_cells(self):
         """Replace all cells by one text that nobody else holds, or by those of the beginning."""

@@ -11,6 +11,7 @@
 #include "core/text/digest.hpp"
 #include "core/text/label_text.hpp"
 #include "exportable_utils/references/list_membership.hpp"
+#include "exportable_utils/transform/to_text.hpp"
 #include "python/inputs/column_source.hpp"
 #include "python/inputs/object_slots.hpp"
 #include "python/module_names.hpp"
@@ -65,15 +66,13 @@ class Labels {
         TextView text{};
         if (cells_.read(row, text) == core::Cell::text) return core::without_zeros_at_end(text);
         PyObject* value = column_.object(row);
-        if (value == nullptr || !has_plain_str(value)) return std::nullopt;
-        made_.push_back(Ref::take(PyObject_Str(value)));
+        Ref made = value == nullptr ? Ref{} : scalar_text_object(value);
+        if (!made) return std::nullopt;
+        made_.push_back(std::move(made));
         return text_view_of(made_.back().get());
     }
 
   private:
-    static bool has_plain_str(PyObject* value) noexcept {
-        return value == Py_None || PyFloat_CheckExact(value) || PyLong_CheckExact(value) || PyBool_Check(value);
-    }
     ArrayColumn column_;
     ObjectCells cells_;
     std::vector<Ref> made_;

@@ -52,10 +52,10 @@ class FloatWriter {
         return true;
     }
     bool on_integer(std::size_t row, PyObject* value) noexcept {
-        out_[row] = PyLong_AsDouble(value);
-        if (out_[row] != -1.0 || PyErr_Occurred() == nullptr) return true;
-        PyErr_Clear();
-        return false;
+        // Not PyLong_AsDouble(): making its OverflowError may start garbage collection, which is foreign code.
+        int overflow = 0;
+        out_[row] = static_cast<double>(PyLong_AsLongLongAndOverflow(value, &overflow));
+        return overflow == 0;
     }
     bool on_text(std::size_t row, core::TextView text) {
         const std::optional<double> value = float_of(text);

@@ -16,7 +16,14 @@ Ref native_text_array(Object X);
 Ref native_text_in_place(Object X);
 
 // str() of None or of an exact float, int or bool; empty for anything else. The characters are in `room` or constant.
+// An integer of more than 64 bits is anything else.
 std::string_view scalar_text(PyObject* value, core::FloatText& room);
+
+// The same as a new str, for borrowed columns. PyObject_Str() is foreign code even for these types: it answers signals,
+// and so does the conversion of an int.
+Ref scalar_text_object(PyObject* value);
+// A new str of one digit; ascii_text() returns one that is shared, str() of an int does not.
+Ref text_of_ascii_number(std::string_view characters);
 
 // Whether numpy's str() of a float64 is the same as Python's. It is not after np.set_printoptions(legacy="1.13").
 bool numpy_writes_all_digits();

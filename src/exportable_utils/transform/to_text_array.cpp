@@ -9,6 +9,7 @@
 
 #include "python/inputs/column_source.hpp"
 #include "python/native_route.hpp"
+#include "python/new_text.hpp"
 #include "python/operations.hpp"
 
 namespace quorin::transform {
@@ -139,6 +140,22 @@ std::string_view scalar_text(PyObject* value, FloatText& room) {
     if (overflow != 0) return {};
     const char* end = std::to_chars(room.data(), room.data() + room.size(), whole).ptr;
     return {room.data(), static_cast<std::size_t>(end - room.data())};
+}
+
+Ref text_of_ascii_number(std::string_view characters) {
+    if (characters.size() != 1) return ascii_text(characters);
+    Ref text = Ref::take(PyUnicode_New(1, 0x7f));
+    *(reinterpret_cast<char*>(text.get()) + sizeof(PyASCIIObject)) = characters.front();
+    return text;
+}
+
+Ref scalar_text_object(PyObject* value) {
+    // Constants of the interpreter.
+    if (value == Py_None || PyBool_Check(value)) return Ref::take(Py_TYPE(value)->tp_repr(value));
+    FloatText room;
+    const std::string_view text = scalar_text(value, room);
+    if (!text.empty()) return text_of_ascii_number(text);
+    return PyFloat_CheckExact(value) ? Ref::take(PyFloat_Type.tp_repr(value)) : Ref{};
 }
 
 bool numpy_writes_all_digits() {

@@ -1,7 +1,10 @@
 #include "exportable_utils/transform/to_text.hpp"
 
+#include <array>
 #include <charconv>
 #include <cmath>
+#include <cstdio>
+#include <string_view>
 #include <vector>
 
 #include "python/inputs/column_source.hpp"
@@ -14,24 +17,26 @@ namespace quorin::transform {
 
 namespace {
 
-using core::FloatText;
-
 // A double of at least this size does not fit 64 bits.
 constexpr double whole_limit = 9223372036854775808.0;  // 2 ** 63
 
-// str(int(number)). Texts of one digit are made by the interpreter, which may share them.
+// -1.7976931348623157e308 has a sign and 309 digits.
+using WholeText = std::array<char, 312>;
+
+// str(int(number)), made without foreign code: the conversion of an int to text answers signals.
 Ref whole_text(double number) {
-    const bool one_digit = number > -1 && number < 10;
-    if (std::fabs(number) < whole_limit && !one_digit) {
-        FloatText room;
+    WholeText room;
+    std::size_t size = 0;
+    if (std::fabs(number) < whole_limit) {
         const char* end = std::to_chars(room.data(), room.data() + room.size(), static_cast<long long>(number)).ptr;
-        return ascii_text({room.data(), static_cast<std::size_t>(end - room.data())});
+        size = static_cast<std::size_t>(end - room.data());
+    } else {
+        size = static_cast<std::size_t>(std::snprintf(room.data(), room.size(), "%.0f", number));
     }
-    const Ref whole = Ref::take(PyLong_FromDouble(number));
-    return Ref::take(PyObject_Str(whole.get()));
+    return text_of_ascii_number({room.data(), size});
 }
 
-// The text that replaces a None or an exact str, float, int or bool; an empty Ref for any other object.
+// The text that replaces a None or an exact str, float, bool or int of 64 bits; an empty Ref for any other object.
 Ref text_in_place_of(PyObject* value) {
     if (value == nullptr) return {};
     if (is_exact_null(value)) return ascii_text("?");
@@ -40,14 +45,8 @@ Ref text_in_place_of(PyObject* value) {
         const double number = PyFloat_AS_DOUBLE(value);
         if (std::isnan(number)) return {};  // a signalling one: numpy warns when it is compared
         if (is_whole(number)) return whole_text(number);
-    } else if (PyBool_Check(value)) {
-        return Ref::take(PyObject_Str(value));
-    } else if (!PyLong_CheckExact(value)) {
-        return {};
     }
-    FloatText room;
-    const std::string_view text = scalar_text(value, room);
-    return text.size() < 2 ? Ref::take(PyObject_Str(value)) : ascii_text(text);
+    return scalar_text_object(value);
 }
 
 // Two passes over the rows of a part. The first one makes the texts; until it is done nothing is written. The second
