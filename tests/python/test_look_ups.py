@@ -165,21 +165,7 @@ def test_deleted_member(row, name):
     assert result_of(row) == expected
 
 
-# Defect: [np.nan] is made before get_unique_values is looked up.
-EARLY_LIST = pytest.mark.xfail(reason="np.nan is looked up before get_unique_values", strict=True)
-
-
-def is_early(row):
-    return row.routine == "numpy_whatis" and "np.nan" in row.look_ups
-
-
-@pytest.mark.parametrize(
-    "row",
-    [
-        pytest.param(row, id=row_id(row), marks=[EARLY_LIST] if is_early(row) else [])
-        for row in IN_ORDER
-    ],
-)
+@pytest.mark.parametrize("row", IN_ORDER, ids=row_id)
 def test_order(row):
     """Without the names from one place on, the name at that place is the first to be missed."""
     routine = find_routine(eu, row.routine)

@@ -18,12 +18,12 @@ from helpers.native_calls import NATIVE_CALLS
 from helpers.native_lookups import declared, is_bound, with_owners
 from helpers.routes import events_of, pass_through
 
-# check_statistics has a native route and looks nothing up. A routine that only calls another one by its
-# name, such as is_column_height, has no native route of its own and declares nothing.
+# check_statistics has a native route and looks nothing up. A routine that only calls another one by
+# its name, such as is_column_height, has no native route of its own and declares nothing.
 ROUTINES = sorted(name for name in NATIVE_CALLS if declared(name) or name.endswith("statistics"))
 
-# Both routes read this list at each call: a caller may bind the name to another list, and that does not
-# force the interpreter route.
+# Both routes read this list at each call: a caller may bind the name to another list, and that
+# does not force the interpreter route.
 READ_BY_BOTH_ROUTES = {"global_missing_values_reference_list"}
 
 

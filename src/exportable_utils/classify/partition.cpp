@@ -133,9 +133,10 @@ Partition partition_column(const Question& question, const NativeArguments& argu
         // There is no mask. NaN is not a distinct value, but its rows are not missing.
         partition.missing_reference_values_exist_list = list({});
         X_non_missing = Ref::share(X);
+        // As in any call, the callee is looked up before its arguments are made.
+        const Ref get_unique_values = global("get_unique_values"_py);
         const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});
-        take_distinct(partition,
-                      global("get_unique_values"_py)({X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
+        take_distinct(partition, get_unique_values({X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));
     }
     partition.non_missing_rows = row_count(X_non_missing);
     partition.X = std::move(X);

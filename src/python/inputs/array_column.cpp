@@ -51,7 +51,8 @@ std::optional<ArrayColumn> first_column(Object X) noexcept {
          *storage,
          static_cast<std::size_t>(PyArray_ITEMSIZE(array)),
          PyTypeNum_ISINTEGER(type) && PyTypeNum_ISSIGNED(type)},
-        array};
+        array,
+        {}};
 }
 
 std::optional<ArrayColumn> single_column(Object X) noexcept {
