@@ -35,7 +35,7 @@ def many_texts():
     return objects(*["word {}".format(i * 7919 % rows) for i in range(rows)])
 
 
-# Signals are answered at most once in 20 ms: the repeated columns are longer than any machine needs.
+# Signals are answered at most once in 20 ms. No machine is done with the repeated columns by then.
 COLUMNS = {
     "one marker": repeated(objects("?"), 160000000),
     "one text": repeated(objects("a text"), 160000000),

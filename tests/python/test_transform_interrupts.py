@@ -11,8 +11,8 @@ import pytest
 
 import quorin_libs.utils.exportable_utils as module
 
-# Signals are answered at most once in 20 ms. A call that ends without an answer is repeated with more
-# rows: up to 16 times as many.
+# Signals are answered at most once in 20 ms. A call that ends without an answer is repeated, in the
+# end with up to 16 times as many rows.
 ROWS = 1600000
 ROW_COUNTS = [ROWS * times for times in (1, 1, 1, 2, 4, 8, 16)]
 WORDS = ["label a", "x y z", "p  q", "two words"]
@@ -87,11 +87,25 @@ OUT_OF_PLACE = {
     ),
 }
 IN_PLACE = {
-    "number objects to text": lambda rows: (module.numpy_column_float2str, number_objects(rows), False),
+    "number objects to text": lambda rows: (
+        module.numpy_column_float2str,
+        number_objects(rows),
+        False,
+    ),
     "labels of objects": lambda rows: (module.compress_str_column, words(rows, "O"), ["?"]),
-    "digests of objects": lambda rows: (module.compress_str_column, words(rows, "O"), ["?"], "hash"),
+    "digests of objects": lambda rows: (
+        module.compress_str_column,
+        words(rows, "O"),
+        ["?"],
+        "hash",
+    ),
     "labels of fixed width": lambda rows: (module.compress_str_column, words(rows, "U12"), ["?"]),
-    "digests of fixed width": lambda rows: (module.compress_str_column, words(rows, "U12"), ["?"], "hash"),
+    "digests of fixed width": lambda rows: (
+        module.compress_str_column,
+        words(rows, "U12"),
+        ["?"],
+        "hash",
+    ),
 }
 
 
