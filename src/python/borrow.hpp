@@ -24,7 +24,9 @@ class Borrow {
   public:
     Borrow() noexcept { ++alive_; }
     Borrow(const Borrow& /*other*/) noexcept { ++alive_; }
+    Borrow(Borrow&& /*other*/) noexcept { ++alive_; }
     Borrow& operator=(const Borrow&) noexcept = default;
+    Borrow& operator=(Borrow&&) noexcept = default;
     ~Borrow() { --alive_; }
 
     [[nodiscard]] static bool any() noexcept { return alive_ != 0; }

@@ -29,8 +29,8 @@ void add_traceback(const char* routine, Where where) noexcept {
     PyErr_Fetch(&type, &value, &traceback);
     const auto line = static_cast<int>(where.line());
     PyCodeObject* code = PyCode_NewEmpty(where.file_name(), routine, line);
-    // The globals of the frame are visible in the traceback. They are empty before start-up, and in another interpreter,
-    // which must not see the objects of this one.
+    // The globals of the frame are visible in the traceback. They are empty before start-up, and in another
+    // interpreter, which must not see the objects of this one.
     const Ref empty = Ref::adopt(PyDict_New());
     Object globals = empty;
     if (is_own_interpreter() && module_names()) globals = module_names();

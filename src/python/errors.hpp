@@ -10,8 +10,9 @@
 
 namespace quorin {
 
-// Sets SystemError, with the interpreter's own words, if no exception is set. A function of a C library may fail without
-// setting one (numpy does if memory runs out), and CPython crashes if it adds a traceback entry to no exception.
+// Sets SystemError, with the interpreter's own words, if no exception is set. A function of a C library may fail
+// without setting one (numpy does if memory runs out), and CPython crashes if it adds a traceback entry to no
+// exception.
 void require_exception() noexcept;
 
 // A call failed. Invariant: while a PythonError is in flight, the interpreter's error indicator is set.
@@ -32,8 +33,8 @@ struct Format {
     Format(const char* format, Where line = Where::current()) noexcept : text(format), where(line) {}
 };
 
-// Raises an exception: fail(PyExc_NameError, "name '%U' is not defined", name). The format names exact texts and numbers
-// only (%U, %s, %zd), so that no foreign code runs.
+// Raises an exception: fail(PyExc_NameError, "name '%U' is not defined", name). The format names exact texts and
+// numbers only (%U, %s, %zd), so that no foreign code runs.
 template <class... Parts>
 [[noreturn]] void fail(PyObject* type, Format format, Parts... parts) {
     PyErr_Format(type, format.text, parts...);
@@ -99,8 +100,8 @@ class RecursionGuard {
 #endif
 };
 
-// The boundary between C++ exceptions and the interpreter. Returns the result of `body`, a Ref, or null with an exception
-// set. A BorrowViolation becomes SystemError.
+// The boundary between C++ exceptions and the interpreter. Returns the result of `body`, a Ref, or null with an
+// exception set. A BorrowViolation becomes SystemError.
 template <class Body>
 PyObject* behind_wall(const char* routine, Body&& body) noexcept {
     try {

@@ -8,8 +8,8 @@ namespace quorin {
 // Warns if the version of the running interpreter (major.minor) is not the one that the module was built for.
 void check_version(const char* module);
 
-// Raises ImportError in every interpreter but the first that imports the module, even if that import failed: objects that
-// exist once in a process belong to the first interpreter.
+// Raises ImportError in every interpreter but the first that imports the module, even if that import failed: objects
+// that exist once in a process belong to the first interpreter.
 void claim_interpreter();
 bool is_own_interpreter() noexcept;
 

@@ -62,8 +62,8 @@ Unchanged look_up_all() noexcept {
     return found;
 }
 
-// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change a
-// dictionary again.
+// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change
+// a dictionary again.
 void update() noexcept {
     if (scopes().empty() || !any_changed()) return;
     for (Scope& scope : scopes()) scope.dictionary.seen();
@@ -83,8 +83,8 @@ PyObject* remember(Object dictionary, Object name, bool date_test) {
     PyObject* held = PyDict_GetItemWithError(dictionary.get(), name.get());
     if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
     std::vector<Entry>& entries = scope_of(dictionary).entries;
-    const bool known = std::any_of(entries.begin(), entries.end(),
-                                   [&](const Entry& entry) { return entry.name.is(name); });
+    const bool known =
+        std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) { return entry.name.is(name); });
     if (!known) entries.push_back({Ref::share(name), Ref::share(held), date_test});
     return held;
 }
@@ -118,12 +118,12 @@ std::vector<Ref> dictionaries_of(PyObject* owner) {
 
 // The names that are looked up on the way to the date test only.
 bool leads_to_date_test(std::string_view dotted) {
-    return dotted == "FC" || dotted.substr(0, 3) == "FC." || dotted == "FCplus.is_column_string_in_datetime_format";
+    return dotted == "FC" || dotted.starts_with("FC.") || dotted == "FCplus.is_column_string_in_datetime_format";
 }
 
-// Records every part of a dotted name. Returns false if a part is an attribute of an object that is neither a module nor
-// a class: changes of it cannot be watched. A last part that is not bound, such as np.float in numpy 2, is recorded as
-// not bound.
+// Records every part of a dotted name. Returns false if a part is an attribute of an object that is neither a module
+// nor a class: changes of it cannot be watched. A last part that is not bound, such as np.float in numpy 2, is recorded
+// as not bound.
 bool remember_dotted(std::string_view dotted) {
     std::vector<Ref> dictionaries;
     dictionaries.push_back(Ref::share(module_names()));

@@ -1,11 +1,11 @@
-// Whether the names that the interpreter routes look up are bound to the objects that start-up bound. A native route runs
-// only if they are: if an application replaces one, only the interpreter route has the effect of the replacement.
+// Whether the names that the interpreter routes look up are bound to the objects that start-up bound. A native route
+// runs only if they are: if an application replaces one, only the interpreter route has the effect of the replacement.
 #pragma once
 
 namespace quorin {
 
-// Records the objects that all names of native_lookups() are bound to. Called at the end of start-up, when every routine
-// is made. If it cannot watch one of the names, lookups_unchanged() returns false ever after.
+// Records the objects that all names of native_lookups() are bound to. Called at the end of start-up, when every
+// routine is made. If it cannot watch one of the names, lookups_unchanged() returns false ever after.
 void remember_lookups();
 
 // Whether all names but those of the date test are bound to the recorded objects. Costs a few loads, unless one of the

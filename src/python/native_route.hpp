@@ -11,8 +11,8 @@
 
 namespace quorin {
 
-// Whether the route also replaces the classifier's call of the date test. If it does, it depends on the names of the date
-// test as well, and on the declaration that the test has no side effects.
+// Whether the route also replaces the classifier's call of the date test. If it does, it depends on the names of the
+// date test as well, and on the declaration that the test has no side effects.
 enum class DateTest { not_called, called };
 
 // Returns what `body` returns. An empty Ref means that the route gives up and the caller takes the interpreter route. A

@@ -1,5 +1,5 @@
-// The interpreter's operators and built-in types, on operands of any class. All of them are foreign code, except concat()
-// of exact texts and whole().
+// The interpreter's operators and built-in types, on operands of any class. All of them are foreign code, except
+// concat() of exact texts and whole().
 #pragma once
 
 #include "python/ref.hpp"

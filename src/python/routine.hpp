@@ -1,5 +1,5 @@
-// The definition of a routine: name, parameters, documentation, look-ups and body in one place. The callable that Python
-// sees is made from it at start-up.
+// The definition of a routine: name, parameters, documentation, look-ups and body in one place. The callable that
+// Python sees is made from it at start-up.
 #pragma once
 
 #include "python/ref.hpp"
@@ -89,8 +89,8 @@ class Body {
 };
 
 // Names that the interpreter route of a routine looks up at call time, and that its native route therefore depends on:
-// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". A routine among them adds the names of its own
-// definition. Callables have them all in the attribute `_native_lookups`, from which the tests are made.
+// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". A routine among them adds the names of its
+// own definition. Callables have them all in the attribute `_native_lookups`, from which the tests are made.
 class Lookups {
   public:
     constexpr Lookups() = default;
@@ -115,7 +115,7 @@ struct Definition {
     bool counts_nesting = true;
     bool has_native_route = false;
     // For a routine with a native route, and for a routine that such a one calls.
-    Lookups lookups = {};
+    Lookups lookups;
     Body body;
 };
 

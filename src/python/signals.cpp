@@ -8,7 +8,7 @@ void answer_signals(Where where) {
     foreign_code_may_run(where);
     if (PyErr_CheckSignals() < 0) throw Interrupted(where);
     Py_BEGIN_ALLOW_THREADS  // NOLINT(misc-const-correctness)
-    Py_END_ALLOW_THREADS
+        Py_END_ALLOW_THREADS
 }
 
 void SignalTimer::poll(Where where) {

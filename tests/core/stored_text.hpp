@@ -81,7 +81,7 @@ class StoredText {
         } else {
             for (const char32_t c : text) append(bytes, c);
         }
-        memory_ = std::make_unique<std::uint8_t[]>(bytes.size());
+        memory_.reset(new std::uint8_t[bytes.size()]);
         if (!bytes.empty()) std::memcpy(memory_.get(), bytes.data(), bytes.size());
     }
     [[nodiscard]] core::TextView view() const {
@@ -116,7 +116,7 @@ class StoredText {
     }
     Stored stored_;
     std::size_t size_;
-    std::unique_ptr<std::uint8_t[]> memory_;
+    std::shared_ptr<std::uint8_t[]> memory_;  // shared by copies
 };
 
 // The characters of a text in any encoding.

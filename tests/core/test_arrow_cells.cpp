@@ -246,7 +246,7 @@ void short_texts() {
     for (const char32_t a : alphabet) {
         for (const char32_t b : alphabet) {
             Rows rows{std::u32string{}, std::u32string{a}, std::u32string{a, b}};
-            for (const char32_t c : alphabet) rows.push_back(std::u32string{a, b, c});
+            for (const char32_t c : alphabet) rows.emplace_back(std::u32string{a, b, c});
             for (const auto& row : rows) {
                 for_every_layout({row}, {0, 0}, [&](const auto& cells, const std::string& layout) {
                     check_cells({row}, cells, layout + ", alone");
@@ -264,7 +264,7 @@ void short_texts() {
 // Texts of every size around those that are inlined or padded, the last of which ends where its buffer does.
 void sizes() {
     for (std::size_t size = 0; size <= 40; ++size) {
-        for (const char32_t last : {char32_t{U'z'}, char32_t{0xe9}, char32_t{0x6f22}}) {
+        for (const char32_t last : {U'z', char32_t{0xe9}, char32_t{0x6f22}}) {
             const Rows rows{std::u32string(size, U'x') + last, std::u32string(size, U'x'), std::nullopt,
                             std::u32string(size, U'5'), last + std::u32string(size, U'y')};
             for_every_layout(rows, {0, 0}, [&](const auto& cells, const std::string& layout) {

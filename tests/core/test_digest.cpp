@@ -62,9 +62,12 @@ void known_digests() {
 }
 
 void other_scripts() {
-    expect("66ddcd97cfdeabb2f6fb8a999b4bc76f", U"\u00e9", {Stored::one_byte, Stored::two_bytes, Stored::four_bytes, Stored::utf8});
-    expect("c6a7d19794bee19875d8b15467e76384", U"\u00e9\u6f22\u0661", {Stored::two_bytes, Stored::four_bytes, Stored::utf8});
-    expect("70a119b81ab8c7b1b6def72df4a66b51", U"\U0001d7d8\uffff\u0800\u07ff\U0010ffff", {Stored::four_bytes, Stored::utf8});
+    expect("66ddcd97cfdeabb2f6fb8a999b4bc76f", U"\u00e9",
+           {Stored::one_byte, Stored::two_bytes, Stored::four_bytes, Stored::utf8});
+    expect("c6a7d19794bee19875d8b15467e76384", U"\u00e9\u6f22\u0661",
+           {Stored::two_bytes, Stored::four_bytes, Stored::utf8});
+    expect("70a119b81ab8c7b1b6def72df4a66b51", U"\U0001d7d8\uffff\u0800\u07ff\U0010ffff",
+           {Stored::four_bytes, Stored::utf8});
     expect("d1a057ec1d420f49983d61d5d8c7eef6", std::u32string(40, U'\u00ff'),
            {Stored::one_byte, Stored::two_bytes, Stored::four_bytes, Stored::utf8});
 }

@@ -78,8 +78,8 @@ void long_pairs() {
 
 void characters() {
     for (const char32_t c :
-         {char32_t{0}, char32_t{U'a'}, char32_t{0x7f}, char32_t{0x80}, char32_t{0x7ff}, char32_t{0x800},
-          char32_t{0xd7ff}, char32_t{0xe000}, char32_t{0xffff}, char32_t{0x10000}, char32_t{0x10ffff}}) {
+         {char32_t{0}, U'a', char32_t{0x7f}, char32_t{0x80}, char32_t{0x7ff}, char32_t{0x800}, char32_t{0xd7ff},
+          char32_t{0xe000}, char32_t{0xffff}, char32_t{0x10000}, char32_t{0x10ffff}}) {
         const std::u32string one{c};
         const std::u32string more{c, U'b', c};
         for (const StoredText& stored : every_stored(one)) {

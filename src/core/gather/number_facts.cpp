@@ -79,6 +79,19 @@ bool any_signalling_nan(const Column& column) noexcept {
     return column.storage == Storage::float32 && any_signalling_nan<float>(column);
 }
 
+void mark_code(const std::uint8_t* __restrict codes, std::size_t rows, std::uint8_t code,
+               std::uint8_t* __restrict marks) noexcept {
+    for (std::size_t row = 0; row < rows; ++row) marks[row] = static_cast<std::uint8_t>(codes[row] == code);
+}
+
+void keep_code(std::uint8_t* codes, std::size_t rows, std::uint8_t code) noexcept {
+    for (std::size_t row = 0; row < rows; ++row) codes[row] = static_cast<std::uint8_t>(codes[row] == code);
+}
+
+void codes_to_marks(std::uint8_t* codes, std::size_t rows) noexcept {
+    for (std::size_t row = 0; row < rows; ++row) codes[row] = static_cast<std::uint8_t>(codes[row] != 0);
+}
+
 // By value: the stores through `out` could otherwise change the view.
 void write_flags(StridedMemory flags, double* out) noexcept {
     std::size_t row = 0;

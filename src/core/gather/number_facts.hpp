@@ -1,6 +1,9 @@
 // Gathering over columns of numbers: nulls, fractions, signalling NaN.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "core/column.hpp"
 #include "core/simd/instructions.hpp"
 
@@ -23,6 +26,13 @@ template <class Float>
 bool any_signalling_nan(const StridedMemory& column, Instructions allowed = Instructions::best) noexcept;
 // False unless the elements are floats.
 bool any_signalling_nan(const Column& column) noexcept;
+
+// marks[row] = codes[row] == code. The two do not overlap.
+void mark_code(const std::uint8_t* codes, std::size_t rows, std::uint8_t code, std::uint8_t* marks) noexcept;
+// The same in place.
+void keep_code(std::uint8_t* codes, std::size_t rows, std::uint8_t code) noexcept;
+// Writes 1 for each byte that is not zero.
+void codes_to_marks(std::uint8_t* codes, std::size_t rows) noexcept;
 
 // Writes 1.0 for each byte that is not zero, 0.0 for the others.
 void write_flags(StridedMemory flags, double* out) noexcept;

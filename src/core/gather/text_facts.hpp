@@ -170,9 +170,10 @@ class TextGatherer {
     // earlier one, to which the walk goes back.
     template <class Cells>
     [[gnu::flatten]] std::size_t gather(const Cells& cells, std::size_t first, std::size_t last) {
-        // A local copy is kept in registers.
+        // Local copies are kept in registers.
         TextGatherer state = *this;
-        const std::size_t row = state.walk(cells, first, last);
+        const Cells local_cells = cells;
+        const std::size_t row = state.walk(local_cells, first, last);
         *this = state;
         return row;
     }

@@ -21,7 +21,7 @@
 namespace quorin::core {
 
 // From least to most. `baseline` is what every processor of the architecture has.
-enum class Instructions : std::uint8_t { baseline, avx2, avx512, best = avx512 };
+enum class Instructions : std::uint8_t { baseline = 0, avx2 = 1, avx512 = 2, best = avx512 };
 
 inline constexpr std::array every_instruction_set{Instructions::baseline, Instructions::avx2, Instructions::avx512};
 

@@ -27,12 +27,13 @@ class IntegerTest {
         if (std::isnan(value)) passed_ = false;
         return !std::isinf(value);
     }
-    bool on_text(std::size_t /*row*/, core::TextView text) {
+    // Inlined: a view that is passed to a call is kept in memory.
+    [[gnu::always_inline]] bool on_text(std::size_t /*row*/, core::TextView text) {
         switch (core::classify_text(text, character_tables)) {
             case core::TextClass::integer:
                 break;
             case core::TextClass::unsettled:
-                unsettled_.push_back(new_text(text));
+                keep_unsettled(text.characters, text.size, text.width, text.encoding);
                 break;
             case core::TextClass::real:
             case core::TextClass::plain:
@@ -55,6 +56,11 @@ class IntegerTest {
     }
 
   private:
+    [[gnu::noinline]] void keep_unsettled(const void* characters, std::size_t size, int width,
+                                          core::Encoding encoding) {
+        unsettled_.push_back(new_text({characters, size, width, encoding}));
+    }
+
     bool passed_ = true;
     std::vector<Ref> unsettled_;
 };

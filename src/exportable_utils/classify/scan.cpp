@@ -87,7 +87,7 @@ void InterpreterScan::classify_text(Object XX, Py_ssize_t i, Object elt) {
     if (truth(global("isfloat"_py)({elt})) && contains(elt, "."_py)) number_text_found(Kind::float_str, XX, i);
     if (scan_.running != Kind::char_str) return;
     found_string_flag_ = true;
-    Ref& start_texts = scan_.start_missing_string_values_list;
+    const Ref& start_texts = scan_.start_missing_string_values_list;
     if (number_text_seen() && !contains(start_texts, elt)) start_texts.attr("append"_py)({elt});
     follow_kind();
 }

@@ -39,30 +39,48 @@ class NumberObjects {
     const References& references_;
 };
 
+// Facts about exact floats. A local one is kept in registers.
+struct FloatFacts {
+    std::uint64_t nan_bits = ~std::uint64_t{0};  // the bits that are set in every NaN; kept without a branch
+    bool nan = false;
+    bool reals = false;
+    bool fractions = false;
+
+    void add(double real) noexcept {
+        const bool is_nan = std::isnan(real);
+        nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(is_nan) - 1U);
+        nan = nan || is_nan;
+        reals = reals || !is_nan;
+        fractions = fractions || !(is_nan || is_whole(real));
+    }
+    // numpy warns of a signalling NaN.
+    [[nodiscard]] bool any_signalling_nan() const noexcept { return (nan_bits & core::quiet_bit<double>) == 0; }
+};
+
 bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
     const ObjectCells cells(column);
     const bool compared = !references_.numbers.empty();
-    std::uint64_t nan_bits = ~std::uint64_t{0};  // the bits that are set in every NaN; kept without a branch
-    for (std::size_t row = first; row < last; ++row) {
+    FloatFacts floats;
+    bool whole_numbers = false;
+    std::size_t row = first;
+    for (; row < last; ++row) {
         cells.prefetch(row + core::prefetch_distance);
-        PyObject* value = column.object(row);
-        if (value == nullptr) return false;
+        PyObject* value = cells.object(row);
+        if (value == nullptr) break;
         const PyTypeObject* type = Py_TYPE(value);
         if (type == &PyFloat_Type && !compared) {
-            const double real = PyFloat_AS_DOUBLE(value);
-            const bool is_nan = std::isnan(real);
-            nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(is_nan) - 1U);
-            nan = nan || is_nan;
-            reals = reals || !is_nan;
-            fractions = fractions || !(is_nan || is_whole(real));
+            floats.add(PyFloat_AS_DOUBLE(value));
         } else if (type == &PyLong_Type && !compared) {
-            integers = true;  // of any size
+            whole_numbers = true;  // of any size
         } else if (!add(value)) {
-            return false;
+            break;
         }
     }
-    // numpy warns of a signalling NaN.
-    return (nan_bits & core::quiet_bit<double>) != 0;
+    nan = nan || floats.nan;
+    reals = reals || floats.reals;
+    fractions = fractions || floats.fractions;
+    integers = integers || whole_numbers;
+    return row == last && !floats.any_signalling_nan();
 }
 
 bool NumberObjects::add(PyObject* value) {

@@ -90,7 +90,7 @@ Ref markers_of(const Partition& partition, const Scan& scan, bool texts_are_mark
 }
 
 // Scans the distinct values and decides.
-Conclusion conclude(const Question& question, const Partition& partition, Scan& scan, bool other_rows) {
+Conclusion conclude(const Question& question, const Partition& partition, const Scan& scan, bool other_rows) {
     const core::VerdictFacts facts = scan.facts(other_rows);
     Conclusion conclusion;
     conclusion.kind_by_last_value = decide(facts, core::Rule::by_last_value).kind;

@@ -57,8 +57,7 @@ class SexWords {
         if (!text.is_padded() || text.size - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
         const auto is = [&](const SexWord& word) {
-            return static_cast<core::ReferenceBits>((characters == word.characters) &
-                                                    (text.size == word.text.size()));
+            return static_cast<core::ReferenceBits>((characters == word.characters) & (text.size == word.text.size()));
         };
         return is(male) | is(female) << 1U | is(m) << 2U | is(f) << 3U;
     }

@@ -26,12 +26,28 @@ class RowCodes {
   public:
     RowCodes() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `classes_`
     void write_to(std::uint8_t* codes) noexcept { codes_ = codes; }
-    void set(std::size_t row, ReferenceBits bits) noexcept {
-        const auto code = static_cast<std::size_t>(std::countr_zero(bits));
-        classes_[code] = bits;
-        bits_ |= bits;
-        codes_[row] = static_cast<std::uint8_t>(code + 1);
-        ++marked_;
+    // Rows from `first` on. A local one is kept in registers.
+    class Block {
+      public:
+        Block(RowCodes& all, std::size_t first) noexcept : classes_(all.classes_.data()), codes_(all.codes_ + first) {}
+        void set(std::size_t row, ReferenceBits bits) noexcept {
+            const auto code = static_cast<std::size_t>(std::countr_zero(bits));
+            classes_[code] = bits;
+            bits_ |= bits;
+            codes_[row] = static_cast<std::uint8_t>(code + 1);
+            ++marked_;
+        }
+
+      private:
+        friend class RowCodes;
+        ReferenceBits* classes_;
+        std::uint8_t* codes_;
+        ReferenceBits bits_ = 0;
+        std::size_t marked_ = 0;
+    };
+    void add(const Block& block) noexcept {
+        bits_ |= block.bits_;
+        marked_ += block.marked_;
     }
     // Codes written by other means: `nulls` rows more are 1, and `bits` is the one class.
     void add_only_class(ReferenceBits bits, std::size_t nulls) noexcept {
@@ -233,8 +249,11 @@ bool find_null_codes(const ColumnSource& column, ReferenceBits null_bits, RowCod
 
 bool find_row_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& codes) {
     return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
-        const auto on_match = [&](std::size_t row, ReferenceBits bits) { codes.set(first + row, bits); };
-        return match_rows(rows_of(rows, first, last), wanted, on_match);
+        RowCodes::Block block(codes, first);
+        const auto on_match = [&](std::size_t row, ReferenceBits bits) { block.set(row, bits); };
+        const bool known = match_rows(rows_of(rows, first, last), wanted, on_match);
+        codes.add(block);
+        return known;
     });
 }
 
@@ -248,28 +267,33 @@ Ref find_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& codes
     return done ? std::move(array) : Ref();
 }
 
-// Turns codes into a mask, or into the mask of one code. Blocks: `out` may be `codes`.
-template <class Marks>
-std::size_t write_mask(const std::uint8_t* codes, std::size_t rows, std::uint8_t* out, Marks marks) {
+void codes_to_mask(const RowCodes& codes, std::size_t rows) {
+    if (codes.are_mask()) return;
+    in_blocks(rows, [&](std::size_t first, std::size_t last) {
+        core::codes_to_marks(codes.codes() + first, last - first);
+        return true;
+    });
+}
+
+// A mask of the rows of one code.
+Ref code_mask(const RowCodes& codes, std::size_t rows, std::uint8_t code) {
+    Ref mask = new_array(rows, NPY_BOOL);
+    in_blocks(rows, [&](std::size_t first, std::size_t last) {
+        core::mark_code(codes.codes() + first, last - first, code, bytes_of(mask) + first);
+        return true;
+    });
+    return mask;
+}
+
+// Turns codes into the mask of one code. Returns the number of its rows.
+std::size_t keep_code(const RowCodes& codes, std::size_t rows, std::uint8_t code) {
     std::size_t marked = 0;
     in_blocks(rows, [&](std::size_t first, std::size_t last) {
-        for (std::size_t row = first; row < last; ++row) {
-            const bool mark = marks(codes[row]);
-            out[row] = static_cast<std::uint8_t>(mark);
-            marked += static_cast<std::size_t>(mark);
-        }
+        core::keep_code(codes.codes() + first, last - first, code);
+        marked += core::count_marked(reinterpret_cast<const char*>(codes.codes()) + first, last - first);
         return true;
     });
     return marked;
-}
-
-std::size_t write_code_mask(const std::uint8_t* codes, std::size_t rows, std::uint8_t code, std::uint8_t* out) {
-    return write_mask(codes, rows, out, [code](std::uint8_t other) { return other == code; });
-}
-
-void codes_to_mask(const RowCodes& codes, std::size_t rows) {
-    if (codes.are_mask()) return;
-    write_mask(codes.codes(), rows, codes.codes(), [](std::uint8_t code) { return code != 0; });
 }
 
 }  // namespace
@@ -285,7 +309,7 @@ std::optional<Members> find_members(const ColumnSource& column, const References
     members->marked = codes.marked();
     if (match == Match::first_only) members->bits = first_bit(codes.bits());
     if (match == Match::first_only && !codes.are_mask()) {
-        members->marked = write_code_mask(codes.codes(), column.rows(), codes.code_of(members->bits), codes.codes());
+        members->marked = keep_code(codes, column.rows(), codes.code_of(members->bits));
     } else {
         codes_to_mask(codes, column.rows());
     }
@@ -312,9 +336,7 @@ std::optional<MatchedRows> matched_rows(const ColumnSource& column, const Refere
     rows.emplace();
     rows->bits = codes.bits();
     for (ReferenceBits left = rows->bits; left != 0 && !std::has_single_bit(rows->bits); left &= left - 1) {
-        Ref mask = new_array(column.rows(), NPY_BOOL);
-        write_code_mask(codes.codes(), column.rows(), codes.code_of(first_bit(left)), bytes_of(mask));
-        rows->masks.push_back(std::move(mask));
+        rows->masks.push_back(code_mask(codes, column.rows(), codes.code_of(first_bit(left))));
     }
     codes_to_mask(codes, column.rows());
     if (std::has_single_bit(rows->bits)) rows->masks.push_back(Ref::share(array));

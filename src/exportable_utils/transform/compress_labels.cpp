@@ -81,8 +81,7 @@ class Labels {
 // What each row of an object array becomes; empty for a row that is kept.
 class CompressedObjects {
   public:
-    CompressedObjects(const Rules& rules, std::size_t rows)
-        : rules_(rules), missing_(global("np"_py).attr("nan"_py)), objects_() {
+    CompressedObjects(const Rules& rules, std::size_t rows) : rules_(rules), missing_(global("np"_py).attr("nan"_py)) {
         objects_.reserve(rows);
     }
 

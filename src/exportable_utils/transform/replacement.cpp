@@ -131,12 +131,14 @@ Ref native_replace_values(Object X, Object filling, Object lists, Object invert_
         const bool inverted = invert_flag.is(Py_True);
         const std::optional<TableMemory> memory = table_memory(X);
         if (!memory) return {};
+        // Of a table the result comes first: if it is too large to exist, no column is read.
+        Ref Y = memory->dimensions == 1 ? Ref{} : new_objects_like(*memory);
         const std::optional<std::vector<Ref>> masks = column_masks(X, *memory, lists);
         if (!masks) return {};
         if (memory->dimensions == 1 && !holds(masks->front(), !inverted)) return Ref::share(X);
         std::vector<Mask> bytes;
         for (const Ref& mask : *masks) bytes.push_back({PyArray_BYTES(as_array(mask)), 1});
-        Ref Y = new_objects_like(*memory);
+        if (!Y) Y = new_objects_like(*memory);
         const bool done = in_table_blocks(X, *memory, [&](const Table& table, std::size_t first, std::size_t last) {
             write_rows(table, {bytes, inverted, filling}, Y, first, last);
             return true;

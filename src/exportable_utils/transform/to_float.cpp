@@ -95,7 +95,7 @@ bool numbers_to_floats(const ArrayColumn& part, const References& missing, doubl
         using Number = decltype(type);
         if (!missing.numbers.empty()) return unlisted_to_floats<Number>(part, missing, out);
         const core::StridedMemory numbers = part;
-        bool signals = false;
+        [[maybe_unused]] bool signals = false;  // NOLINT(misc-const-correctness): written for float32
         for (std::size_t row = 0; row < numbers.rows; ++row) {
             const Number number = core::load<Number>(numbers, row);
             if constexpr (std::is_same_v<Number, float>) signals |= is_signalling_nan(number);

@@ -20,7 +20,7 @@ using core::Storage;
 // A column of a numpy array, borrowed: no foreign code may run while this lives. X itself belongs to the caller.
 struct ArrayColumn : core::Column {
     PyArrayObject* array;
-    [[no_unique_address]] Borrow borrow{};
+    [[no_unique_address]] Borrow borrow;
 
     [[nodiscard]] PyObject* object(std::size_t row) const noexcept {
         return *reinterpret_cast<PyObject* const*>(at(row));
@@ -63,6 +63,7 @@ class ObjectCells {
   public:
     explicit ObjectCells(const ArrayColumn& column) noexcept : column_(column) {}
     [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
+    [[nodiscard]] PyObject* object(std::size_t row) const noexcept { return column_.object(row); }
     // Of a compact ASCII text, the line of its header and that of its first characters, which may be one and the same.
     // To gcc a call that does nothing but prefetch has no effect and can go, unless it is inlined before that is known.
     [[gnu::always_inline]] void prefetch(std::size_t row) const noexcept {

@@ -108,7 +108,9 @@ ROWS = [
         axis=None,
     ),
     _row(5, "numpy_floatstr2float", "transform/conversion", "X" + _WITH_MARKERS, **_MISSING),
-    _row(6, "setValueOrDefault", "services/scalar_predicates", "variable def_value", def_value=None),
+    _row(
+        6, "setValueOrDefault", "services/scalar_predicates", "variable def_value", def_value=None
+    ),
     _row(7, "numpy_boolean2float", "transform/conversion", "X" + _WITH_MARKERS, **_MISSING),
     _row(
         8,
