@@ -115,7 +115,7 @@ struct Definition {
     bool counts_nesting = true;
     bool has_native_route = false;
     // For a routine with a native route, and for a routine that such a one calls.
-    Lookups lookups;
+    Lookups lookups{};  // NOLINT(readability-redundant-member-init): else -Wmissing-field-initializers
     Body body;
 };
 
