@@ -369,6 +369,7 @@ def test_storm(seed):
         stderr=subprocess.STDOUT,
         universal_newlines=True,
         check=False,
+        timeout=300,
     )
     assert done.returncode == 0, "exit status {}\n{}".format(done.returncode, done.stdout[-6000:])
 
