@@ -18,6 +18,7 @@ void gather_block(NumberFacts& facts, const NumberTests<Float>& tests, const Str
     if (!facts.nulls && !facts.fractions && !tests.any_doubtful(block)) return;
     if (!facts.nulls) facts.nulls = tests.any_null(block);
     if (!facts.fractions) facts.fractions = tests.any_fraction_or_infinite(block);
+    if (facts.nulls) facts.signalling_nan = facts.signalling_nan || tests.any_signalling_nan(block);
 }
 
 // Every four flags as floats: a look-up takes fewer steps than spreading a byte over eight.
@@ -47,7 +48,7 @@ NumberFacts gather_numbers(const StridedMemory& column, Instructions allowed) no
     constexpr std::size_t block = 1024;
     const NumberTests<Float>& tests = number_tests<Float>(allowed);
     NumberFacts facts;
-    for (std::size_t begin = 0; begin < column.rows && !(facts.nulls && facts.fractions); begin += block) {
+    for (std::size_t begin = 0; begin < column.rows; begin += block) {
         gather_block(facts, tests, column.part(begin, std::min(column.rows, begin + block)));
     }
     // Ends at the first row unless it is null.

@@ -13,10 +13,11 @@ struct NumberFacts {
     bool nulls = false;      // NaN
     bool values = false;     // anything else
     bool fractions = false;  // with a fraction, or infinite
+    bool signalling_nan = false;
 };
 
-// `Float` is double or float. The result does not depend on `allowed`. The walk ends once nulls and fractions were both
-// seen.
+// `Float` is double or float. The result does not depend on `allowed`. Every test reads a block while it is in the
+// cache.
 template <class Float>
 NumberFacts gather_numbers(const StridedMemory& column, Instructions allowed = Instructions::best) noexcept;
 

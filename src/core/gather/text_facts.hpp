@@ -170,10 +170,9 @@ class TextGatherer {
     // earlier one, to which the walk goes back.
     template <class Cells>
     [[gnu::flatten]] std::size_t gather(const Cells& cells, std::size_t first, std::size_t last) {
-        // Local copies are kept in registers.
+        // A local copy is kept in registers.
         TextGatherer state = *this;
-        const Cells local_cells = cells;
-        const std::size_t row = state.walk(local_cells, first, last);
+        const std::size_t row = state.walk(cells, first, last);
         *this = state;
         return row;
     }

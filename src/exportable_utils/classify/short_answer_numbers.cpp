@@ -13,6 +13,7 @@ void merge(core::NumberFacts& facts, const core::NumberFacts& more) noexcept {
     facts.nulls = facts.nulls || more.nulls;
     facts.values = facts.values || more.values;
     facts.fractions = facts.fractions || more.fractions;
+    facts.signalling_nan = facts.signalling_nan || more.signalling_nan;
 }
 
 // The facts of the rows that are neither null nor a reference.
@@ -27,6 +28,7 @@ core::NumberFacts gather_others(const ArrayColumn& column, const References& ref
         if constexpr (std::is_floating_point_v<Number>) {
             if (std::isnan(value)) {
                 facts.nulls = true;
+                facts.signalling_nan = facts.signalling_nan || core::is_signalling_nan(number);
                 continue;
             }
             bits = references.bits_of_number(value);
@@ -50,19 +52,13 @@ bool gather_numbers(const NativeArguments& arguments, core::NumberFacts& facts, 
     return arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
         const ArrayColumn part = rows_of(column, first, last);
         if (references.numbers.empty()) {
-            if (!(facts.nulls && facts.fractions)) merge(facts, gather_all(part));
+            merge(facts, gather_all(part));
             return true;
         }
         return core::with_number_type(part, [&](auto type) {
             merge(facts, gather_others<decltype(type)>(part, references, found));
             return true;
         });
-    });
-}
-
-bool any_signalling_nan(const ColumnSource& source) {
-    return !source.in_blocks([](const ArrayColumn& column, std::size_t first, std::size_t last) {
-        return !core::any_signalling_nan(rows_of(column, first, last));
     });
 }
 
@@ -73,7 +69,7 @@ bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     core::NumberFacts numbers;
     if (!gather_numbers(arguments, numbers, facts.references)) return false;
     // numpy warns of a signalling NaN.
-    if (numbers.nulls && any_signalling_nan(*arguments.column)) return false;
+    if (numbers.signalling_nan) return false;
     if (numbers.nulls && references.null_bits == 0 && !references.none()) {
         // NaN that is not missing is a value with a fraction.
         facts.verdict.kinds.add(Kind::float_num);

@@ -41,20 +41,21 @@ class NumberObjects {
 
 // Facts about exact floats. A local one is kept in registers.
 struct FloatFacts {
-    std::uint64_t nan_bits = ~std::uint64_t{0};  // the bits that are set in every NaN; kept without a branch
+    bool signalling_nan = false;
     bool nan = false;
     bool reals = false;
     bool fractions = false;
 
+    // Tests nothing again that an earlier number has shown.
     void add(double real) noexcept {
+        if (core::is_signalling_nan(real)) [[unlikely]]
+            signalling_nan = true;
+        if (nan && reals && fractions) return;
         const bool is_nan = std::isnan(real);
-        nan_bits &= std::bit_cast<std::uint64_t>(real) | (static_cast<std::uint64_t>(is_nan) - 1U);
         nan = nan || is_nan;
         reals = reals || !is_nan;
         fractions = fractions || !(is_nan || is_whole(real));
     }
-    // numpy warns of a signalling NaN.
-    [[nodiscard]] bool any_signalling_nan() const noexcept { return (nan_bits & core::quiet_bit<double>) == 0; }
 };
 
 bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
@@ -80,7 +81,8 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
     reals = reals || floats.reals;
     fractions = fractions || floats.fractions;
     integers = integers || whole_numbers;
-    return row == last && !floats.any_signalling_nan();
+    // numpy warns of a signalling NaN.
+    return row == last && !floats.signalling_nan;
 }
 
 bool NumberObjects::add(PyObject* value) {
