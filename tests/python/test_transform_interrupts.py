@@ -11,13 +11,8 @@ import pytest
 
 import quorin_libs.utils.exportable_utils as module
 
-<<<<<<< HEAD
-# Signals are answered at most once in 20 ms. A call that ends without an answer is repeated with
-# more rows: up to 16 times as many.
-=======
 # Signals are answered at most once in 20 ms. A call that ends without an answer is repeated, in the
 # end with up to 16 times as many rows.
->>>>>>> w-fix1
 ROWS = 1600000
 ROW_COUNTS = [ROWS * times for times in (1, 1, 1, 2, 4, 8, 16)]
 WORDS = ["label a", "x y z", "p  q", "two words"]
@@ -91,15 +86,7 @@ OUT_OF_PLACE = {
         [1.25, 2.25],
     ),
 }
-compress = module.compress_str_column
 IN_PLACE = {
-<<<<<<< HEAD
-    "number objects to text": lambda n: (module.numpy_column_float2str, number_objects(n), False),
-    "labels of objects": lambda n: (compress, words(n, "O"), ["?"]),
-    "digests of objects": lambda n: (compress, words(n, "O"), ["?"], "hash"),
-    "labels of fixed width": lambda n: (compress, words(n, "U12"), ["?"]),
-    "digests of fixed width": lambda n: (compress, words(n, "U12"), ["?"], "hash"),
-=======
     "number objects to text": lambda rows: (
         module.numpy_column_float2str,
         number_objects(rows),
@@ -119,7 +106,6 @@ IN_PLACE = {
         ["?"],
         "hash",
     ),
->>>>>>> w-fix1
 }
 
 
