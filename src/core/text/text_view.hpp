@@ -38,6 +38,7 @@ struct ShortText {
     std::uint64_t bytes;
     std::size_t length;
     // The first character lowest, zeros above the last.
+    // NOLINTNEXTLINE(clang-analyzer-core.BitwiseShift): length > 0
     [[nodiscard]] std::uint64_t value() const noexcept { return bytes >> (64 - 8 * length); }
 };
 
