@@ -15,7 +15,8 @@ class WatchedDictionary {
 
 #if PY_VERSION_HEX < 0x030C0000
     // Interpreters before 3.12 give every dictionary a new version number at each change.
-    [[nodiscard]] static bool watched() noexcept { return true; }
+    // NOLINTNEXTLINE(readability-convert-member-functions-to-static): of later interpreters it is not static
+    [[nodiscard]] bool watched() const noexcept { return true; }
     [[nodiscard]] bool changed() const noexcept { return version() != seen_version_; }
     void seen() noexcept { seen_version_ = version(); }
 

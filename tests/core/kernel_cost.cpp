@@ -209,6 +209,7 @@ struct ArrowTexts {
             offsets.push_back(static_cast<std::int32_t>(bytes.size()));
             add_view(null ? std::string_view{} : text, start);
         }
+        // NOLINTNEXTLINE(cppcoreguidelines-prefer-member-initializer): the bytes are complete only now
         buffer = reinterpret_cast<const std::uint8_t*>(bytes.data());
     }
     void add_view(std::string_view text, std::size_t start) {

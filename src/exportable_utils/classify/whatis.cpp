@@ -112,7 +112,7 @@ Ref classify(const Question& question, const NativeArguments& arguments) {
     const bool unique_values_column_flag = equal(distinct_values, partition.non_missing_rows);
     const bool constant_column_flag = equal(row_count(XX), 1) || !other_rows;
 
-    Scan scan = scan_partition(partition, progress);
+    const Scan scan = scan_partition(partition, progress);
     Conclusion conclusion = conclude(question, partition, scan, other_rows);
     conclusion.unique_values_column_flag = unique_values_column_flag;
     conclusion.constant_column_flag = constant_column_flag;
