@@ -20,7 +20,8 @@ using core::Storage;
 // A column of a numpy array, borrowed: no foreign code may run while this lives. X itself belongs to the caller.
 struct ArrayColumn : core::Column {
     PyArrayObject* array;
-    [[no_unique_address]] Borrow borrow{};  // NOLINT(readability-redundant-member-init): else -Wmissing-field-initializers
+    [[no_unique_address]] Borrow
+        borrow{};  // NOLINT(readability-redundant-member-init): else -Wmissing-field-initializers
 
     [[nodiscard]] PyObject* object(std::size_t row) const noexcept {
         return *reinterpret_cast<PyObject* const*>(at(row));
