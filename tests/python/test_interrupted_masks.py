@@ -150,6 +150,7 @@ def test_a_handler_may_replace_the_texts(handle, kind):
     assert all(text.startswith(("word ", "new ")) for text in values.tolist())
 
 
+@pytest.mark.filterwarnings("ignore:Setting the shape on a NumPy array:DeprecationWarning")
 def test_a_handler_may_change_the_shape(handle):
     column = COLUMNS["many texts"].copy()
     answered = []
