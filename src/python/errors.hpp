@@ -118,18 +118,4 @@ PyObject* behind_wall(const char* routine, Body&& body) noexcept {
     return nullptr;
 }
 
-// Returns what `make` returns, or an empty Ref if it fails or memory runs out. The interpreter route then raises the
-// error.
-template <class Make>
-Ref unless_it_fails(Make make) {
-    try {
-        return make();
-    } catch (const PythonError&) {
-        PyErr_Clear();
-    } catch (const std::bad_alloc&) {     // NOLINT(bugprone-empty-catch)
-    } catch (const std::length_error&) {  // NOLINT(bugprone-empty-catch)
-    }
-    return {};
-}
-
 }  // namespace quorin

@@ -84,12 +84,6 @@ bool unlisted_to_floats(const ArrayColumn& part, const References& missing, doub
     return true;
 }
 
-// The conversion of such a number to float64 is invalid, which numpy reports with a warning.
-bool is_signalling_nan(float number) noexcept {
-    constexpr std::uint32_t quiet_bit = 0x00400000;
-    return std::isnan(number) && (std::bit_cast<std::uint32_t>(number) & quiet_bit) == 0;
-}
-
 bool numbers_to_floats(const ArrayColumn& part, const References& missing, double* out) {
     return core::with_number_type(part, [&](auto type) {
         using Number = decltype(type);
@@ -98,7 +92,7 @@ bool numbers_to_floats(const ArrayColumn& part, const References& missing, doubl
         [[maybe_unused]] bool signals = false;  // NOLINT(misc-const-correctness): written for float32
         for (std::size_t row = 0; row < numbers.rows; ++row) {
             const Number number = core::load<Number>(numbers, row);
-            if constexpr (std::is_same_v<Number, float>) signals |= is_signalling_nan(number);
+            if constexpr (std::is_same_v<Number, float>) signals |= core::is_signalling_nan(number);
             out[row] = static_cast<double>(number);
         }
         return !signals;
