@@ -16,13 +16,28 @@ using BitsOf = std::conditional_t<sizeof(Float) == sizeof(std::uint32_t), std::u
 template <class Float>
 constexpr BitsOf<Float> quiet_bit = BitsOf<Float>{1} << (std::numeric_limits<Float>::digits - 2);
 
-// infinity < bits < infinity + quiet bit, without the sign.
+// Orders floats so that the signalling NaN come first, then the quiet ones, then all others: the least rank of several
+// numbers shows whether there is a NaN of either kind among them, the greatest whether there is anything else.
 template <class Float>
-constexpr bool is_signalling_nan(Float value) noexcept {
+constexpr BitsOf<Float> nan_rank(Float value) noexcept {
     using Bits = BitsOf<Float>;
     constexpr Bits infinity = std::bit_cast<Bits>(std::numeric_limits<Float>::infinity());
     const Bits magnitude = std::bit_cast<Bits>(value) & ~(Bits{1} << (8 * sizeof(Bits) - 1));
-    return static_cast<Bits>(magnitude - infinity - 1) < quiet_bit<Float> - 1;
+    // infinity < magnitude for NaN, and infinity < magnitude < infinity + quiet bit for a signalling one.
+    return static_cast<Bits>(magnitude - infinity - 1);
+}
+template <class Float>
+constexpr bool is_signalling_rank(BitsOf<Float> rank) noexcept {
+    return rank < quiet_bit<Float> - 1;
+}
+template <class Float>
+constexpr bool is_nan_rank(BitsOf<Float> rank) noexcept {
+    return rank < 2 * quiet_bit<Float> - 1;
+}
+
+template <class Float>
+constexpr bool is_signalling_nan(Float value) noexcept {
+    return value != value && is_signalling_rank<Float>(nan_rank(value));
 }
 
 }  // namespace quorin::core

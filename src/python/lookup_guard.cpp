@@ -34,11 +34,7 @@ std::vector<Scope>& scopes() {
     return *all;
 }
 
-struct Unchanged {
-    bool date_test = false;
-    bool others = false;
-};
-Unchanged unchanged;
+LookupState current;
 bool own_date_test_is_pure = false;
 
 bool any_changed() noexcept {
@@ -50,24 +46,18 @@ bool any_changed() noexcept {
 #endif
 }
 
-Unchanged look_up_all() noexcept {
-    Unchanged found{own_date_test_is_pure, true};
+LookupState look_up_all() noexcept {
+    LookupState found{.unchanged = true, .date_test_unchanged = own_date_test_is_pure};
     for (const Scope& scope : scopes()) {
         for (const Entry& entry : scope.entries) {
             PyObject* held = PyDict_GetItemWithError(scope.dictionary.get(), entry.name.get());
             if (held == nullptr) PyErr_Clear();
-            if (held != entry.value.get()) (entry.date_test ? found.date_test : found.others) = false;
+            if (held == entry.value.get()) continue;
+            found.date_test_unchanged = false;
+            if (!entry.date_test) found.unchanged = false;
         }
     }
     return found;
-}
-
-// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change
-// a dictionary again.
-void update() noexcept {
-    if (scopes().empty() || !any_changed()) return;
-    for (Scope& scope : scopes()) scope.dictionary.seen();
-    unchanged = look_up_all();
 }
 
 Scope& scope_of(Object dictionary) {
@@ -190,7 +180,7 @@ bool all_watched() noexcept {
 
 void remember_lookups() {
     scopes().clear();
-    unchanged = {};
+    current = {};
     const Ref FC = item(module_names(), "FC"_py);
     own_date_test_is_pure = date_test_is_pure(FC);
     bool complete = true;
@@ -202,17 +192,17 @@ void remember_lookups() {
         return;
     }
     for (Scope& scope : scopes()) scope.dictionary.seen();
-    unchanged = look_up_all();
+    current = look_up_all();
 }
 
-bool lookups_unchanged() noexcept {
-    update();
-    return unchanged.others;
-}
-
-bool lookups_and_date_test_unchanged() noexcept {
-    update();
-    return unchanged.date_test && unchanged.others;
+// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change
+// a dictionary again.
+LookupState lookup_state() noexcept {
+    if (!scopes().empty() && any_changed()) {
+        for (Scope& scope : scopes()) scope.dictionary.seen();
+        current = look_up_all();
+    }
+    return current;
 }
 
 }  // namespace quorin

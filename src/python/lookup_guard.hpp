@@ -5,15 +5,19 @@
 namespace quorin {
 
 // Records the objects that all names of native_lookups() are bound to. Called at the end of start-up, when every
-// routine is made. If it cannot watch one of the names, lookups_unchanged() returns false ever after.
+// routine is made. If it cannot watch one of the names, lookup_state() returns false ever after.
 void remember_lookups();
 
-// Whether all names but those of the date test are bound to the recorded objects. Costs a few loads, unless one of the
-// dictionaries that hold the names has changed since the last call: then every name is looked up again.
-bool lookups_unchanged() noexcept;
+struct LookupState {
+    // All names but those of the date test are bound to the recorded objects.
+    bool unchanged = false;
+    // In addition the names of the date test are, and FC declares that its date test has no side effects: then a call
+    // of the date test whose result is not used can be left out.
+    bool date_test_unchanged = false;
+};
 
-// Whether, in addition, the names of the date test are, and FC declares that its date test has no side effects: then a
-// call of the date test whose result is not used can be left out.
-bool lookups_and_date_test_unchanged() noexcept;
+// Costs a few loads, unless one of the dictionaries that hold the names has changed since the last call: then every
+// name is looked up again. Holds until foreign code runs.
+LookupState lookup_state() noexcept;
 
 }  // namespace quorin

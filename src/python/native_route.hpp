@@ -17,14 +17,15 @@ enum class DateTest { not_called, called };
 
 // Returns what `body` returns. An empty Ref means that the route gives up and the caller takes the interpreter route. A
 // route gives up if
-//   - a name that the interpreter route looks up is not bound to the object that start-up bound;
+//   - a name that the interpreter route looks up is not bound to the object that start-up bound: `known` says so, which
+//     holds until foreign code runs;
 //   - `body` returns an empty Ref;
 //   - memory runs out or the interpreter cannot make an object: the interpreter route then raises the error.
 // `body` calls no foreign code with visible effects, since the interpreter route would repeat them. Interrupted and
 // BorrowViolation pass through.
 template <DateTest date_test = DateTest::not_called, class Body>
-Ref native_route(Body body) {
-    if (!(date_test == DateTest::called ? lookups_and_date_test_unchanged() : lookups_unchanged())) return {};
+Ref native_route(Body body, LookupState known = lookup_state()) {
+    if (!(date_test == DateTest::called ? known.date_test_unchanged : known.unchanged)) return {};
     try {
         return body();
     } catch (const Interrupted&) {

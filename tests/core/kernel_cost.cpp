@@ -468,7 +468,7 @@ void find_null_columns(std::size_t rounds) {
 void compare_with_ordinary(std::size_t rounds) {
     const std::vector<double> numbers = numbers_of<double>(whole_or_missing);
     for (std::size_t round = 0; round < rounds; ++round) {
-        total += all_ordinary<double>(memory_of(numbers), 1e-300, 1e15) ? 1U : 0U;
+        total += all_ordinary<double>(memory_of(numbers), {1e-300, 1e15}) ? 1U : 0U;
     }
 }
 

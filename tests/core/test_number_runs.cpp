@@ -118,13 +118,18 @@ void tables_of_integers() {
 template <class Float>
 void marked_nulls() {
     constexpr Float null = std::numeric_limits<Float>::quiet_NaN();
-    for (std::size_t rows = 0; rows < 40; ++rows) {
-        std::vector<Float> numbers(2 * rows + 1, Float{1});
-        for (std::size_t row = 0; row < rows; row += 3) numbers[2 * row] = row % 2 == 0 ? null : -null;
+    const auto test = [](std::size_t rows, std::size_t step) {
+        std::vector<Float> numbers(step * rows + 1, Float{1});
+        for (std::size_t row = 0; row < rows; row += 3) numbers[step * row] = row % 2 == 0 ? null : -null;
         std::vector<char> mask(rows, 7);
-        const std::size_t nulls = core::mark_nulls<Float>(memory(numbers, rows, 2), mask.data());
+        const std::size_t nulls = core::mark_nulls<Float>(memory(numbers, rows, step), mask.data());
         check(nulls == (rows + 2) / 3, "number of nulls");
+        check(core::count_marked(mask.data(), rows) == nulls, "number of marks");
         for (std::size_t row = 0; row < rows; ++row) check(mask[row] == (row % 3 == 0 ? 1 : 0), "mask of nulls");
+    };
+    for (const std::size_t step : {std::size_t{1}, std::size_t{2}}) {
+        for (std::size_t rows = 0; rows < 40; ++rows) test(rows, step);
+        for (const std::size_t rows : {4079U, 4080U, 4081U, 4096U, 8160U, 10001U}) test(rows, step);
     }
 }
 

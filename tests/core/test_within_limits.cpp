@@ -61,7 +61,10 @@ void one_out_of_line() {
                                          static_cast<std::ptrdiff_t>(step * sizeof(Number)), size};
         const std::string what = "column " + std::to_string(i);
         check(core::all_within<Number>(memory, factor, limits) == expected, what);
-        check(core::all_ordinary<Number>(memory, least, 100.0) == ordinary, what + ": ordinary");
+        check(core::all_ordinary<Number>(memory, {least, 100.0}) == ordinary, what + ": ordinary");
+        const core::Fit fit = core::fit<Number>(memory, factor, limits, {least, 100.0});
+        const core::Fit known = expected ? core::Fit::all : core::Fit::not_all;
+        check(fit == known || (fit == core::Fit::unknown && !ordinary), what + ": fit");
     }
 }
 
@@ -90,13 +93,41 @@ void bounds_of_ordinary_numbers() {
                 std::vector<Float> column(rows, Float{50});
                 std::memcpy(&column[place], &number, sizeof number);
                 const core::StridedMemory memory{reinterpret_cast<const char*>(column.data()), sizeof(Float), rows};
-                check(core::all_ordinary<Float>(memory, 2, 100) == expected, std::to_string(number));
+                check(core::all_ordinary<Float>(memory, {2, 100}) == expected, std::to_string(number));
+            }
+        }
+    }
+}
+
+// A number that is not ordinary leaves the fit unknown, wherever it is, unless an earlier block holds a number that is
+// outside the limits.
+template <class Float>
+void fit_of_numbers_that_are_not_ordinary() {
+    using Numbers = std::numeric_limits<Float>;
+    const Float cases[] = {Numbers::denorm_min(), -Numbers::min(), Numbers::infinity(), Numbers::max(),
+                           Numbers::signaling_NaN()};
+    for (const Float& number : cases) {
+        for (const double min : {-60.0, 0.0, 40.0}) {
+            for (const std::size_t place : {std::size_t{0}, std::size_t{1}, std::size_t{5000}, std::size_t{9999}}) {
+                std::vector<Float> column(10000, Float{50});
+                std::memcpy(&column[place], &number, sizeof number);
+                const core::StridedMemory memory{reinterpret_cast<const char*>(column.data()), sizeof(Float), 10000};
+                const core::Limits limits{50, 1e6, min, 60};
+                const core::Ordinary ordinary{2.0 * Numbers::min(), 1e15};
+                const std::string what = std::to_string(min) + " " + std::to_string(place);
+                check(core::fit<Float>(memory, 1, limits, ordinary) == core::Fit::unknown, what);
+                column[0] = Float{70};
+                const bool same_block = place < 4096;
+                const core::Fit fit = core::fit<Float>(memory, 1, limits, ordinary);
+                check(fit == core::Fit::not_all || (same_block && fit == core::Fit::unknown), what + " after 70");
             }
         }
     }
 }
 
 const std::array tests{
+    Test{"fit of float64 that are not ordinary", fit_of_numbers_that_are_not_ordinary<double>},
+    Test{"fit of float32 that are not ordinary", fit_of_numbers_that_are_not_ordinary<float>},
     Test{"bounds of ordinary float64", bounds_of_ordinary_numbers<double>},
     Test{"bounds of ordinary float32", bounds_of_ordinary_numbers<float>},
     Test{"limits of float64", one_out_of_line<double>},

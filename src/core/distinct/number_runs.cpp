@@ -1,5 +1,6 @@
 #include "core/distinct/number_runs.hpp"
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -10,12 +11,50 @@
 
 namespace quorin::core {
 
+namespace {
+
+// Rows whose marks fill one register.
+constexpr std::size_t together = sizeof(Bytes);
+
+// 1 for each null of `together` rows, 0 for the others.
+template <class Float, class Stride>
+Bytes null_marks(const Elements<Float, Float, Stride>& elements, std::size_t row) noexcept {
+    const auto nulls = [&](std::size_t i) { return is_null<Float>(elements.pack(row + i * lanes<Float>)); };
+    if constexpr (lanes<Float> == 4) {
+        return halved_to_8(halved_to_16(nulls(0), nulls(1)), halved_to_16(nulls(2), nulls(3))) & 1;
+    } else {
+        const auto four = [&](std::size_t i) { return halved_to_32(nulls(i), nulls(i + 1)); };
+        return halved_to_8(halved_to_16(four(0), four(2)), halved_to_16(four(4), four(6))) & 1;
+    }
+}
+
+// The sum of marks_at(row), bytes that are 0 or 1, over all multiples of `together` below `rows`.
+template <class MarksAt>
+std::size_t sum_of_marks(std::size_t rows, MarksAt marks_at) noexcept {
+    // As many as a byte counts.
+    constexpr std::size_t block = 255 * together;
+    std::size_t total = 0;
+    for (std::size_t row = 0; row < rows;) {
+        const std::size_t end = std::min(rows, row + block);
+        Bytes counts{};
+        for (; row < end; row += together) counts += marks_at(row);
+        total += sum(counts);
+    }
+    return total;
+}
+
+}  // namespace
+
 template <class Float>
 std::size_t mark_nulls(const StridedMemory& column, char* mask) noexcept {
-    const std::size_t rows = column.rows;
-    return with_elements<Float>(column, [=](auto elements) {
-        std::size_t nulls = 0;
-        for (std::size_t row = 0; row < rows; ++row) {
+    const std::size_t in_packs = column.rows - column.rows % together;
+    return with_elements<Float>(column, [=, rows = column.rows](auto elements) {
+        std::size_t nulls = sum_of_marks(in_packs, [=](std::size_t row) {
+            const Bytes marks = null_marks(elements, row);
+            std::memcpy(mask + row, &marks, sizeof marks);
+            return marks;
+        });
+        for (std::size_t row = in_packs; row < rows; ++row) {
             const Float value = elements.one(row);
             const bool null = value != value;
             mask[row] = static_cast<char>(null);
@@ -26,8 +65,13 @@ std::size_t mark_nulls(const StridedMemory& column, char* mask) noexcept {
 }
 
 std::size_t count_marked(const char* mask, std::size_t rows) noexcept {
-    std::size_t marked = 0;
-    for (std::size_t row = 0; row < rows; ++row) marked += static_cast<std::size_t>(mask[row] != 0);
+    const std::size_t in_packs = rows - rows % together;
+    std::size_t marked = sum_of_marks(in_packs, [=](std::size_t row) {
+        Bytes bytes{};
+        std::memcpy(&bytes, mask + row, sizeof bytes);
+        return std::bit_cast<Bytes>(bytes != 0) & 1;
+    });
+    for (std::size_t row = in_packs; row < rows; ++row) marked += static_cast<std::size_t>(mask[row] != 0);
     return marked;
 }
 
@@ -93,8 +137,10 @@ Range<Integer> range_of(const StridedMemory& column) noexcept {
     });
 }
 
+// The view is copied: the stores through `table` could otherwise change it.
 template <class Integer>
-void count_each(const StridedMemory& column, Integer least, std::ptrdiff_t* table) noexcept {
+void count_each(const StridedMemory& memory, Integer least, std::ptrdiff_t* table) noexcept {
+    const StridedMemory column = memory;
     using Distance = std::make_unsigned_t<Integer>;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const auto value = static_cast<Distance>(load<Integer>(column, row));

@@ -15,7 +15,10 @@ namespace {
 // What an earlier block has shown is not tested again.
 template <class Float>
 void gather_block(NumberFacts& facts, const NumberTests<Float>& tests, const StridedMemory& block) noexcept {
-    if (!facts.nulls && !facts.fractions && !tests.any_doubtful(block)) return;
+    if (!facts.fractions) {
+        const auto first_test = facts.nulls ? tests.any_fraction_infinite_or_signalling : tests.any_doubtful;
+        if (!first_test(block)) return;
+    }
     if (!facts.nulls) facts.nulls = tests.any_null(block);
     if (!facts.fractions) facts.fractions = tests.any_fraction_or_infinite(block);
     if (facts.nulls) facts.signalling_nan = facts.signalling_nan || tests.any_signalling_nan(block);

@@ -133,7 +133,8 @@ Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const Re
         references.longest() < longest_character<Cells> ? longest_character<Cells> : references.longest();
     for (; row < last; ++row) {
         cells.prefetch(row + prefetch_distance);
-        if (cells.longer_than(row, longest)) continue;
+        if (cells.longer_than(row, longest)) [[likely]]
+            continue;
         TextView text{};
         switch (cells.read(row, text)) {
             case Cell::text:

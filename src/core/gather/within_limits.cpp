@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <type_traits>
 
+#include "core/gather/number_facts.hpp"
 #include "core/simd/elements.hpp"
 
 namespace quorin::core {
@@ -28,10 +30,10 @@ bool any(const StridedMemory& column, Test test) noexcept {
 }  // namespace
 
 template <class Number>
-bool all_ordinary(const StridedMemory& column, double least, double most) noexcept {
+bool all_ordinary(const StridedMemory& column, const Ordinary& ordinary) noexcept {
     using Float = Arithmetic<Number>;
-    const Float lower = static_cast<Float>(least);
-    const Float upper = static_cast<Float>(most);
+    const Float lower = static_cast<Float>(ordinary.least);
+    const Float upper = static_cast<Float>(ordinary.most);
     return !any<Number>(column, [=](Numbers<Float> x) {
         const Numbers<Float> size = magnitude<Float>(x);
         const Bytes tiny = bytes<Float>(size < lower) & bytes<Float>(size != Float{0});
@@ -55,13 +57,39 @@ bool all_within(const StridedMemory& column, double factor, const Limits& limits
     });
 }
 
-template bool all_ordinary<double>(const StridedMemory&, double, double) noexcept;
-template bool all_ordinary<float>(const StridedMemory&, double, double) noexcept;
-template bool all_ordinary<std::int64_t>(const StridedMemory&, double, double) noexcept;
-template bool all_ordinary<std::uint8_t>(const StridedMemory&, double, double) noexcept;
+// Within positive limits every product is a normal number, so that a number within them is ordinary unless it is a
+// signalling NaN.
+template <class Number>
+Fit fit(const StridedMemory& column, double factor, const Limits& limits, const Ordinary& ordinary) noexcept {
+    using Float = Arithmetic<Number>;
+    constexpr std::size_t block = 4096;
+    constexpr bool floats = std::is_same_v<Number, Float>;
+    const bool positive = limits.min >= 4.0 * std::numeric_limits<Float>::min() && limits.max <= ordinary.most;
+    for (std::size_t begin = 0; begin < column.rows; begin += block) {
+        const StridedMemory part = column.part(begin, std::min(column.rows, begin + block));
+        if constexpr (floats) {
+            if (positive && all_within<Number>(part, factor, limits)) {
+                if (any_signalling_nan<Float>(part)) return Fit::unknown;
+                continue;
+            }
+        }
+        if (!all_ordinary<Number>(part, ordinary)) return Fit::unknown;
+        if (!all_within<Number>(part, factor, limits)) return Fit::not_all;
+    }
+    return Fit::all;
+}
+
+template bool all_ordinary<double>(const StridedMemory&, const Ordinary&) noexcept;
+template bool all_ordinary<float>(const StridedMemory&, const Ordinary&) noexcept;
+template bool all_ordinary<std::int64_t>(const StridedMemory&, const Ordinary&) noexcept;
+template bool all_ordinary<std::uint8_t>(const StridedMemory&, const Ordinary&) noexcept;
 template bool all_within<double>(const StridedMemory&, double, const Limits&) noexcept;
 template bool all_within<float>(const StridedMemory&, double, const Limits&) noexcept;
 template bool all_within<std::int64_t>(const StridedMemory&, double, const Limits&) noexcept;
 template bool all_within<std::uint8_t>(const StridedMemory&, double, const Limits&) noexcept;
+template Fit fit<double>(const StridedMemory&, double, const Limits&, const Ordinary&) noexcept;
+template Fit fit<float>(const StridedMemory&, double, const Limits&, const Ordinary&) noexcept;
+template Fit fit<std::int64_t>(const StridedMemory&, double, const Limits&, const Ordinary&) noexcept;
+template Fit fit<std::uint8_t>(const StridedMemory&, double, const Limits&, const Ordinary&) noexcept;
 
 }  // namespace quorin::core

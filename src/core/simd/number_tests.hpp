@@ -13,6 +13,7 @@ struct NumberTests {
     Test any_null;  // NaN
     Test any_signalling_nan;
     Test any_fraction_or_infinite;
+    Test any_fraction_infinite_or_signalling;  // the two above in one pass
     // True if any_null or any_fraction_or_infinite is true; true or false for other numbers of a large magnitude.
     Test any_doubtful;
 };

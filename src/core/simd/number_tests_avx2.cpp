@@ -86,6 +86,12 @@ struct FractionOrInfinite {
     }
 };
 template <class Ops>
+struct FractionInfiniteOrSignalling {
+    QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) {
+        return Ops::either(FractionOrInfinite<Ops>::of(x), Ops::signalling_nan(x));
+    }
+};
+template <class Ops>
 struct Doubtful {
     QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) {
         return Ops::either(Ops::fraction(x), Ops::null_or_infinite(x));
@@ -126,6 +132,8 @@ const NumberTests<Float>& avx2_tests() noexcept {
         .any_null = any_of<Float, Null, &Tests::any_null>,
         .any_signalling_nan = any_of<Float, SignallingNan, &Tests::any_signalling_nan>,
         .any_fraction_or_infinite = any_of<Float, FractionOrInfinite, &Tests::any_fraction_or_infinite>,
+        .any_fraction_infinite_or_signalling =
+            any_of<Float, FractionInfiniteOrSignalling, &Tests::any_fraction_infinite_or_signalling>,
         .any_doubtful = any_of<Float, Doubtful, &Tests::any_doubtful>,
     };
     return tests;

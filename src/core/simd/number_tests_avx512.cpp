@@ -101,6 +101,8 @@ const NumberTests<Float>& avx512_tests() noexcept {
         .any_null = any_of<Float, nan, do_not_count, &Tests::any_null>,
         .any_signalling_nan = any_of<Float, signalling_nan, do_not_count, &Tests::any_signalling_nan>,
         .any_fraction_or_infinite = any_of<Float, infinite, count, &Tests::any_fraction_or_infinite>,
+        .any_fraction_infinite_or_signalling =
+            any_of<Float, infinite | signalling_nan, count, &Tests::any_fraction_infinite_or_signalling>,
         .any_doubtful = any_of<Float, nan | infinite, count, &Tests::any_doubtful>,
     };
     return tests;

@@ -21,6 +21,7 @@ const NumberTests<Float>& baseline_tests() noexcept {
         .any_null = any_of<Float, is_null<Float>>,
         .any_signalling_nan = any_of<Float, is_signalling_nan<Float>>,
         .any_fraction_or_infinite = any_of<Float, is_fraction_or_infinite<Float>>,
+        .any_fraction_infinite_or_signalling = any_of<Float, is_fraction_infinite_or_signalling<Float>>,
         .any_doubtful = any_of<Float, is_doubtful<Float>>,
     };
     return tests;

@@ -60,6 +60,42 @@ inline bool any_set(Bytes bytes) noexcept {
     return (halves[0] | halves[1]) != 0;
 }
 
+// Halves the lanes of two comparison results into one. All bits of a lane are equal, so that either half represents it.
+inline Bytes halved_to_32(Bytes a, Bytes b) noexcept {
+    using Lanes [[gnu::vector_size(16)]] = std::int32_t;
+    const auto low = std::bit_cast<Lanes>(a);
+    const auto high = std::bit_cast<Lanes>(b);
+#ifdef __clang__
+    return std::bit_cast<Bytes>(__builtin_shufflevector(low, high, 0, 2, 4, 6));
+#else
+    return std::bit_cast<Bytes>(__builtin_shuffle(low, high, Lanes{0, 2, 4, 6}));
+#endif
+}
+inline Bytes halved_to_16(Bytes a, Bytes b) noexcept {
+    using Lanes [[gnu::vector_size(16)]] = std::int16_t;
+    const auto low = std::bit_cast<Lanes>(a);
+    const auto high = std::bit_cast<Lanes>(b);
+#ifdef __clang__
+    return std::bit_cast<Bytes>(__builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14));
+#else
+    return std::bit_cast<Bytes>(__builtin_shuffle(low, high, Lanes{0, 2, 4, 6, 8, 10, 12, 14}));
+#endif
+}
+inline Bytes halved_to_8(Bytes a, Bytes b) noexcept {
+#ifdef __clang__
+    return __builtin_shufflevector(a, b, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
+#else
+    return __builtin_shuffle(a, b, Bytes{0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30});
+#endif
+}
+
+// The sum of the bytes.
+inline std::size_t sum(Bytes bytes) noexcept {
+    std::size_t total = 0;
+    for (std::size_t i = 0; i < sizeof bytes; ++i) total += bytes[i];
+    return total;
+}
+
 // The tests below set at least one bit of each lane for which they hold.
 
 template <class Float>
@@ -88,6 +124,11 @@ Bytes is_fraction_or_infinite(Numbers<Float> x) noexcept {
     const Numbers<Float> size = magnitude<Float>(x);
     const Bytes fraction = bytes<Float>(rounded<Float>(size) != size) & bytes<Float>(size < always_whole<Float>);
     return fraction | bytes<Float>(size == std::numeric_limits<Float>::infinity());
+}
+
+template <class Float>
+Bytes is_fraction_infinite_or_signalling(Numbers<Float> x) noexcept {
+    return is_fraction_or_infinite<Float>(x) | is_signalling_nan<Float>(x);
 }
 
 // Holds for NaN, for fractions and for every number from always_whole on: fewer instructions than an exact test.

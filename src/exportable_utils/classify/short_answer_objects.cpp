@@ -1,6 +1,8 @@
 // Columns of objects that are numbers.
+#include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstdint>
 
 #include "core/float_bits.hpp"
 #include "exportable_utils/classify/short_facts.hpp"
@@ -39,24 +41,41 @@ class NumberObjects {
     const References& references_;
 };
 
-// Facts about exact floats. A local one is kept in registers.
-struct FloatFacts {
-    bool signalling_nan = false;
-    bool nan = false;
-    bool reals = false;
-    bool fractions = false;
-
-    // Tests nothing again that an earlier number has shown.
+// Facts about floats. The least and the greatest rank hold three of them, without a branch.
+class FloatFacts {
+  public:
     void add(double real) noexcept {
-        if (core::is_signalling_nan(real)) [[unlikely]]
-            signalling_nan = true;
-        if (nan && reals && fractions) return;
-        const bool is_nan = std::isnan(real);
-        nan = nan || is_nan;
-        reals = reals || !is_nan;
-        fractions = fractions || !(is_nan || is_whole(real));
+        const std::uint64_t rank = core::nan_rank(real);
+        least_ = std::min(least_, rank);
+        greatest_ = std::max(greatest_, rank);
+        if (!fractions_) fractions_ = !core::is_nan_rank<double>(rank) && !is_whole(real);
     }
+    [[nodiscard]] bool signalling_nan() const noexcept { return core::is_signalling_rank<double>(least_); }
+    [[nodiscard]] bool nan() const noexcept { return core::is_nan_rank<double>(least_); }
+    [[nodiscard]] bool reals() const noexcept { return !core::is_nan_rank<double>(greatest_); }
+    [[nodiscard]] bool fractions() const noexcept { return fractions_; }
+
+  private:
+    std::uint64_t least_ = ~std::uint64_t{0};
+    std::uint64_t greatest_ = 0;
+    bool fractions_ = false;
 };
+
+// Adds the exact floats of rows row, row + 1, ... up to the first other object, and returns its row; `last` if there is
+// none. Not inlined, so that the loop has all registers.
+[[gnu::noinline]] std::size_t add_floats(const ObjectCells& objects, std::size_t row, std::size_t last,
+                                         FloatFacts& floats) noexcept {
+    const ObjectCells cells = objects;
+    FloatFacts facts = floats;
+    for (; row < last; ++row) {
+        cells.prefetch(row + core::prefetch_distance);
+        PyObject* value = cells.object(row);
+        if (value == nullptr || Py_TYPE(value) != &PyFloat_Type) break;
+        facts.add(PyFloat_AS_DOUBLE(value));
+    }
+    floats = facts;
+    return row;
+}
 
 bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::size_t last) {
     const ObjectCells cells(column);
@@ -70,19 +89,19 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
         if (value == nullptr) break;
         const PyTypeObject* type = Py_TYPE(value);
         if (type == &PyFloat_Type && !compared) {
-            floats.add(PyFloat_AS_DOUBLE(value));
+            row = add_floats(cells, row, last, floats) - 1;
         } else if (type == &PyLong_Type && !compared) {
             whole_numbers = true;  // of any size
         } else if (!add(value)) {
             break;
         }
     }
-    nan = nan || floats.nan;
-    reals = reals || floats.reals;
-    fractions = fractions || floats.fractions;
+    nan = nan || floats.nan();
+    reals = reals || floats.reals();
+    fractions = fractions || floats.fractions();
     integers = integers || whole_numbers;
     // numpy warns of a signalling NaN.
-    return row == last && !floats.signalling_nan;
+    return row == last && !floats.signalling_nan();
 }
 
 bool NumberObjects::add(PyObject* value) {

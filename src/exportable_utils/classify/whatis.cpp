@@ -63,14 +63,15 @@ Ref answer_shortly(const Question& question, NativeArguments& arguments) {
     constexpr std::size_t sample_size = 50;
     const bool pair_only = question.use_dtype_str1_flag.is(Py_True) && question.return_stats_flag.is(Py_False);
     if (!pair_only || !question.plain() || !arguments.known()) return {};
-    const bool date_test_is_silent = lookups_and_date_test_unchanged();
+    const LookupState known = lookup_state();
     Ref sample;
-    Ref answer = native_route([&]() -> Ref {
+    const auto body = [&]() -> Ref {
         Ref pair = short_answer(arguments, question.first_only());
-        if (!pair || date_test_is_silent) return pair;
+        if (!pair || known.date_test_unchanged) return pair;
         sample = least_texts(arguments, sample_size);
         return sample ? std::move(pair) : Ref();
-    });
+    };
+    Ref answer = native_route(body, known);
     if (answer && sample) static_cast<void>(truth(date_test()({sample})));
     return answer;
 }
@@ -118,7 +119,7 @@ Ref classify(const Question& question, const NativeArguments& arguments) {
     conclusion.constant_column_flag = constant_column_flag;
     const auto pair = [&] { return tuple({conclusion.new_missing_values_list, conclusion.dtype_str_final}); };
     // FC's own date test has no effect but its result, which only the statistics report.
-    if (partition.natively && question.return_stats_flag.is(Py_False) && lookups_and_date_test_unchanged()) {
+    if (partition.natively && question.return_stats_flag.is(Py_False) && lookup_state().date_test_unchanged) {
         return pair();
     }
     const Ref datetime_flag = find_datetime_flag(XX, conclusion.kind_by_last_value, progress);

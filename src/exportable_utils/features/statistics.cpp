@@ -134,15 +134,12 @@ std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
     return limits;
 }
 
-// A number x with |x| >= least_magnitude underflows with none of the factors: |factor * x| >= 2 * least_normal. A
-// difference never underflows: if it is smaller than the least normal number, it is exact.
-double least_magnitude(const std::vector<double>& factors, const Arithmetic& arithmetic) noexcept {
-    double least = 0.0;
-    for (const double factor : factors) {
-        if (factor != 0) least = std::max(least, 2 * arithmetic.least_normal / std::fabs(factor));
-    }
+// No product of an ordinary number underflows: |factor * x| >= 2 * least_normal for |x| >= least. A difference never
+// underflows: if it is smaller than the least normal number, it is exact.
+core::Ordinary ordinary_numbers(double factor, const Arithmetic& arithmetic) noexcept {
+    const double least = factor == 0 ? 0.0 : 2 * arithmetic.least_normal / std::fabs(factor);
     // Within the range of float32, and above every number that the kernels compute with.
-    return std::min(least, 2 * modest_limit);
+    return {std::min(least, 2 * modest_limit), arithmetic.most};
 }
 
 // Since numpy 2 the product and the difference of a float32 and a Python number are float32, before it they may be
@@ -156,24 +153,20 @@ bool products_stay_float32() {
            is_float32(subtract(one, 1.0));
 }
 
-// Whether all elements fit with some factor. Gives up if an element overflows, underflows or is a signalling NaN: numpy
-// may warn or raise then.
+// Whether all elements fit with some factor. Gives up if an element that the interpreter route may reach overflows,
+// underflows or is a signalling NaN: numpy may warn or raise then.
 template <class Number>
 Ref passes(const ColumnSource& column, const Arithmetic& arithmetic, const std::vector<double>& factors,
            const core::Limits& limits) {
-    const double least = least_magnitude(factors, arithmetic);
-    const bool ordinary = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
-        return core::all_ordinary<Number>(values.part(first, last), least, arithmetic.most);
-    });
-    if (!ordinary) return {};
     for (const double factor : factors) {
-        bool within = true;
+        const core::Ordinary ordinary = ordinary_numbers(factor, arithmetic);
+        core::Fit fit = core::Fit::unknown;
         const bool done = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
-            within = core::all_within<Number>(values.part(first, last), factor, limits);
-            return within;
+            fit = core::fit<Number>(values.part(first, last), factor, limits, ordinary);
+            return fit == core::Fit::all;
         });
         if (done) return Ref::truth(true);
-        if (within) return {};  // the column changed meanwhile
+        if (fit != core::Fit::not_all) return {};  // or the column has changed meanwhile
     }
     return Ref::truth(false);
 }

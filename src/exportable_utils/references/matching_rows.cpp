@@ -151,7 +151,8 @@ bool match_fixed_texts(const ArrayColumn& column, const Wanted& wanted, OnMatch 
     const References& references = wanted.references;
     const ArrayTextCells cells(column);
     for (std::size_t row = 0; row < column.rows; ++row) {
-        if (cells.longer_than(row, references.texts.longest())) continue;
+        if (cells.longer_than(row, references.texts.longest())) [[likely]]
+            continue;
         core::TextView text{};
         cells.read(row, text);
         if (const ReferenceBits found = references.texts.find(text); found != 0) {

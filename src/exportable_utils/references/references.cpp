@@ -48,10 +48,22 @@ bool add_all(References& references, Object list, Texts texts) {
     return true;
 }
 
-// One returned object, built in the caller's place: References is large.
+// References is large: both functions build the one object that they return in the caller's place, and do not begin
+// with an empty one, all of which the compiler would fill with zeros.
 std::optional<References> read_list(Object list, Texts texts) {
     std::optional<References> references(std::in_place);
     if (!add_all(*references, list, texts)) references.reset();
+    return references;
+}
+
+std::optional<References> read_set(Object set) {
+    std::optional<References> references(std::in_place);
+    const Ref members = iterate(set);
+    while (const Ref member = next(members)) {
+        if (add(*references, member.get(), Texts::read) && references->null_bits == 0) continue;
+        references.reset();
+        break;
+    }
     return references;
 }
 
@@ -67,16 +79,8 @@ std::optional<References> read_references(Object list, Storage storage) {
 }
 
 std::optional<References> read_members(Object set) {
-    std::optional<References> references;
-    if (!PyAnySet_CheckExact(set.get())) return references;
-    references.emplace();
-    const Ref members = iterate(set);
-    while (const Ref member = next(members)) {
-        if (add(*references, member.get(), Texts::read) && references->null_bits == 0) continue;
-        references.reset();
-        break;
-    }
-    return references;
+    if (!PyAnySet_CheckExact(set.get())) return std::nullopt;
+    return read_set(set);
 }
 
 bool unchanged_by_asarray(const References& references) noexcept {

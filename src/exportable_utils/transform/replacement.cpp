@@ -83,41 +83,40 @@ bool holds(Object mask, bool wanted) noexcept {
     return std::memchr(PyArray_BYTES(as_array(mask)), wanted ? 1 : 0, size) != nullptr;
 }
 
+bool known_to_isin(const References& references) noexcept {
+    return references.null_bits == 0 || references::unchanged_by_asarray(references);
+}
+
 std::optional<References> references_for_isin(Object list) {
-    if (!PyList_CheckExact(list.get())) return std::nullopt;
     std::optional<References> references = references::read_references(list);
-    if (references && references->null_bits != 0 && !references::unchanged_by_asarray(*references)) references.reset();
+    if (!PyList_CheckExact(list.get()) || (references && !known_to_isin(*references))) references.reset();
     return references;
 }
 
-Ref column_mask(Object X, std::size_t j, const References& references) {
+Ref column_mask(Object X, std::size_t j, const std::optional<References>& references) {
     const std::optional<ColumnSource> column =
         PyArray_NDIM(as_array(X)) == 1 ? ColumnSource::flat(X) : ColumnSource::of_table(X, static_cast<npy_intp>(j));
-    return column ? references::membership_mask(*column, references) : Ref();
+    return column && references ? references::membership_mask(*column, *references) : Ref();
 }
 
 // For each column the mask of the elements that equal a reference value. `lists` is one list of reference values for
 // all columns, or a list of such lists. Nothing to give up.
 std::optional<std::vector<Ref>> column_masks(Object X, const TableMemory& memory, Object lists) {
     const bool list_for_each = PyList_Check(PyList_GET_ITEM(lists.get(), 0));
+    // Nothing for a list of lists.
+    const std::optional<References> shared = references_for_isin(lists);
     std::vector<Ref> masks;
-    std::optional<References> references;
     std::size_t unanswered = 0;  // elements since signals were answered
     for (std::size_t j = 0; j < memory.width; ++j, unanswered += memory.first.rows) {
         if (unanswered >= rows_between_signals) {
             answer_signals();
             unanswered = 0;
         }
-        if (list_for_each) {
-            // The size is read anew for each column, because foreign code may have changed the list.
-            const auto index = static_cast<Py_ssize_t>(j);
-            if (index >= PyList_GET_SIZE(lists.get())) return std::nullopt;
-            references = references_for_isin(PyList_GET_ITEM(lists.get(), index));
-        } else if (j == 0) {
-            references = references_for_isin(lists);
-        }
-        if (!references) return std::nullopt;
-        Ref mask = column_mask(X, j, *references);
+        // The size is read anew for each column, because foreign code may have changed the list.
+        const auto index = static_cast<Py_ssize_t>(j);
+        if (list_for_each && index >= PyList_GET_SIZE(lists.get())) return std::nullopt;
+        Ref mask = list_for_each ? column_mask(X, j, references_for_isin(PyList_GET_ITEM(lists.get(), index)))
+                                 : column_mask(X, j, shared);
         if (!mask || static_cast<std::size_t>(PyArray_SIZE(as_array(mask))) != memory.first.rows) return std::nullopt;
         masks.push_back(std::move(mask));
     }

@@ -52,6 +52,7 @@ class ColumnSource {
     }
     // Borrows the column. Nothing if its memory, shape or type has changed since the source was made.
     [[nodiscard]] std::optional<ArrayColumn> borrow() const noexcept {
+        if (is_known_vector()) return ArrayColumn{before_, as_array(array_), {}};
         std::optional<ArrayColumn> column = look();
         if (column && !column->is_same_memory(before_)) column.reset();
         return column;
@@ -71,17 +72,29 @@ class ColumnSource {
 
   private:
     ColumnSource(Object X, npy_intp j) noexcept : array_(X), j_(j) {}
+    // Whether the array has one dimension and is the column that the source was made of. Cheaper than look(), which
+    // finds out all of it again.
+    [[nodiscard]] bool is_known_vector() const noexcept {
+        PyArrayObject* array = as_array(array_);
+        return j_ < 0 && is_exact_array(array_) && PyArray_NDIM(array) == 1 && PyArray_BYTES(array) == before_.data &&
+               static_cast<std::size_t>(PyArray_DIM(array, 0)) == before_.rows &&
+               PyArray_STRIDE(array, 0) == before_.stride && PyArray_TYPE(array) == type_ &&
+               static_cast<std::size_t>(PyArray_ITEMSIZE(array)) == before_.width && PyArray_ISALIGNED(array) &&
+               PyArray_ISNOTSWAPPED(array);
+    }
     [[nodiscard]] std::optional<ArrayColumn> look() const noexcept;
     std::optional<ColumnSource> if_known() noexcept {
         const std::optional<ArrayColumn> column = look();
         if (!column) return std::nullopt;
         before_ = *column;
+        type_ = PyArray_TYPE(as_array(array_));
         return *this;
     }
 
     Object array_;
     npy_intp j_;  // of a table; -1 for an array that is one column
     core::Column before_{};
+    int type_ = -1;  // the dtype's number
 };
 
 // A column that stays borrowed through a long loop, except while signals are answered.
