@@ -185,6 +185,7 @@ class TextGatherer {
     [[nodiscard]] bool gave_up() const noexcept { return gave_up_; }
     [[nodiscard]] TextFacts finish() const noexcept {
         TextFacts facts = facts_;
+        facts.integers = facts.integers || digits_;
         facts.texts = facts.plain || facts.numbers();
         const std::uint32_t least = digits_ && least_start_ > '0' ? '0' : least_start_;
         facts.lone_may_be_above = facts.numbers() && lone_texts_.may_be_above(least);
@@ -239,13 +240,13 @@ class TextGatherer {
         }
         const auto first = static_cast<std::uint8_t>(text.value());
         if (others_of(text) == 0) {
-            facts_.integers = true;
             digits_ = true;
             return true;
         }
-        if (text.length == 1 && lone_texts_.has_ascii(first)) return true;
         const TextClass text_class = classify_short(text);
-        if (text_class != TextClass::integer && text_class != TextClass::real) return false;
+        if (text_class != TextClass::integer && text_class != TextClass::real) {
+            return text.length == 1 && lone_texts_.has_ascii(first);
+        }
         add_number(text_class, first);
         return true;
     }

@@ -10,18 +10,29 @@ namespace {
 // The value of texts that are not ASCII.
 constexpr std::uint64_t not_ascii = ~std::uint64_t{0};
 
-// The last characters, up to eight, the first of them lowest.
-std::uint64_t value_of(TextView text) noexcept {
-    const std::size_t start = text.size <= 8 ? 0 : text.size - 8;
+template <class Unit>
+std::uint64_t value_of(const Unit* units, std::size_t size) noexcept {
     std::uint32_t all = 0;
-    for (std::size_t i = 0; i < start; ++i) all |= unit(text, i);
+    for (; size > 8; --size) all |= *units++;
     std::uint64_t value = 0;
-    for (std::size_t i = start; i < text.size; ++i) {
-        const std::uint32_t c = unit(text, i);
+    while (size != 0) {
+        const std::uint32_t c = units[--size];
         all |= c;
-        value |= std::uint64_t{c} << (8 * (i - start));
+        value = value << 8U | c;
     }
     return all <= 0x7f ? value : not_ascii;
+}
+
+// The last characters, up to eight, the first of them lowest.
+std::uint64_t value_of(TextView text) noexcept {
+    switch (text.width) {
+        case 1:
+            return value_of(static_cast<const std::uint8_t*>(text.characters), text.size);
+        case 2:
+            return value_of(static_cast<const std::uint16_t*>(text.characters), text.size);
+        default:
+            return value_of(static_cast<const std::uint32_t*>(text.characters), text.size);
+    }
 }
 
 std::size_t size_in_utf8(std::uint32_t c) noexcept {
@@ -91,6 +102,7 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
 ReferenceBits ReferenceTexts::find_filtered(const void* characters, std::size_t size, int width,
                                             Encoding encoding) const noexcept {
     const TextView text{characters, size, width, encoding};
+    if (size == 1 && unit(text, 0) <= 0x7f) return find_value(unit(text, 0), 1);
     const std::uint64_t value = value_of(text);
     if (value == not_ascii && text.is_utf8()) {
         ReferenceBits found = 0;

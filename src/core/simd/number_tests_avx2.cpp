@@ -40,6 +40,12 @@ struct Double {
         const Numbers size = _mm256_andnot_pd(_mm256_set1_pd(-0.0), x);
         return _mm256_cmp_pd(size, _mm256_set1_pd(__builtin_inf()), _CMP_EQ_OQ);
     }
+    // All bits of the exponent are 1 and the quiet bit is 0.
+    QUORIN_AVX2 static Numbers infinite_or_signalling(Numbers x) {
+        const __m256i exponent_and_quiet = _mm256_set1_epi64x(0x7ff8000000000000);
+        const __m256i bits = _mm256_and_si256(_mm256_castpd_si256(x), exponent_and_quiet);
+        return _mm256_castsi256_pd(_mm256_cmpeq_epi64(bits, _mm256_set1_epi64x(0x7ff0000000000000)));
+    }
     QUORIN_AVX2 static Numbers null_or_infinite(Numbers x) {
         const Numbers size = _mm256_andnot_pd(_mm256_set1_pd(-0.0), x);
         return _mm256_cmp_pd(size, _mm256_set1_pd(__builtin_inf()), _CMP_NLT_UQ);
@@ -63,6 +69,10 @@ struct Single {
     QUORIN_AVX2 static Numbers infinite(Numbers x) {
         const Numbers size = _mm256_andnot_ps(_mm256_set1_ps(-0.0F), x);
         return _mm256_cmp_ps(size, _mm256_set1_ps(__builtin_inff()), _CMP_EQ_OQ);
+    }
+    QUORIN_AVX2 static Numbers infinite_or_signalling(Numbers x) {
+        const __m256i bits = _mm256_and_si256(_mm256_castps_si256(x), _mm256_set1_epi32(0x7fc00000));
+        return _mm256_castsi256_ps(_mm256_cmpeq_epi32(bits, _mm256_set1_epi32(0x7f800000)));
     }
     QUORIN_AVX2 static Numbers null_or_infinite(Numbers x) {
         const Numbers size = _mm256_andnot_ps(_mm256_set1_ps(-0.0F), x);
@@ -88,7 +98,7 @@ struct FractionOrInfinite {
 template <class Ops>
 struct FractionInfiniteOrSignalling {
     QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) {
-        return Ops::either(FractionOrInfinite<Ops>::of(x), Ops::signalling_nan(x));
+        return Ops::either(Ops::fraction(x), Ops::infinite_or_signalling(x));
     }
 };
 template <class Ops>

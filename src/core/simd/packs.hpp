@@ -14,14 +14,16 @@ struct Pack;
 template <>
 struct Pack<double> {
     using Numbers [[gnu::vector_size(16)]] = double;
-    using Bits [[gnu::vector_size(16)]] = std::int64_t;
+    using Integer = std::int64_t;
+    using Bits [[gnu::vector_size(16)]] = Integer;
     static constexpr std::int64_t sign = std::numeric_limits<std::int64_t>::min();
     static constexpr std::int64_t quiet = std::int64_t{1} << 51U;
 };
 template <>
 struct Pack<float> {
     using Numbers [[gnu::vector_size(16)]] = float;
-    using Bits [[gnu::vector_size(16)]] = std::int32_t;
+    using Integer = std::int32_t;
+    using Bits [[gnu::vector_size(16)]] = Integer;
     static constexpr std::int32_t sign = std::numeric_limits<std::int32_t>::min();
     static constexpr std::int32_t quiet = std::int32_t{1} << 22U;
 };
@@ -126,9 +128,16 @@ Bytes is_fraction_or_infinite(Numbers<Float> x) noexcept {
     return fraction | bytes<Float>(size == std::numeric_limits<Float>::infinity());
 }
 
+// Only an infinite number and a signalling NaN have an exponent of all ones and a quiet bit that is 0. Without the
+// other bits of the fraction both are infinite.
 template <class Float>
 Bytes is_fraction_infinite_or_signalling(Numbers<Float> x) noexcept {
-    return is_fraction_or_infinite<Float>(x) | is_signalling_nan<Float>(x);
+    constexpr auto infinity = std::numeric_limits<Float>::infinity();
+    constexpr auto exponent = std::bit_cast<typename Pack<Float>::Integer>(infinity);
+    const Numbers<Float> size = magnitude<Float>(x);
+    const auto kept = std::bit_cast<Numbers<Float>>(std::bit_cast<Bits<Float>>(x) & (exponent | Pack<Float>::quiet));
+    const Bytes fraction = bytes<Float>(rounded<Float>(size) != size) & bytes<Float>(size < always_whole<Float>);
+    return fraction | bytes<Float>(kept == infinity);
 }
 
 // Holds for NaN, for fractions and for every number from always_whole on: fewer instructions than an exact test.

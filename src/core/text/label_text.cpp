@@ -47,7 +47,8 @@ bool alphanumeric(const Character* at, std::size_t size, const CharacterTables& 
     return size != 0;
 }
 
-bool alphanumeric_utf8(TextView text, const CharacterTables& tables) noexcept {
+// The functions over UTF-8 are not inlined: the others would save registers for them at every call.
+[[gnu::noinline]] bool alphanumeric_utf8(TextView text, const CharacterTables& tables) noexcept {
     for (std::size_t i = 0; i < text.size;) {
         const Decoded decoded = decode(text, i);
         if (!is_alphanumeric(decoded.character, tables)) return false;
@@ -68,7 +69,7 @@ std::size_t squeeze(const Character* at, std::size_t size, const CharacterTables
     return left;
 }
 
-std::size_t squeeze_utf8(TextView text, const CharacterTables& tables, std::uint8_t* out) noexcept {
+[[gnu::noinline]] std::size_t squeeze_utf8(TextView text, const CharacterTables& tables, std::uint8_t* out) noexcept {
     std::size_t left = 0;
     for (std::size_t i = 0; i < text.size;) {
         const Decoded decoded = decode(text, i);
