@@ -15,10 +15,20 @@ std::size_t digit_of(std::uint64_t key, std::size_t place) noexcept {
     return static_cast<std::size_t>(key >> (8 * place)) & (values - 1);
 }
 
+// Calls use(first, last) for consecutive ranges of so many entries, and pause() before each.
+template <class Use>
+void in_steps(std::size_t size, const std::function<void()>& pause, Use use) {
+    constexpr std::size_t step = std::size_t{1} << 16U;
+    for (std::size_t first = 0; first < size; first += step) {
+        pause();
+        use(first, std::min(size, first + step));
+    }
+}
+
 }  // namespace
 
 // Radix sort from the last digit to the first, each round stable. A digit that all keys share is skipped.
-void sort_by_key(std::vector<Keyed>& entries) {
+void sort_by_key(std::vector<Keyed>& entries, const std::function<void()>& pause) {
     constexpr std::size_t few = 512;
     if (entries.size() < few) {
         std::sort(entries.begin(), entries.end(), [](const Keyed& left, const Keyed& right) {
@@ -27,10 +37,14 @@ void sort_by_key(std::vector<Keyed>& entries) {
         return;
     }
     std::array<Histogram, digits> histograms{};
-    for (const Keyed& entry : entries) {
-        for (std::size_t place = 0; place < digits; ++place) ++histograms[place][digit_of(entry.key, place)];
-    }
-    std::vector<Keyed> sorted(entries.size());
+    std::vector<Keyed> sorted;
+    sorted.reserve(entries.size());
+    in_steps(entries.size(), pause, [&](std::size_t first, std::size_t last) {
+        for (std::size_t i = first; i < last; ++i) {
+            for (std::size_t place = 0; place < digits; ++place) ++histograms[place][digit_of(entries[i].key, place)];
+        }
+        sorted.resize(last);
+    });
     for (std::size_t place = 0; place < digits; ++place) {
         Histogram& starts = histograms[place];
         if (starts[digit_of(entries.front().key, place)] == entries.size()) continue;
@@ -40,7 +54,11 @@ void sort_by_key(std::vector<Keyed>& entries) {
             entry = start;
             start += size;
         }
-        for (const Keyed& entry : entries) sorted[starts[digit_of(entry.key, place)]++] = entry;
+        in_steps(entries.size(), pause, [&](std::size_t first, std::size_t last) {
+            for (std::size_t i = first; i < last; ++i) {
+                sorted[starts[digit_of(entries[i].key, place)]++] = entries[i];
+            }
+        });
         entries.swap(sorted);
     }
 }

@@ -3,6 +3,7 @@
 
 #include <bit>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 namespace quorin::core {
@@ -12,8 +13,9 @@ struct Keyed {
     std::uint32_t number;
 };
 
-// Sorts by key. The sort is stable; `number` is ascending before it, and so within equal keys after it.
-void sort_by_key(std::vector<Keyed>& entries);
+// Sorts by key. The sort is stable; `number` is ascending before it, and so within equal keys after it. Calls pause()
+// every few milliseconds.
+void sort_by_key(std::vector<Keyed>& entries, const std::function<void()>& pause = [] {});
 
 // For all a, b: key(a) < key(b) if and only if a < b. Not for NaN.
 constexpr std::uint64_t sign_bit = std::uint64_t{1} << 63U;

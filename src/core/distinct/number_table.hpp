@@ -22,6 +22,7 @@ class NumberTable {
   public:
     NumberTable() : slots_(initial_slots, empty) {}
 
+    [[nodiscard]] std::size_t size() const noexcept { return size_; }
     // Returns the number of the key. A new key gets the number `next`.
     std::uint32_t find_or_add(std::uint64_t key, std::uint32_t next) {
         std::size_t slot = place_of(key);
@@ -33,6 +34,10 @@ class NumberTable {
         if (2 * ++size_ > slots_.size()) grow();
         return next;
     }
+
+    // For long columns: makes room for so many more keys in steps of a few milliseconds. Returns false after each step
+    // but the last. Nothing may be added between two steps.
+    bool make_room(std::size_t more);
 
     [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
         // A small table stays in the cache.
@@ -58,9 +63,14 @@ class NumberTable {
                (slots_.size() - 1);
     }
     void grow();
+    void insert(const Slot& entry) noexcept;
 
     std::vector<Slot> slots_;
     std::size_t size_ = 0;
+    // While make_room() works: the number of slots to be, the old slots, and how many of them are moved.
+    std::size_t wanted_ = 0;
+    std::vector<Slot> old_;
+    std::size_t moved_ = 0;
 };
 
 }  // namespace quorin::core

@@ -7,6 +7,7 @@
 #include "exportable_utils/classify/classify.hpp"
 #include "exportable_utils/references/references.hpp"
 #include "python/indexing.hpp"
+#include "python/inputs/object_slots.hpp"
 #include "python/module_names.hpp"
 #include "python/native_route.hpp"
 #include "python/new_text.hpp"
@@ -31,8 +32,7 @@ void compress_objects(const ArrayColumn& labels, const References& missing, std:
         if (cells.read(row, text) != core::Cell::text || !is_compressed(text, missing)) continue;
         Ref compressed = text_without_white_space(text, room);
         if (PyUnicode_GET_LENGTH(compressed.get()) == PyUnicode_GET_LENGTH(labels.object(row))) continue;
-        auto* place = reinterpret_cast<PyObject**>(const_cast<char*>(labels.at(row)));
-        Ref::adopt(std::exchange(*place, compressed.give()));
+        replace_object(object_slot(labels, row), std::move(compressed));
     }
 }
 

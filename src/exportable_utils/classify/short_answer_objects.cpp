@@ -189,12 +189,12 @@ bool tally_numbers(const ArrayColumn& column, std::size_t first, std::size_t las
 bool two_kinds(const NativeArguments& arguments) {
     const std::size_t rows = arguments.column->rows();
     ObjectTally tally(rows);
-    const bool all = arguments.column->in_blocks([&](const ArrayColumn& column, std::size_t first, std::size_t last) {
+    const auto add = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
         if (!tally_numbers(column, first, last, *arguments.references, tally)) return false;
         if (last != rows) tally.hold(column);
         return true;
-    });
-    if (!all) return false;
+    };
+    if (!tally.add_in_blocks(*arguments.column, add)) return false;
     unsigned alone = 0;
     for (const ObjectTally::Entry& entry : tally.entries()) {
         if (std::has_single_bit(entry.types)) alone |= entry.types;

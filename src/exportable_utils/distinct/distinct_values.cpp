@@ -84,14 +84,16 @@ std::optional<ValuesAndCounts> arrays_of(const ColumnSource& column, const std::
     return found;
 }
 
-// Whole numbers are sorted as such. Beside fractions they have to be exact as 64-bit floats.
+// Answers signals. Whole numbers are sorted as such. Beside fractions they have to be exact as 64-bit floats.
 Order ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
     const bool reals = std::any_of(entries.begin(), entries.end(), [](const ObjectTally::Entry& entry) {
         return entry.number.type == NumberType::real;
     });
+    SignalTimer timer;
     std::vector<core::Keyed> keyed;
     keyed.reserve(entries.size());
     for (const ObjectTally::Entry& entry : entries) {
+        if (keyed.size() % entries_between_signals == entries_between_signals - 1) timer.poll();
         const ObjectNumber& number = entry.number;
         if (!entry.alike || number.type == NumberType::none) return {};
         const auto position = static_cast<std::uint32_t>(keyed.size());
@@ -105,7 +107,7 @@ Order ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
             keyed.push_back({core::key_of_real(static_cast<double>(number.whole)), position});
         }
     }
-    core::sort_by_key(keyed);
+    core::sort_by_key(keyed, [&] { timer.poll(); });
     Order order;
     order.reserve(keyed.size());
     for (const core::Keyed& key : keyed) order.push_back(key.number);
@@ -119,7 +121,7 @@ bool sortable(const ObjectTally& tally) noexcept {
 
 std::optional<ValuesAndCounts> sorted_objects(const ColumnSource& column, const ExcludedRows& excluded) {
     ObjectTally tally(column.rows());
-    const bool done = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+    const bool done = tally.add_in_blocks(column, [&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
         const ObjectCells cells(objects);
         for (std::size_t row = first; row < last; ++row) {
             if (excluded.has(row)) continue;
@@ -164,8 +166,8 @@ bool has_text_scalar_next(const ColumnSource& column, const ExcludedRows& exclud
 }
 
 bool hash_texts(const ColumnSource& column, const ExcludedRows& excluded, DistinctTexts& texts) {
-    if (excluded.marked() == 0) return texts.add_all(column, [](std::size_t) { return false; });
-    return texts.add_all(column, [&](std::size_t row) { return excluded.has(row); });
+    if (excluded.marked() == 0) return texts.add_all(column, [](const ArrayColumn&, std::size_t) { return false; });
+    return texts.add_all(column, [&](const ArrayColumn&, std::size_t row) { return excluded.has(row); });
 }
 
 // Whether the first element that is not excluded is a text.
@@ -180,7 +182,7 @@ bool starts_with_text(const ColumnSource& column, const ExcludedRows& excluded) 
 // The walk continues after `enough` values: an element further on may not be sortable.
 std::optional<std::size_t> count_distinct_objects(const ColumnSource& column, std::size_t enough, bool texts) {
     ObjectTally tally(column.rows());
-    const bool done = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+    const bool done = tally.add_in_blocks(column, [&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
         const ObjectCells cells(objects);
         for (std::size_t row = first; row < last; ++row) {
             if (tally.entries().size() >= enough) {

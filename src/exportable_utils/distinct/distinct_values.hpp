@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "core/distinct/text_table.hpp"
+#include "exportable_utils/distinct/growth.hpp"
 #include "exportable_utils/distinct/object_tally.hpp"
 #include "python/inputs/column_source.hpp"
 
@@ -105,7 +106,7 @@ class DistinctTexts {
         take_objects(column, entries(), objects_);
         return true;
     }
-    // Adds all rows of a column. False as for add(), or if the column changes.
+    // Adds all rows of a column for which skip(column, row) is false. False as for add(), or if the column changes.
     template <class Skip>
     bool add_all(const ColumnSource& column, Skip skip) {
         constexpr std::size_t step = rows_between_signals / 4;
@@ -114,7 +115,9 @@ class DistinctTexts {
         return in_blocks_of(is_long ? step : rows, rows, [&](std::size_t first, std::size_t last) {
             if (is_long) make_room(last - first, last);
             const std::optional<ArrayColumn> texts = column.borrow();
-            if (!texts || !add(*texts, first, last, skip)) return false;
+            if (!texts) return false;
+            const auto skip_row = [&](std::size_t row) { return skip(*texts, row); };
+            if (!add(*texts, first, last, skip_row)) return false;
             added_ = last;
             return true;
         });
@@ -122,7 +125,8 @@ class DistinctTexts {
     // Grows the table in steps, between which signals are answered.
     void make_room(std::size_t more, std::size_t rows_so_far) {
         SignalTimer timer;
-        while (!table_.make_room(more, rows_so_far)) timer.poll();
+        grow(table_, timer, more, rows_so_far);
+        if (!objects_.empty()) grow(objects_, timer, more);
     }
     // The rows that add_all() has added.
     [[nodiscard]] std::size_t added() const noexcept { return added_; }

@@ -3,6 +3,8 @@
 #include <bit>
 #include <cmath>
 
+#include "exportable_utils/distinct/growth.hpp"
+
 namespace quorin::distinct {
 
 namespace {
@@ -54,6 +56,19 @@ bool ObjectTally::add(const ArrayColumn& column, const ObjectCells& cells, std::
     }
     last_ = value;
     return true;
+}
+
+void ObjectTally::make_room(std::size_t more, std::size_t rows_so_far) {
+    SignalTimer timer;
+    grow(entries_, timer, more);
+    grow(held_, timer, more);
+    if (!texts().empty()) {
+        grow(text_entries_, timer, more);
+        grow(text_table_, timer, more, rows_so_far);
+    }
+    for (core::NumberTable* table : {&wholes_, &others_, &objects_}) {
+        if (table->size() != 0) grow(*table, timer, more);
+    }
 }
 
 void ObjectTally::hold(const ArrayColumn& column) {

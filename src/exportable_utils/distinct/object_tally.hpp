@@ -7,7 +7,7 @@
 
 #include "core/distinct/number_table.hpp"
 #include "core/distinct/text_table.hpp"
-#include "python/inputs/array_column.hpp"
+#include "python/inputs/column_source.hpp"
 #include "python/inputs/object_number.hpp"
 
 namespace quorin::distinct {
@@ -39,6 +39,18 @@ class ObjectTally {
 
     // Counts one row. False for an element whose equality is not known here. `cells` are those of `column`.
     bool add(const ArrayColumn& column, const ObjectCells& cells, std::size_t row);
+    // Calls use(objects, first, last), which adds these rows, for consecutive ranges of the rows of a column, as
+    // ColumnSource::in_blocks() does. The tables grow between two ranges.
+    template <class Use>
+    bool add_in_blocks(const ColumnSource& column, Use use) {
+        const std::size_t rows = column.rows();
+        const std::size_t block = rows > rows_between_signals ? rows_between_signals / 4 : rows;
+        return in_blocks_of(block, rows, [&](std::size_t first, std::size_t last) {
+            if (first != 0) make_room(last - first, last);
+            const std::optional<ArrayColumn> objects = column.borrow();
+            return objects && use(*objects, first, last);
+        });
+    }
     // Takes the objects of the entries over. Call it while the column still is borrowed: the entries view their texts.
     void hold(const ArrayColumn& column);
 
@@ -55,6 +67,8 @@ class ObjectTally {
     }
 
   private:
+    // In steps, between which signals are answered: nothing may be borrowed.
+    void make_room(std::size_t more, std::size_t rows_so_far);
     void count(std::uint32_t number, std::size_t row, const ObjectNumber& value);
     bool add_number(PyObject* value, std::size_t row, const ObjectNumber& number);
     void add_text(std::size_t row, core::TextView text, bool scalar);

@@ -8,6 +8,7 @@
 #include "core/column.hpp"
 #include "core/distinct/number_table.hpp"
 #include "core/distinct/text_table.hpp"
+#include "exportable_utils/distinct/growth.hpp"
 #include "exportable_utils/distinct/object_tally.hpp"
 #include "exportable_utils/references/matching_rows.hpp"
 #include "python/errors.hpp"
@@ -20,11 +21,17 @@ namespace {
 using distinct::DistinctRow;
 using distinct::ExcludedRows;
 
+constexpr std::size_t elements_between_polls = 4096;
+
 template <class Entry>
 std::vector<DistinctRow> rows_of_entries(const std::vector<Entry>& entries) {
     std::vector<DistinctRow> rows;
     rows.reserve(entries.size());
-    for (const Entry& entry : entries) rows.push_back({entry.row, static_cast<npy_intp>(entry.count)});
+    SignalTimer timer;
+    for (const Entry& entry : entries) {
+        if (rows.size() % elements_between_polls == elements_between_polls - 1) timer.poll();
+        rows.push_back({entry.row, static_cast<npy_intp>(entry.count)});
+    }
     return rows;
 }
 
@@ -32,24 +39,22 @@ std::vector<DistinctRow> rows_of_entries(const std::vector<Entry>& entries) {
 template <class Skip>
 std::optional<Classes> text_classes(const ColumnSource& column, Skip skip) {
     distinct::DistinctTexts texts(column.rows());
-    const bool known = column.in_blocks([&](const ArrayColumn& cells, std::size_t first, std::size_t last) {
-        return texts.add(cells, first, last, [&](std::size_t row) { return skip(cells, row); });
-    });
-    if (!known) return std::nullopt;
+    if (!texts.add_all(column, skip)) return std::nullopt;
     return Classes{rows_of_entries(texts.entries()), std::move(texts.objects())};
 }
 
 template <class Skip>
 std::optional<Classes> tallied_classes(const ColumnSource& column, Skip skip) {
     distinct::ObjectTally tally(column.rows());
-    const bool known = column.in_blocks([&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
-        const ObjectCells cells(objects);
-        for (std::size_t row = first; row < last; ++row) {
-            if (!skip(objects, row) && !tally.add(objects, cells, row)) return false;
-        }
-        tally.hold(objects);
-        return true;
-    });
+    const bool known =
+        tally.add_in_blocks(column, [&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
+            const ObjectCells cells(objects);
+            for (std::size_t row = first; row < last; ++row) {
+                if (!skip(objects, row) && !tally.add(objects, cells, row)) return false;
+            }
+            tally.hold(objects);
+            return true;
+        });
     if (!known) return std::nullopt;
     return Classes{rows_of_entries(tally.entries()), std::move(tally.objects())};
 }
@@ -106,6 +111,12 @@ class NumberClasses {
             ++classes_[last_class].count;
         }
     }
+    // In steps, between which signals are answered: nothing may be borrowed.
+    void make_room(std::size_t more) {
+        SignalTimer timer;
+        distinct::grow(table_, timer, more);
+        distinct::grow(classes_, timer, more);
+    }
     [[nodiscard]] std::vector<DistinctRow>& classes() noexcept { return classes_; }
 
   private:
@@ -115,9 +126,12 @@ class NumberClasses {
 
 std::optional<Classes> number_classes(const ColumnSource& column, const ExcludedRows& excluded) {
     NumberClasses counted;
-    const bool known = column.in_blocks([&](const ArrayColumn& numbers, std::size_t first, std::size_t last) {
-        return core::with_number_type(numbers, [&](auto type) {
-            counted.add<decltype(type)>(numbers, first, last, excluded);
+    const bool known = in_blocks(column.rows(), [&](std::size_t first, std::size_t last) {
+        if (first != 0) counted.make_room(last - first);
+        const std::optional<ArrayColumn> numbers = column.borrow();
+        if (!numbers) return false;
+        return core::with_number_type(*numbers, [&](auto type) {
+            counted.add<decltype(type)>(*numbers, first, last, excluded);
             return true;
         });
     });
@@ -169,8 +183,6 @@ Ref number_or_text_at(const ArrayColumn& column, std::size_t row) {
     ArrayTextCells(column).read(row, text);
     return new_text(text);
 }
-
-constexpr std::size_t elements_between_polls = 4096;
 
 bool copy_elements(const ColumnSource& column, const std::vector<DistinctRow>& rows, std::vector<Ref>& elements) {
     elements.reserve(rows.size());
