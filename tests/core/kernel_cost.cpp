@@ -1,6 +1,8 @@
-// Runs one kernel so many times over a generated column, the same on every machine: kernel_cost KERNEL ROUNDS. Who
-// counts the instructions of one round and of two knows what one round takes, without the making of the column. Without
-// arguments it prints the rows of a column and the names of the kernels, one a line.
+// Usage: kernel_cost KERNEL ROUNDS
+//
+// Runs a kernel ROUNDS times over a generated column, which is the same on every machine. The cost of a round is the
+// difference between the instructions of two rounds and of one. Without arguments: prints the number of rows and the
+// names of the kernels, one a line.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -39,10 +41,10 @@ using namespace quorin::core;
 
 constexpr std::size_t rows = 20000;
 
-// Of distinct plain texts below a marker that ends the scan.
+// The most distinct plain texts below the marker that ends the scan; gather_below() gives up beyond.
 constexpr std::size_t most_plain = 16;
 
-// Cells as the interpreter keeps them: pointers to objects of a header and, behind it, the characters of a text.
+// A column as the interpreter stores it: pointers to objects, each a header followed by the characters of the text.
 struct Object {
     std::uint64_t references;
     const void* type;
@@ -107,7 +109,7 @@ class ObjectColumn {
 
 std::uint64_t random_bits = 1;
 
-// The same on every machine, which distributions of the standard library are not.
+// Returns the same numbers on every machine; the distributions of the standard library do not.
 std::size_t random_below(std::size_t limit) {
     random_bits = random_bits * 6364136223846793005ULL + 1442695040888963407ULL;
     return static_cast<std::size_t>(random_bits >> 33U) % limit;
@@ -135,7 +137,7 @@ std::string number_or_star() {
     return random_below(10) == 0 ? "*" : integer_text();
 }
 
-// A tenth of the cells are missing, in three ways.
+// A tenth of the cells are missing: "?", the empty text or null.
 template <class Make>
 std::vector<std::string> column_of(Make make) {
     std::vector<std::string> texts;
@@ -157,7 +159,7 @@ ReferenceTexts markers() {
     return set;
 }
 
-// What a kernel found, so that no compiler takes it for useless.
+// The sum of the kernels' results, which is printed, so that the compiler does not remove the kernels.
 std::size_t total = 0;
 
 template <class Cells>
@@ -196,7 +198,7 @@ void classify_fixed_texts(Make make, std::size_t longest, std::size_t rounds) {
     for (std::size_t round = 0; round < rounds; ++round) classify_column(column);
 }
 
-// The same texts as Arrow keeps them.
+// The texts of ObjectColumn in Arrow's layouts.
 struct ArrowTexts {
     explicit ArrowTexts(const std::vector<std::string>& texts) : validity((texts.size() + 7) / 8) {
         offsets.push_back(0);
@@ -270,7 +272,7 @@ StridedMemory memory_of(const std::vector<Number>& numbers) {
     return {reinterpret_cast<const char*>(numbers.data()), sizeof(Number), numbers.size()};
 }
 
-// With the instructions that every processor has: the others would count differently from machine to machine.
+// With the baseline instructions: the others are not available on every machine.
 template <class Float, class Make>
 void gather_floats(Make make, std::size_t rounds) {
     const std::vector<Float> numbers = numbers_of<Float>(make);
@@ -304,7 +306,7 @@ void find_members(std::size_t rounds) {
     }
 }
 
-// The default list of pandas.read_csv, with more texts of the same kind behind it.
+// The default list of pandas.read_csv, followed by generated texts.
 std::string reference_text(std::size_t i) {
     constexpr std::array<std::string_view, 19> texts{
         "",     "#N/A", "#N/A N/A", "#NA",  "-1.#IND", "-1.#QNAN", "-NaN", "-nan", "1.#IND", "1.#QNAN",
@@ -312,7 +314,7 @@ std::string reference_text(std::size_t i) {
     return i < texts.size() ? std::string{texts[i]} : "missing " + std::to_string(i);
 }
 
-// Each reference in one row of twenty, words in the others.
+// One row of twenty holds a reference, the others words.
 void find_in_list(std::size_t references, std::size_t rounds) {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < references; ++i) texts.push_back(reference_text(i));
@@ -352,7 +354,7 @@ void find_least_distinct(std::size_t rounds) {
     }
 }
 
-// Calls `use` with each text of a column, one after the other.
+// Calls `use` with each text of a column, in each round.
 template <class Make, class Use>
 void with_texts(Make make, std::size_t rounds, Use use) {
     const ObjectColumn column(column_of(make));
@@ -453,7 +455,7 @@ void find_distinct_numbers(std::size_t rounds) {
     }
 }
 
-// Nulls in one column alone: every block is walked through as a whole and then for each of the others.
+// One column holds nulls, so each block is tested as a whole and then once for each of the other columns.
 void find_null_columns(std::size_t rounds) {
     constexpr std::size_t columns = 10;
     std::vector<double> numbers = numbers_of<double>(whole);

@@ -1,4 +1,4 @@
-// The verdict for every combination of facts, against a table of rows that were written down one by one.
+// The verdict for every combination of facts, compared with a table.
 #include "core/verdict.hpp"
 
 #include <array>
@@ -37,7 +37,7 @@ bool matches(Is wanted, bool given) {
 }
 
 // One letter a kind: c char_str, i int_str, f float_str, x float_num (fraction), w float_int_num (whole), n int_num,
-// b boolean. A capital letter of `kinds` must occur, a small one may, others must not.
+// b boolean. A kind with a capital letter in `kinds` must occur, one with a small letter may, others must not.
 constexpr std::string_view letters = "cifxwnb";
 constexpr std::array<Kind, 7> kinds{Kind::char_str,      Kind::int_str, Kind::float_str, Kind::float_num,
                                     Kind::float_int_num, Kind::int_num, Kind::boolean};
@@ -186,7 +186,7 @@ void by_last_value() {
 
 const Test by_last_value_test{"verdict by the last value", by_last_value};
 
-// Facts that a gatherer may leave out change nothing.
+// The verdict does not depend on facts that a gatherer may leave out.
 void facts_left_out() {
     for (const Kind numbers : {Kind::int_str, Kind::float_str}) {
         const VerdictFacts without{.kinds = {Kind::char_str}};
