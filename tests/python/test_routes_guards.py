@@ -319,7 +319,7 @@ def skip_unless_there(by):
 
 @pytest.fixture
 def alias():
-    """Binds np.float, which new numpy lacks, to what it meant."""
+    """Binds np.float, which recent versions of numpy lack, to `float`."""
     with unittest.mock.patch.dict(vars(np), {"float": float}):
         yield
 
