@@ -12,8 +12,7 @@ import numpy as np
 
 from quorin_libs.utils import exportable_utils as eu
 
-# The least duration of a sample in seconds: the resolution of the clock and one cold call are small
-# beside it.
+# The least duration of a sample, in seconds. It outweighs the clock's resolution and one cold call.
 SHORTEST_SAMPLE = 0.002
 SLOW = 0.1
 MOST_CALLS = 20_000
@@ -37,8 +36,8 @@ class Contestant(NamedTuple):
 def interpreter_route() -> Iterator[None]:
     """Force the interpreter route by binding a pass-through to a name that routines look up.
 
-    One replaced look-up switches off all native routes. This routine is called once for a column, not
-    for each element, so the cost of the pass-through is negligible.
+    One replaced look-up switches off all native routes. This routine is called once for a column,
+    not for each element, so the cost of the pass-through is negligible.
     """
     original = eu.numpy_flatten_column
 
