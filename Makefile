@@ -112,7 +112,7 @@ lint-format: $(VENV)/.dev
 lint-types: $(VENV)/.package $(VENV)/.dev
 	$(BIN)/mypy
 
-# The stub against the module: signatures, then the generated docstrings.
+# Compares the stub with the module: signatures, then the generated docstrings.
 lint-stub: $(VENV)/.package $(VENV)/.dev
 	$(BIN)/stubtest --mypy-config-file pyproject.toml quorin_libs.utils.exportable_utils
 	$(BIN)/python scripts/stub_docstrings.py --check
