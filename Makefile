@@ -2,7 +2,7 @@
 # make test        the tests of the core, the Python suite, the examples in docstrings
 # make core-tests  the tests of the core alone
 # make fuzz        the property tests with CASES examples each (SEED=7 draws others)
-# make lint        formatters, linters, type checkers, the stub; each must be silent
+# make lint        formatters, linters, type checkers, the stub; a finding is an error
 # make format      format the sources as `make lint` requires
 # make docs        the documentation, into build/docs; a warning is an error
 # make matrix      the suite on every CPython from 3.7 on of this machine (ROWS="3.7.16 3.13.0")
@@ -11,7 +11,7 @@
 # make kernel-cost instructions an element of each kernel against a committed table; needs valgrind
 #                  (COST_ARGS=--update writes the table)
 # make bench       times of the routines as ratios (BENCH_ARGS="--filter whatis --rows 100000")
-# make clean       remove everything that was made here
+# make clean       remove all generated files
 #
 # Needs Python 3.7 or later with venv, a C++20 compiler and PyPI; the rest is installed into .venv.
 
@@ -25,7 +25,7 @@ BENCH_ARGS ?=
 COST_ARGS ?=
 # Compiler warnings are errors; WERROR=OFF is for compilers with new warnings.
 WERROR ?= ON
-# Processes of pytest and of clang-tidy; `make asan` and `make matrix` run pytest in one.
+# Number of processes of pytest and of clang-tidy; `make asan` and `make matrix` run pytest in one.
 export JOBS ?= $(shell nproc)
 
 VENV := .venv
@@ -52,7 +52,7 @@ $(VENV)/.tools: pyproject.toml scripts/requirements.py
 	touch $@
 
 # An editable install: Python files are used in place. No build isolation and a fixed build directory,
-# so that only changed files are compiled. The same build has the tests of the core as targets.
+# so that only changed files are compiled. The tests of the core are targets of the same build.
 $(VENV)/.package: $(VENV)/.tools CMakeLists.txt tests/core/CMakeLists.txt $(SOURCES)
 	SKBUILD_BUILD_DIR=$(EDITABLE) SKBUILD_BUILD_TARGETS=exportable_utils \
 	  SKBUILD_CMAKE_DEFINE="QUORIN_WERROR=$(WERROR);QUORIN_CORE_TESTS=ON" \
@@ -92,7 +92,7 @@ matrix:
 asan: $(VENV)/.package $(VENV)/.test
 	scripts/staged_suite asan
 
-# The sanitizers' build counts lines, too: one build and one run of the suites serve both.
+# The sanitizers' build is also instrumented for coverage: one build and one run give both results.
 coverage: asan $(VENV)/.dev
 	$(BIN)/gcovr --root . --filter src/ --object-directory build/asan \
 	  --merge-lines --exclude-throw-branches --print-summary --fail-under-line $(COVERAGE_MIN)
@@ -112,7 +112,7 @@ lint-format: $(VENV)/.dev
 lint-types: $(VENV)/.package $(VENV)/.dev
 	$(BIN)/mypy
 
-# The stub against the module: signatures, then the generated docstrings.
+# Compares the stub with the module: signatures, then the generated docstrings.
 lint-stub: $(VENV)/.package $(VENV)/.dev
 	$(BIN)/stubtest --mypy-config-file pyproject.toml quorin_libs.utils.exportable_utils
 	$(BIN)/python scripts/stub_docstrings.py --check

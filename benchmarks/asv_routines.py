@@ -25,7 +25,7 @@ class _Routine:
         self.call = case.routine.call
         self.subject = case.subject(build(case.spec, rows))
         if case.routine.copied:
-            # It writes into its argument: one call for each set-up.
+            # The call writes into its argument: one call for each set-up.
             self.number = 1
 
     def time_call(self, *_params: Any) -> None:
@@ -62,7 +62,7 @@ class Peer(_Routine):
         """Make the argument of the peer's call."""
         case = CASES[name]
         if not case.peers:
-            raise NotImplementedError  # tells asv to skip the case
+            raise NotImplementedError  # asv skips the case
         peer = case.peers[0]
         self.call = peer.call
         self.subject = peer.subject(build(case.spec, rows))

@@ -40,7 +40,7 @@ def plain_default(variable: Any, def_value: Any = None) -> Any:
 
 
 def plain_compress(s: str, compress_type: str = "string") -> Any:
-    """`compress_string` in Python, for its default."""
+    """`compress_string` in Python, for the default of `compress_type`."""
     return "".join(s.split()) if compress_type == "string" else None
 
 

@@ -10,14 +10,14 @@ from benchmarks.columns import KINDS, ColumnSpec
 from benchmarks.peers import PEERS, Peer, as_frame
 from benchmarks.routines import ROUTINES, Routine
 
-# The grid "axes" varies one property of it at a time.
+# The column of which the grid "axes" varies one property at a time.
 BASE = ColumnSpec(kind="words")
 
 MISSING = (0.0, 0.5)
 DISTINCT = (3, 1000)
 ORDERS = ("shuffled", "shared")
 
-# Kinds whose cells are objects, anywhere in memory.
+# Kinds whose cells are objects: only these have a memory order.
 SCATTERED = frozenset(name for name, kind in KINDS.items() if kind.dtype is object)
 
 

@@ -160,7 +160,7 @@ def build(spec: ColumnSpec, rows: int, seed: int = 0) -> Any:
         pool = kind.values(rng, min(spec.distinct, rows))
         if spec.order == "shared":
             pool = pool.astype(kind.dtype)
-        # Unless shared, every cell becomes an object of its own, as readers of files make them.
+        # Unless shared, each cell is an object of its own, as file readers create them.
         column = pool[rng.integers(0, len(pool), rows)].astype(kind.dtype)
     if kind.holes and spec.missing:
         missing = np.flatnonzero(rng.random(rows) < spec.missing)

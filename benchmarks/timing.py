@@ -12,7 +12,7 @@ import numpy as np
 
 from quorin_libs.utils import exportable_utils as eu
 
-# Least seconds of a sample, which hides the resolution of the clock and one cold call.
+# The least duration of a sample, in seconds. It outweighs the clock's resolution and one cold call.
 SHORTEST_SAMPLE = 0.002
 SLOW = 0.1
 MOST_CALLS = 20_000
@@ -36,7 +36,8 @@ class Contestant(NamedTuple):
 def interpreter_route() -> Iterator[None]:
     """Force the interpreter route by binding a pass-through to a name that routines look up.
 
-    This name is called once for a column, not for each element, so the pass-through takes no time.
+    One replaced look-up switches off all native routes. This routine is called once for a column,
+    not for each element, so the cost of the pass-through is negligible.
     """
     original = eu.numpy_flatten_column
 
@@ -54,7 +55,7 @@ def interpreter_route() -> Iterator[None]:
 def route(*, forced: bool) -> Iterator[None]:
     """Choose the route of the calls inside."""
     with interpreter_route() if forced else contextlib.nullcontext():
-        # The first call after a change looks every name up again: not timed.
+        # Not timed: the first call after a change looks up every name again.
         eu.numpy_whatis(_NOTHING)
         yield
 

@@ -19,7 +19,7 @@
 
 namespace quorin::tests {
 
-// Nothing for a null.
+// An empty optional is a null.
 using Rows = std::vector<std::optional<std::u32string>>;
 
 class Buffer {
@@ -46,7 +46,7 @@ inline Buffer bits_of(const std::vector<bool>& bits) {
     return Buffer(bytes);
 }
 
-// Rows of an array that the cells do not show: before and behind the slice.
+// Numbers of rows of the array before and after the slice, which the cells must not contain.
 struct Slice {
     std::size_t before;
     std::size_t behind;
@@ -104,7 +104,7 @@ class ViewsColumn {
             } else {
                 const std::size_t buffer = valid.size() % buffers;
                 std::memcpy(view.data() + 1, text.data(), 4);
-                // Of a null the rest may be anything.
+                // The rest of a null's view is arbitrary.
                 view[2] = row ? static_cast<std::int32_t>(buffer) : -7;
                 view[3] = row ? static_cast<std::int32_t>(bytes[buffer].size()) : -9;
                 if (row) bytes[buffer].insert(bytes[buffer].end(), text.begin(), text.end());
@@ -135,7 +135,7 @@ class ViewsColumn {
     std::array<std::int64_t, buffers> sizes_{};
 };
 
-// Each distinct row is an entry, and so is a null, which some rows refer to; others have no index.
+// Each distinct row is an entry. So is null: some null rows have the index of that entry, the others no index.
 template <class Index, class Entries>
 class DictionaryColumn {
   public:
@@ -170,7 +170,7 @@ class DictionaryColumn {
     std::optional<Entries> entries_;
 };
 
-// Calls use(cells, name) with the rows in every layout.
+// Calls use(cells, name) for each layout of the rows.
 template <class Use>
 void for_every_layout(const Rows& rows, Slice slice, Use use) {
     const OffsetsColumn<std::int32_t> offsets(rows, slice);

@@ -27,7 +27,7 @@ using core::Utf8Views;
 
 constexpr std::size_t rows = 20000;
 
-// Cells as the interpreter keeps them: pointers to objects of a header and, behind it, the characters of a text.
+// A column as the interpreter stores it: pointers to objects, each a header followed by the characters of the text.
 struct Object {
     std::uint64_t references;
     const void* type;
@@ -92,7 +92,7 @@ class ObjectColumn {
 
 inline std::uint64_t random_bits = 1;
 
-// The same on every machine, which distributions of the standard library are not.
+// Returns the same numbers on every machine; the distributions of the standard library do not.
 inline std::size_t random_below(std::size_t limit) {
     random_bits = random_bits * 6364136223846793005ULL + 1442695040888963407ULL;
     return static_cast<std::size_t>(random_bits >> 33U) % limit;
@@ -120,7 +120,7 @@ inline std::string number_or_star() {
     return random_below(10) == 0 ? "*" : integer_text();
 }
 
-// A tenth of the cells are missing, in three ways.
+// A tenth of the cells are missing: "?", the empty text or null.
 template <class Make>
 std::vector<std::string> column_of(Make make) {
     std::vector<std::string> texts;
@@ -134,7 +134,7 @@ std::vector<std::string> column_of(Make make) {
     return texts;
 }
 
-// The same texts as Arrow keeps them.
+// The texts of ObjectColumn in Arrow's layouts.
 struct ArrowTexts {
     explicit ArrowTexts(const std::vector<std::string>& texts) : validity((texts.size() + 7) / 8) {
         offsets.push_back(0);

@@ -1,6 +1,8 @@
-// Runs one kernel so many times over a generated column, the same on every machine: kernel_cost KERNEL ROUNDS. Who
-// counts the instructions of one round and of two knows what one round takes, without the making of the column. Without
-// arguments it prints the rows of a column and the names of the kernels, one a line.
+// Usage: kernel_cost KERNEL ROUNDS
+//
+// Runs a kernel ROUNDS times over a generated column, which is the same on every machine. The cost of a round is the
+// difference between the instructions of two rounds and of one. Without arguments: prints the number of rows and the
+// names of the kernels, one a line.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -39,7 +41,7 @@ namespace {
 using namespace quorin::core;
 using namespace quorin::cost;
 
-// Of distinct plain texts below a marker that ends the scan.
+// The most distinct plain texts below the marker that ends the scan; gather_below() gives up beyond.
 constexpr std::size_t most_plain = 16;
 
 constexpr CharacterTables script{[](std::uint32_t) { return false; }, [](std::uint32_t) { return -1; }};
@@ -50,7 +52,7 @@ ReferenceTexts markers() {
     return set;
 }
 
-// What a kernel found, so that no compiler takes it for useless.
+// The sum of the kernels' results, which is printed, so that the compiler does not remove the kernels.
 std::size_t total = 0;
 
 template <class Cells>
@@ -134,7 +136,7 @@ void find_members(std::size_t rounds) {
     }
 }
 
-// The default list of pandas.read_csv, with more texts of the same kind behind it.
+// The default list of pandas.read_csv, followed by generated texts.
 std::string reference_text(std::size_t i) {
     constexpr std::array<std::string_view, 19> texts{
         "",     "#N/A", "#N/A N/A", "#NA",  "-1.#IND", "-1.#QNAN", "-NaN", "-nan", "1.#IND", "1.#QNAN",
@@ -142,7 +144,7 @@ std::string reference_text(std::size_t i) {
     return i < texts.size() ? std::string{texts[i]} : "missing " + std::to_string(i);
 }
 
-// Each reference in one row of twenty, words in the others.
+// One row of twenty holds a reference, the others words.
 void find_in_list(std::size_t references, std::size_t rounds) {
     std::vector<std::string> texts;
     for (std::size_t i = 0; i < references; ++i) texts.push_back(reference_text(i));
@@ -182,7 +184,7 @@ void find_least_distinct(std::size_t rounds) {
     }
 }
 
-// Calls `use` with each text of a column, one after the other.
+// Calls `use` with each text of a column, in each round.
 template <class Make, class Use>
 void with_texts(Make make, std::size_t rounds, Use use) {
     const ObjectColumn column(column_of(make));
@@ -283,7 +285,7 @@ void find_distinct_numbers(std::size_t rounds) {
     }
 }
 
-// Nulls in one column alone: every block is walked through as a whole and then for each of the others.
+// One column holds nulls, so each block is tested as a whole and then once for each of the other columns.
 void find_null_columns(std::size_t rounds) {
     constexpr std::size_t columns = 10;
     std::vector<double> numbers = numbers_of<double>(whole);

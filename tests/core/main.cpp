@@ -1,4 +1,4 @@
-// Runs every registered kernel test, or those whose name contains the first argument.
+// Runs all registered tests, or those whose name contains the first argument.
 #include <exception>
 #include <iostream>
 #include <source_location>
@@ -16,7 +16,7 @@ struct Entry {
     Test::Body body;
 };
 
-// A static of a function, because tests of other files register before the globals of this file exist.
+// A function-local static: tests of other files register before this file's globals are initialised.
 std::vector<Entry>& registry() {
     static std::vector<Entry> entries;
     return entries;
@@ -43,7 +43,7 @@ int run(std::string_view wanted) {
         ++(passes(entry) ? passed : failed);
     }
     std::cout << passed << " passed, " << failed << " failed\n";
-    // Nothing run is a mistake in the filter or in the build, never a success.
+    // No test run means a wrong filter or a broken build: a failure.
     return failed == 0 && passed != 0 ? 0 : 1;
 }
 

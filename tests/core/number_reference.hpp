@@ -1,5 +1,5 @@
-// The number grammar once more, as two regular expressions: slow, and written from how int() and float() are documented
-// rather than from the kernel.
+// A reference implementation of the number grammar: two regular expressions, written from the documentation of int()
+// and float(), not from the kernel.
 #pragma once
 
 #include <regex>
@@ -9,7 +9,7 @@
 
 namespace quorin::tests {
 
-// For ASCII texts of fewer digits than any limit.
+// For ASCII texts with fewer digits than the least limit of the interpreter.
 inline core::NumberText number_by_reference(const std::string& text) {
     static const std::string space = "[ \\t\\n\\v\\f\\r]*";
     static const std::string digits = "[0-9](?:_?[0-9])*";

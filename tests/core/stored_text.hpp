@@ -63,8 +63,8 @@ inline std::string to_utf8(const std::u32string& text) {
     return bytes;
 }
 
-// In memory of exactly the size of the text, so that AddressSanitizer finds reads beyond it. Only a padded text has
-// bytes before it, which must not matter.
+// The memory has exactly the size of the text, so AddressSanitizer finds reads beyond it. Only a padded text has bytes
+// before it; results must not depend on them.
 class StoredText {
   public:
     StoredText(const std::u32string& text, Stored stored) : stored_(stored), size_(text.size()) {

@@ -1,4 +1,4 @@
-// Cells in Arrow's layouts against fixed-width characters: what each cell is, and what the kernels gather.
+// Cells in Arrow's layouts compared with cells of four-byte characters: each cell, and the facts that kernels gather.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -29,7 +29,7 @@ using core::TextFacts;
 using core::TextView;
 using core::Walk;
 
-// Beyond ASCII there are letters, digits and white space of two, three and four bytes.
+// Non-ASCII letters, digits and white space that take two, three and four bytes in UTF-8.
 bool is_letter(std::uint32_t c) {
     return c == 0xe9 || c == 0x6f22 || c == 0x10400;
 }
@@ -42,7 +42,7 @@ int translated(std::uint32_t c) {
 
 constexpr CharacterTables tables{[](std::uint32_t c) { return is_letter(c) || translated(c) == '1'; }, translated};
 
-// The same rows in characters of four bytes, of which nothing is seen at a glance.
+// The same rows in four-byte characters. glance() always returns false.
 class FourByteColumn {
   public:
     explicit FourByteColumn(const Rows& rows) {
@@ -120,7 +120,7 @@ void check_same(const Ordered& found, const Ordered& expected, const std::string
     check(found.row == expected.row && characters_of(found.text) == characters_of(expected.text), what + ", which");
 }
 
-// In ranges of rows, between which the kept texts are read again.
+// Gathers range by range; after each range the kept texts are read again.
 template <class Cells>
 TextFacts facts_in_ranges(const Cells& cells, const ReferenceTexts& references, std::size_t some,
                           const std::string& what) {
@@ -140,7 +140,7 @@ void check_facts(const TextFacts& found, const TextFacts& expected, const std::s
     check(found.first_plain == expected.first_plain, what + ": first plain");
     check(found.lone_may_be_above == expected.lone_may_be_above || (found.second_plain && !found.lone),
           what + ": a lone text above a number");
-    if (found.second_plain && !found.lone) return;  // numbers do not matter
+    if (found.second_plain && !found.lone) return;  // the verdict does not depend on numbers
     check(found.integers == expected.integers && found.reals == expected.reals, what + ": numbers");
 }
 
@@ -226,7 +226,7 @@ void random_columns() {
             const bool known = !rows.empty() && random() % 2 == 0;
             const auto& row = known ? rows[random() % rows.size()] : std::nullopt;
             const std::u32string text = row ? *row : random_text(random, 9);
-            // Longer texts cannot be references.
+            // A text of more than 31 characters is rejected.
             stored.emplace_back(text.substr(0, 31), random() % 2 == 0 ? Stored::four_bytes : Stored::utf8);
             check(references.add(stored.back().view()), "a reference");
         }
@@ -241,7 +241,7 @@ void random_columns() {
     }
 }
 
-// Every text of up to three characters in a row of its own, at the start of its buffer and behind others.
+// Every text of up to three characters: as the only row, and in a column with others.
 void short_texts() {
     for (const char32_t a : alphabet) {
         for (const char32_t b : alphabet) {
@@ -261,7 +261,7 @@ void short_texts() {
     }
 }
 
-// Texts of every size around those that are inlined or padded, the last of which ends where its buffer does.
+// Sizes around the limits of inlined and of padded texts. The last text ends at the end of its buffer.
 void sizes() {
     for (std::size_t size = 0; size <= 40; ++size) {
         for (const char32_t last : {U'z', char32_t{0xe9}, char32_t{0x6f22}}) {

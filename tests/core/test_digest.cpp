@@ -1,4 +1,4 @@
-// MD5 digests against known ones, and the number that a digest is.
+// MD5 digests compared with known ones, and a digest as a decimal number.
 #include "core/text/digest.hpp"
 
 #include <array>
@@ -39,7 +39,7 @@ void expect_ascii(std::string_view expected, const std::string& text) {
     expect(expected, {text.begin(), text.end()}, {every_storage.begin(), every_storage.end()});
 }
 
-// The examples that come with the definition of MD5, and texts around the length at which a second block begins.
+// The examples in the definition of MD5, and texts around the lengths that need another block.
 void known_digests() {
     expect_ascii("d41d8cd98f00b204e9800998ecf8427e", "");
     expect_ascii("0cc175b9c0f1b6a831c399e269772661", "a");

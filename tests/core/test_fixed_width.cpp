@@ -1,4 +1,4 @@
-// Cells of fixed-width text: what a glance shows against what is read, for every width and length.
+// Cells of fixed-width text: glance() compared with read(), for every width and length.
 #include "core/cells/fixed_width.hpp"
 
 #include <array>
@@ -18,7 +18,7 @@ using core::FixedWidthText;
 using core::ShortText;
 using core::TextView;
 
-// Rows apart from each other, and memory that ends with the last row.
+// A column with `apart` characters between its rows. The memory ends with the last row.
 class Rows {
   public:
     Rows(const std::vector<std::u32string>& texts, std::size_t longest, std::size_t apart)
@@ -42,7 +42,7 @@ class Rows {
     std::vector<std::uint32_t> characters_;
 };
 
-// Of a cell, zeros at the end are none of its characters.
+// Zeros at the end of a cell are padding.
 std::u32string kept(std::u32string text) {
     while (!text.empty() && text.back() == U'\0') text.pop_back();
     return text;
@@ -61,7 +61,7 @@ void check_cell(const FixedWidthText& cells, std::size_t row, const std::u32stri
         ascii = ascii && text[i] <= 0x7f;
         if (i < 8) value |= std::uint64_t{text[i]} << (8 * i);
     }
-    // It may tell nothing, but never anything else.
+    // glance() and longer_than() may return false; if they return true, the result is right.
     ShortText glanced{};
     if (cells.glance(row, glanced)) {
         check(ascii && !text.empty() && text.size() <= 8, what + ": a glance is for short ASCII texts");
@@ -92,7 +92,7 @@ void all_widths() {
     }
 }
 
-// Numbers in columns of the usual widths are what a glance is for.
+// glance() returns true for numbers in columns of the usual widths: otherwise it saves no time.
 void glances_are_taken() {
     for (std::size_t longest = 4; longest <= 16; ++longest) {
         const Rows rows({U"1234", U"7"}, longest, 0);

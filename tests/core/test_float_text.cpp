@@ -1,4 +1,4 @@
-// Texts of floats: the shortest that read back, the nearest among those, in the notation of repr().
+// Texts of floats: the shortest that convert back to the same float, of these the nearest, in the notation of repr().
 #include "core/text/float_text.hpp"
 
 #include <array>
@@ -18,7 +18,7 @@
 namespace quorin::tests {
 namespace {
 
-// Elsewhere the standard library has no shortest texts, and they are left to the interpreter.
+// Without std::to_chars() for floats the module does not write them; the interpreter route does.
 #if defined(__cpp_lib_to_chars) && __cpp_lib_to_chars >= 201611L
 
 using core::FloatText;
@@ -74,7 +74,7 @@ std::string with_digits(int digits, double number) {
     return text.data();
 }
 
-// How many digits printf() needs until the number can be read back.
+// The least number of digits with which printf() writes a text that converts back to the number.
 int digits_needed(double number) {
     int digits = 1;
     while (std::strtod(with_digits(digits, number).c_str(), nullptr) != number) ++digits;
@@ -95,8 +95,8 @@ void check_number(double number) {
     const std::string text = written(number);
     check(std::bit_cast<std::uint64_t>(std::strtod(text.c_str(), nullptr)) == std::bit_cast<std::uint64_t>(number),
           text + " reads back as another number");
-    // printf() rounds to the nearest text of so many digits. Where that one does not read back and another of the same
-    // length does, the text is one digit shorter than printf()'s.
+    // printf() writes the nearest text of a given number of digits. If that text does not convert back to the number,
+    // but another of the same length does, write_float() needs one digit less than printf().
     const int needed = digits_needed(number);
     check(digits_of(text) == needed || digits_of(text) == needed - 1, text + " has too many digits");
     if (digits_of(text) == needed) {
@@ -124,7 +124,7 @@ void few_digits() {
     }
 }
 
-// Where the neighbour below is nearer than the one above.
+// The next float below a power of two is nearer than the next float above it.
 void powers_of_two() {
     for (int power = -1074; power < 1024; ++power) check_number(std::ldexp(1.0, power));
 }

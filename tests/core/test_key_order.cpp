@@ -1,4 +1,4 @@
-// Sorting by keys against std::sort: few entries and many, keys that share digits, keys of numbers.
+// Sorting by keys compared with std::sort: few and many entries, keys with common digits, keys of numbers.
 #include "core/distinct/key_order.hpp"
 
 #include <algorithm>

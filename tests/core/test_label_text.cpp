@@ -1,4 +1,4 @@
-// Labels: alphanumeric or not, without white space, fit for UTF-8.
+// Labels: tests for alphanumeric and encodable text, removal of white space.
 #include "core/text/label_text.hpp"
 
 #include <array>
@@ -16,7 +16,7 @@ namespace {
 using core::CharacterTables;
 using core::TextView;
 
-// Of the characters beyond ASCII, one is white space and one a letter.
+// One non-ASCII character is white space, one is a letter.
 constexpr char32_t wide_space = 0x2003;
 constexpr char32_t letter = 0x6f22;
 constexpr CharacterTables script{[](std::uint32_t c) { return c == letter; },

@@ -1,4 +1,4 @@
-// The least distinct texts against an ordered set of all of them.
+// The least distinct texts compared with an ordered set of all distinct texts.
 #include "core/gather/least_distinct.hpp"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 
 using core::Cell;
 
-// Text by text; an entry without text is null, or of no known kind.
+// Cells added one by one: texts in any storage, nulls, cells of another type.
 class Cells {
   public:
     void add(const std::u32string& text, Stored stored) {
@@ -47,7 +47,7 @@ class Cells {
     std::vector<StoredText> texts_;
 };
 
-// Characters at the edges of a byte, which the first comparison does not tell apart, and zeros, which look like an end.
+// Characters above 0xfe, which have equal keys, and zeros, which have the key of the end of a text.
 std::u32string some_text(std::mt19937& random) {
     constexpr std::array<char32_t, 10> alphabet = {0, 'a', 'b', 0x7f, 0xfe, 0xff, 0x100, 0x101, 0xffff, 0x10ffff};
     const std::size_t letters = random() % 3 == 0 ? alphabet.size() : 3;

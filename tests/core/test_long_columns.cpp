@@ -1,4 +1,4 @@
-// Tables that grow in steps and sorts in steps, against those that do not pause.
+// Tables that grow and sorts that run in steps, compared with those that do not pause.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t width = 12;
 
-// Texts of fixed width: a start, and a number in decimal digits.
+// Fixed-width texts: a common start followed by a decimal number.
 class Texts {
   public:
     Texts(std::size_t rows, std::uint32_t different, const std::u32string& start) : characters_(rows * width) {
@@ -36,7 +36,7 @@ class Texts {
     std::vector<char32_t> characters_;
 };
 
-// The same entries as those of a table that grows at once.
+// A table that grows in steps has the entries of a table that grows at once.
 void tables_in_steps() {
     constexpr std::size_t rows = 300000;
     constexpr std::size_t step = 20000;

@@ -1,4 +1,4 @@
-// Nulls of tables against one look at each cell: row-major, column-major, parts of wider tables, across blocks.
+// Nulls in tables compared with a test of each cell: row-major, column-major, parts of wider tables, several blocks.
 #include "core/gather/null_columns.hpp"
 
 #include <algorithm>
@@ -20,7 +20,7 @@ template <class Float>
 class Table {
   public:
     Table(std::size_t rows, std::size_t columns, Layout layout) : rows_(rows), columns_(columns), layout_(layout) {
-        // The cells between those of a partial table are signalling NaN and must not be read.
+        // The other cells of the wider table are signalling NaN and must not be read.
         const bool part = layout == Layout::part;
         cells_.assign(part ? 6 * rows * columns + 1 : rows * columns + 1,
                       part ? std::numeric_limits<Float>::signaling_NaN() : Float{0});

@@ -1,4 +1,4 @@
-// Facts of number columns against one look at each element: special values, every place in a column, strides.
+// Facts of number columns compared with a test of each element: special values, every position, strides.
 #include "core/gather/number_facts.hpp"
 
 #include <array>
@@ -47,7 +47,7 @@ void expect(const NumberFacts& expected, const void* data, std::ptrdiff_t stride
     }
 }
 
-// Adjacent, every third element, backwards, and one element again and again.
+// Adjacent elements, every third one, backwards, and one repeated (stride 0).
 template <class Float>
 void expect_in_every_layout(const std::vector<Float>& column, const std::string& what) {
     constexpr std::ptrdiff_t size = sizeof(Float);
@@ -116,8 +116,8 @@ void each_special_value() {
     }
 }
 
-// Every length up to more than four of the widest registers, every place of the row that matters, several alignments of
-// the memory.
+// Every length up to four of the widest registers and more, every position of the one special value, several alignments
+// of the memory.
 template <class Float>
 void each_length_and_place() {
     const std::array<Float, 3> matter{std::numeric_limits<Float>::quiet_NaN(), static_cast<Float>(0.5),
@@ -136,8 +136,8 @@ void each_length_and_place() {
     }
 }
 
-// Blocks have 1024 elements: the row that matters is at the end of a block, or after a block that has shown a part of
-// the facts.
+// Blocks have 1024 elements. The special value is at the end of a block, or after a block that already has some of the
+// facts.
 template <class Float>
 void around_blocks() {
     const std::array<Float, 4> matter{std::numeric_limits<Float>::quiet_NaN(), static_cast<Float>(0.5),
@@ -161,7 +161,7 @@ void random_columns() {
     std::mt19937 random(2);
     const std::vector<Float> values = special_values<Float>();
     for (int i = 0; i < 2000; ++i) {
-        // Few kinds in one column, so that every combination of facts occurs.
+        // Few different values in a column, so that every combination of facts occurs.
         std::vector<Float> kinds(1 + random() % 3);
         for (Float& kind : kinds) kind = values[random() % values.size()];
         std::vector<Float> column(random() % 40);
@@ -180,7 +180,7 @@ void no_rows() {
 template <class Float>
 using BitsOf = std::conditional_t<sizeof(Float) == 4, std::uint32_t, std::uint64_t>;
 
-// NaN with these lowest bits, the sign bit set or not.
+// A NaN with `low` as its lowest bits.
 template <class Float>
 Float nan_of(bool quiet, BitsOf<Float> low, bool negative) {
     using Bits = BitsOf<Float>;
@@ -190,7 +190,7 @@ Float nan_of(bool quiet, BitsOf<Float> low, bool negative) {
     return std::bit_cast<Float>(negative ? bits | Bits{1} << (sizeof(Bits) * 8 - 1) : bits);
 }
 
-// A signalling NaN at any place of a column of quiet ones, of infinite and of ordinary numbers.
+// A signalling NaN among quiet NaNs, infinite and ordinary numbers.
 template <class Float>
 void signalling_nan() {
     const BitsOf<Float> highest = BitsOf<Float>{1} << (std::numeric_limits<Float>::digits - 3);

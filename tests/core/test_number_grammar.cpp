@@ -1,4 +1,4 @@
-// The number grammar against its reference, in every storage: all short texts, and longer ones drawn at random.
+// The number grammar compared with its reference, in every storage: all short texts, and random longer ones.
 #include <cstddef>
 #include <random>
 #include <string>
@@ -16,13 +16,13 @@ using core::CharacterTables;
 using core::NumberText;
 using core::TextClass;
 
-// Every character that the grammar treats in a way of its own, and one it does not know.
+// A character of each class of the grammar, and one that is in none.
 constexpr std::string_view alphabet{"09_+-.eE \t\x1cnaif\0x", 17};
 
-// None of the texts here holds a character that a script would be asked about.
+// All texts are ASCII, so these functions are not called.
 constexpr CharacterTables no_script{[](std::uint32_t) { return false; }, [](std::uint32_t) { return -1; }};
 
-// Words and numbers without a dot are plain where a column is gathered.
+// The class of a text in a column: words and float texts without a dot are plain.
 TextClass class_by_reference(const std::string& text, NumberText number) {
     if (number == NumberText::integer) return TextClass::integer;
     const bool dot = text.find('.') != std::string::npos;
@@ -44,7 +44,7 @@ void short_texts() {
     for_every_text(alphabet, 4, check_text);
 }
 
-// Around the lengths at which eight characters are looked at together, mostly digits and rarely anything else.
+// Mostly digits, of lengths around multiples of eight: the kernel reads eight characters at once.
 void long_texts() {
     std::mt19937 random(1);
     constexpr std::string_view others{".-+_eE \tx/:\x7f\0", 13};

@@ -1,4 +1,4 @@
-// Distinct numbers against ordered maps of what was put in.
+// Distinct numbers and their counts compared with ordered maps.
 #include "core/distinct/number_runs.hpp"
 
 #include <algorithm>
@@ -46,7 +46,7 @@ void runs_of_sorted_numbers() {
         for (const Number number : numbers) ++expected[number];
         const std::size_t runs = core::count_runs(numbers.data(), numbers.size());
         check(runs == expected.size(), "number of runs in column " + std::to_string(i));
-        // One place more than asked for: nothing may be written there.
+        // One element more than needed, which must stay unchanged.
         constexpr auto untouched = Number{77};
         std::vector<Number> values(runs + 1, untouched);
         std::vector<std::ptrdiff_t> counts(runs + 1, -1);
@@ -150,7 +150,7 @@ void unlike_equals() {
 
 void fractions() {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    constexpr double huge = 4503599627370496.0;  // the least of those that are all whole
+    constexpr double huge = 4503599627370496.0;  // 2 ** 52; for all x >= huge: x is whole
     const std::vector<double> numbers = {-infinity,
                                          -1e300,
                                          -huge - 1,

@@ -1,4 +1,4 @@
-// The table of numbers against std::unordered_map, beyond several growths.
+// The table of numbers compared with std::unordered_map, at sizes that make it grow several times.
 #include "core/distinct/number_table.hpp"
 
 #include <cstddef>

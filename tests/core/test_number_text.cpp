@@ -1,4 +1,4 @@
-// Which texts are numbers. Every row is what int() and float() of the interpreter say about that text.
+// Which texts are numbers. The expected results are those of the interpreter's int() and float().
 #include "core/text/number_text.hpp"
 
 #include <array>
@@ -19,7 +19,7 @@ using core::NumberText;
 
 using Where = std::source_location;
 
-// The same text as it stands in a string whose widest character takes 1, 2 or 4 bytes.
+// Classifies the text stored with 1, 2 or 4 bytes a character.
 template <class Character>
 NumberText classify_as(std::string_view text) {
     const std::vector<Character> characters(text.begin(), text.end());
@@ -83,7 +83,7 @@ void other_notations() {
                                                 "12a", "a12", "$1", "1%", "n/a", "?", "(1)"}));
 }
 
-// Separators are white space to str.isspace(), yet not to int() and float() in a text of ASCII alone.
+// Separators are white space for str.isspace(), but not for int() and float() of an ASCII text.
 void separators() {
     expect_all(NumberText::none, std::to_array<std::string_view>({"\x1c",
                                                                   "\x1c"
@@ -103,7 +103,7 @@ void null_characters() {
     expect(NumberText::none, std::string_view{"1.5\0", 4});
 }
 
-// int() may refuse 641 digits and more; leading zeros and the digits on both sides of underscores count.
+// int() may reject 641 digits and more. Leading zeros count; underscores do not.
 void digit_limit() {
     expect(NumberText::integer, std::string(640, '9'));
     expect(NumberText::integer, "-" + std::string(640, '9'));
@@ -114,12 +114,12 @@ void digit_limit() {
     expect(NumberText::none, std::string(641, '9') + "x");
 }
 
-// Digits and white space of other scripts are numbers to the interpreter, which translates them first.
+// int() and float() accept digits and white space beyond ASCII, so only the interpreter can classify these texts.
 void other_scripts() {
     check(classify_characters(std::to_array<std::uint8_t>({'1', 0xa0})) == NumberText::ask, "no-break space");
     check(classify_characters(std::to_array<std::uint16_t>({0x0661, 0x0662})) == NumberText::ask, "Arabic-Indic");
     check(classify_characters(std::to_array<std::uint32_t>({0x1d7d7})) == NumberText::ask, "mathematical bold");
-    // A comparison cut to the low byte would take these for "12".
+    // The low bytes of these characters are those of "12".
     check(classify_characters(std::to_array<std::uint16_t>({0x3031, 0x3032})) == NumberText::ask, "low byte of 1, 2");
     check(classify_characters(std::to_array<std::uint32_t>({0x10031, 0x10032})) == NumberText::ask, "low byte of 1, 2");
 }

@@ -1,4 +1,4 @@
-// Values of number texts against strtod(), in every storage.
+// Values of number texts compared with strtod(), in every storage.
 #include "core/text/number_value.hpp"
 
 #include <array>
@@ -24,7 +24,7 @@ std::uint64_t bits_of(double value) {
     return std::bit_cast<std::uint64_t>(value);
 }
 
-// What is told of a text has to be right; tells whether something was.
+// Checks every value that value_of_number() returns; returns whether it returned one for the last storage.
 bool check_value(const std::string& text) {
     const bool number = number_by_reference(text) != NumberText::none;
     bool told = false;
@@ -94,7 +94,7 @@ void short_texts() {
     for_every_text(alphabet, 4, check_value);
 }
 
-// Numbers of up to twenty digits with a dot and a power of ten anywhere.
+// Up to twenty digits, some with a dot at any position, some with an exponent.
 void random_decimals() {
     std::mt19937_64 random(1);
     for (int i = 0; i < 60000; ++i) {
@@ -110,7 +110,7 @@ void random_decimals() {
     }
 }
 
-// All bits of a float are told again by its seventeen digits.
+// Random floats, written by printf() with up to 19 digits; 17 determine a float.
 void written_floats() {
     std::mt19937_64 random(2);
     for (int i = 0; i < 60000; ++i) {

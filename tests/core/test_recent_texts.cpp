@@ -13,7 +13,7 @@
 namespace quorin::tests {
 namespace {
 
-// More texts than places: every value has to be that of its own text.
+// More texts than slots: the cache never returns the value of another text.
 void many_texts() {
     for (const std::size_t rows : std::to_array<std::size_t>({0, 1, 3, 100, 50000})) {
         std::mt19937 random(1);
@@ -33,7 +33,7 @@ void many_texts() {
     }
 }
 
-// Texts of every encoding: equal ones have one value, others do not share it.
+// In every encoding, equal texts have one value and different texts have different values.
 void every_encoding() {
     const std::vector<std::u32string> texts{
         U"", U"a", U"ab", U"a\u00e9", U"a\u6f22", U"a text of more than sixteen bytes", std::u32string{U'a', U'\0'}};
@@ -54,7 +54,7 @@ void every_encoding() {
     }
 }
 
-// A made value is returned again for an equal text at another address, and made once.
+// The value is computed once and returned again for an equal text at another address.
 void made_once() {
     core::RecentTexts<int> recent(100);
     int made = 0;

@@ -1,4 +1,4 @@
-// Reference texts against a comparison of each with each: all sizes, all storages, as a view and at a glance.
+// Reference texts compared with a linear search: all sizes, all storages, as a TextView and as a ShortText.
 #include "core/references/reference_texts.hpp"
 
 #include <array>
@@ -26,7 +26,7 @@ std::u32string random_text(std::mt19937& random) {
     for (char32_t& c : text) {
         if (random() % 4 == 0) c = characters[random() % kinds];
     }
-    // Up to as long as references may be, and longer in UTF-8.
+    // Up to the limit of 31 characters, which may be more bytes in UTF-8.
     if (random() % 8 == 0) text.insert(0, std::u32string(5 + random() % 16, U'a'));
     return text;
 }
@@ -72,7 +72,7 @@ void random_references() {
     }
 }
 
-// A text that UTF-8 cannot encode equals only itself, and no text of the bytes that an encoder would write.
+// A lone surrogate has no valid UTF-8 encoding: such a text equals only itself, not a text of similar bytes.
 void surrogates() {
     const std::u32string text{U'a', 0xd800};
     const StoredText stored(text, Stored::two_bytes);

@@ -1,4 +1,4 @@
-// Facts of text columns against the definition: the distinct texts sorted, and walked up to the marker that ends them.
+// Facts of text columns compared with their definition: the sorted distinct texts up to the marker that ends the scan.
 #include "core/gather/text_facts.hpp"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ using core::TextFacts;
 using core::TextView;
 using core::Walk;
 
-// Three characters beyond ASCII stand for all: a letter, a digit, white space.
+// Three non-ASCII characters: a letter, a digit, white space.
 constexpr char32_t letter = 0xe9;
 constexpr char32_t digit_one = 0x661;
 constexpr char32_t no_break_space = 0xa0;
@@ -51,7 +51,7 @@ class Column {
         return kinds_[row];
     }
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const {
-        // As a column may: it tells for some and not for others.
+        // Returns false for some longer texts, which the interface allows.
         return row % 2 == 0 && kinds_[row] == Cell::text && texts_[row].view().size > length;
     }
     [[nodiscard]] bool glance(std::size_t row, core::ShortText& text) const {
@@ -97,7 +97,7 @@ bool is_lone(const std::u32string& text) {
     return !((c >= U'0' && c <= U'9') || (c >= U'a' && c <= U'z') || (c >= U'A' && c <= U'Z'));
 }
 
-// What the rule makes of the sorted distinct texts.
+// The facts by definition, from the sorted distinct texts.
 struct Expected {
     std::set<std::u32string> distinct;
     std::set<std::u32string> plain;
@@ -193,7 +193,7 @@ void expect(const std::vector<std::u32string>& rows, const std::vector<std::u32s
         check(column.read(facts.first_plain, first) == Cell::text, what + ": first plain is a text");
         check(characters_of(first) == expected.first_plain, what + ": first plain");
     }
-    if (facts.second_plain && !facts.lone) return;  // numbers do not matter
+    if (facts.second_plain && !facts.lone) return;  // the verdict does not depend on numbers
     check(facts.integers == expected.integers, what + ": integers");
     check(facts.reals == expected.reals, what + ": reals");
 
@@ -265,7 +265,7 @@ const std::vector<std::u32string> marker_vocabulary{U"",
                                                     std::u32string{U'a', U'\0'},
                                                     std::u32string(1, letter)};
 
-// Any storage that can hold it.
+// A random storage; four bytes a character if it cannot hold the text.
 Stored some_storage(const std::u32string& text, std::mt19937& random) {
     const Stored stored = every_storage[random() % every_storage.size()];
     return fits(text, stored) ? stored : Stored::four_bytes;
@@ -283,7 +283,7 @@ std::vector<std::u32string> some_of(const std::vector<std::u32string>& texts, st
 void random_columns() {
     std::mt19937 random(3);
     for (int i = 0; i < 30000; ++i) {
-        // InplaceVector distinct texts in one column, so that every combination of facts occurs.
+        // Few distinct texts in a column, so that every combination of facts occurs.
         std::vector<std::u32string> distinct = some_of(vocabulary, 6, random);
         if (random() % 3 == 0) distinct.push_back(null_cell);
         const std::vector<std::u32string> markers = some_of(marker_vocabulary, 4, random);
@@ -308,7 +308,8 @@ void other_cells() {
     }
 }
 
-// More digits than every limit of the interpreter allows: nobody but the interpreter can tell, unless nobody asks.
+// The least limit on digits is 640. Beyond, only the interpreter can classify the text: the kernel gives up, unless two
+// plain texts have already decided.
 void too_many_digits() {
     for (const Stored stored : every_storage) {
         TextFacts facts;

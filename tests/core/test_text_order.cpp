@@ -1,5 +1,5 @@
-// The order of different texts: each has to stand above the one before it by code point, as std::u32string compares.
-// InplaceVector and many, of any storage, with common starts, with zeros at the end.
+// The order of distinct texts by code point, as std::u32string compares: few and many texts, in any storage, with
+// common starts, with zeros at the end.
 #include "core/distinct/text_order.hpp"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ using core::DistinctText;
 
 using Texts = std::vector<std::u32string>;
 
-// As wanted, or in the narrowest characters that can hold the text.
+// The wanted storage, or the narrowest characters that can hold the text.
 Stored storage_of(const std::u32string& text, Stored wanted) {
     if (fits(text, wanted)) return wanted;
     return fits(text, Stored::one_byte)    ? Stored::one_byte
@@ -29,7 +29,7 @@ Stored storage_of(const std::u32string& text, Stored wanted) {
                                            : Stored::four_bytes;
 }
 
-// What std::sort makes of the texts is the only order of different ones in which each is above the one before.
+// For all i > 0: texts[order[i - 1]] < texts[order[i]]. Only one order of distinct texts satisfies this.
 bool is_ascending(const std::vector<std::uint32_t>& order, const Texts& texts) {
     if (order.size() != texts.size()) return false;
     for (std::size_t i = 0; i < order.size(); ++i) {
@@ -39,7 +39,7 @@ bool is_ascending(const std::vector<std::uint32_t>& order, const Texts& texts) {
     return true;
 }
 
-// The storages take turns.
+// Row i has the storage storages[i % storages.size()].
 void expect_ascending(const Texts& texts, const std::vector<Stored>& storages, const std::string& what) {
     std::vector<StoredText> stored;
     stored.reserve(texts.size());
@@ -66,7 +66,7 @@ struct Alphabet {
     std::uint32_t letters;
 };
 
-// Every text of the alphabet has a number of its own: 0 is the empty one's, then come all of one letter, all of two.
+// Numbers all texts of the alphabet, each once: 0 is the empty text, then all of one letter, all of two.
 std::u32string numbered(std::uint32_t number, Alphabet alphabet) {
     std::u32string text;
     for (; number != 0; number = (number - 1) / alphabet.letters) {
@@ -75,7 +75,7 @@ std::u32string numbered(std::uint32_t number, Alphabet alphabet) {
     return text;
 }
 
-// The shortest texts of the alphabet, in no order, behind a start: whatever begins one of them is there as well.
+// A start followed by the shortest texts of the alphabet, shuffled. Contains every prefix of each text.
 Texts shortest(std::uint32_t size, Alphabet alphabet, const std::u32string& start = {}) {
     Texts texts;
     texts.reserve(size);
@@ -85,7 +85,7 @@ Texts shortest(std::uint32_t size, Alphabet alphabet, const std::u32string& star
     return texts;
 }
 
-// From all over the numbers of 32 bits: an odd factor gives each of them once.
+// Texts whose numbers are spread over 32 bits: an odd factor gives each number once.
 Texts scattered(std::uint32_t size, Alphabet alphabet) {
     Texts texts;
     texts.reserve(size);
@@ -98,7 +98,7 @@ constexpr Alphabet few_letters{U'a', 3};
 constexpr Alphabet ascii{0, 128};
 constexpr Alphabet bytes{0, 256};
 
-// Around the size from which on texts are sorted in buckets, and well beyond.
+// Sizes around 512, above which texts are sorted in buckets, and larger ones.
 void any_size() {
     for (const std::uint32_t size : {0U, 1U, 2U, 511U, 512U, 513U}) {
         for (const Alphabet alphabet : {two_letters, ascii, bytes}) {
@@ -112,7 +112,7 @@ void any_size() {
     }
 }
 
-// Starts of any length around that of the keys, which are eight characters; one text is nothing but the start.
+// Common starts shorter and longer than a key, which has eight characters. One text is the start alone.
 void common_starts() {
     const std::u32string start = U"a start of nineteen";
     for (std::size_t length = 0; length <= start.size(); ++length) {
@@ -125,7 +125,7 @@ void common_starts() {
     }
 }
 
-// All starts of one another, so that what fills up the shorter ones is what the longer ones hold.
+// Texts that end with zeros: keys are padded with zeros, so texts of different lengths have equal keys.
 void zeros_at_end() {
     for (const std::uint32_t letters : {1U, 2U}) {
         for (const std::string& start : std::to_array<std::string>({"", "a"})) {
@@ -137,7 +137,7 @@ void zeros_at_end() {
     }
 }
 
-// Characters on both sides of a width's end, in columns that all fit a byte and in columns that do not.
+// Characters around the limits of one and two bytes, and wider ones.
 void wide_characters() {
     for (const Alphabet alphabet :
          std::to_array<Alphabet>({{0x80, 128}, {0xf0, 32}, {0x3b1, 24}, {0xfff0, 32}, {0x1f600, 60}})) {
@@ -152,15 +152,15 @@ void wide_characters() {
     expect_ascending(texts, mixed, "one wide character");
 }
 
-// From 16,385 texts on, those of any bytes take 2 ** 24 buckets, whose numbers are sorted in three rounds.
+// Texts of any bytes take 2 ** 24 buckets from 16,385 texts on. Bucket numbers are sorted in three rounds.
 void many_buckets() {
     for (const std::uint32_t size : {16384U, 16385U, 150000U}) {
         expect_ascending(scattered(size, bytes), mixed, std::to_string(size) + " texts of any bytes");
     }
 }
 
-// Four of these letters take 17 ** 4 buckets, fewer than are wanted for so many texts; any byte behind them makes 256
-// times as many of these, which is more than 2 ** 24.
+// 4 * 25,000 buckets are wanted. Four letters give 17 ** 4, which is fewer; a fifth character of 256 values gives
+// 17 ** 4 * 256, which is more than 2 ** 24.
 void most_buckets() {
     constexpr std::uint32_t letters = 17;
     constexpr std::uint32_t starts = letters * letters * letters * letters;

@@ -1,4 +1,4 @@
-// The table of distinct texts against std::map, and their order against std::sort: every storage, tables of any size.
+// The table of distinct texts compared with std::map, and their order with std::sort: all storages and sizes.
 #include "core/distinct/text_table.hpp"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ using Texts = std::vector<std::u32string>;
 
 class Column {
   public:
-    // Equal texts are in the same encoding, of which ASCII with or without padding is not a different one.
+    // Equal texts must have the same encoding; padded ASCII and ASCII count as the same.
     Column(const Texts& texts, Stored stored) {
         for (const std::u32string& text : texts) {
             const bool bytes = stored != Stored::two_bytes && stored != Stored::four_bytes;
@@ -92,8 +92,8 @@ std::u32string random_text(std::mt19937& random, std::size_t longest, std::size_
     return text;
 }
 
-// Short and long, of few and of many letters (the first of which is zero now and then), with and without a common
-// start: keys that decide, that are equal, that come to an end.
+// Short and long texts of few and of many letters, some with zeros, with and without a common start: keys that differ,
+// keys that are equal, texts shorter than a key.
 void random_columns() {
     std::mt19937 random(4);
     for (int i = 0; i < 1500; ++i) {
@@ -111,7 +111,7 @@ void random_columns() {
     }
 }
 
-// Every place of a difference in texts of every length around the eights that are looked at together.
+// One different character at every position of texts of every length; kernels read eight characters at once.
 void one_character_differs() {
     for (std::size_t length = 1; length <= 34; ++length) {
         Texts texts{std::u32string(length, U'm'), std::u32string(length - 1, U'm'), std::u32string(length + 1, U'm')};
@@ -126,8 +126,8 @@ void one_character_differs() {
     }
 }
 
-// Large enough for tables that grow by what they expect, and for sorts in buckets; `repeated` of the rows bring nothing
-// new, at the start or at the end, so that too much or too little is expected.
+// Large enough for a table that extrapolates its size and for a sort in buckets. 20,000 rows repeat 50 texts, at the
+// start or at the end, so the expected size is too small or too large.
 void large_columns() {
     std::mt19937 random(5);
     for (const std::size_t letters : {2U, 10U, 26U, 90U}) {
@@ -142,7 +142,7 @@ void large_columns() {
     }
 }
 
-// All of one length and different in their last characters only: the first eight are the same in all.
+// Texts of one length with the same first eight characters.
 void alike_at_the_start() {
     Texts texts;
     for (int i = 0; i < 5000; ++i) {

@@ -1,4 +1,4 @@
-// Texts in every encoding: characters, order and equality against std::u32string; UTF-8 decoded and checked.
+// Texts in every encoding: characters, order and equality compared with std::u32string; decoding of UTF-8.
 #include "core/text/text_view.hpp"
 
 #include <array>
@@ -49,8 +49,8 @@ void check_pair(const std::u32string& left, const std::u32string& right) {
 
 constexpr std::array<char32_t, 9> edges{0, U'a', 0x7f, 0x80, 0xe9, 0x7ff, 0x800, 0xffff, 0x10000};
 
-// Every pair of texts of up to two characters around the sizes of UTF-8; bytes of one encoding that are another text in
-// another one are among them.
+// All pairs of texts of up to two characters around the limits of UTF-8's sizes. Some texts have, in another encoding,
+// the bytes of another text.
 void short_pairs() {
     std::vector<std::u32string> texts{U"", {0xc3, 0xa9}, {0xc2, 0x80}};
     for (const char32_t a : edges) {
@@ -116,7 +116,7 @@ void valid_utf8() {
     check(is_valid("") && is_valid(std::string(100, 'x')), "ASCII");
 }
 
-// Of every two and three bytes: a character is valid if and only if it is the encoding of the one that it decodes to.
+// A sequence of bytes is valid UTF-8 if and only if encoding its decoded characters gives the same bytes.
 void every_short_sequence() {
     for (std::uint32_t bytes = 0; bytes < 0x1000000; bytes += bytes < 0x20000 ? 1 : 211) {
         std::string text;
@@ -143,7 +143,7 @@ constexpr CharacterTables tables{[](std::uint32_t c) { return c == 0xe9 || c == 
                                      return c == 0x661 ? '1' : c == 0x2003 ? ' ' : -1;
                                  }};
 
-// Any bytes go through every kernel: results are not specified, but AddressSanitizer would find a read beyond the text.
+// Kernels with invalid UTF-8: results are not specified, but no kernel may read beyond the text (AddressSanitizer).
 void invalid_bytes() {
     std::mt19937 random(9);
     constexpr std::array<std::uint8_t, 10> some{'1', 'a', ' ', 0x80, 0xbf, 0xc3, 0xe0, 0xf0, 0xf4, 0xff};
@@ -180,7 +180,7 @@ std::u32string squeezed(TextView text) {
     return characters_of({out.data(), left, text.width, text.encoding});
 }
 
-// What a kernel says of a text in characters of four bytes it has to say of the text in every encoding.
+// Every kernel has the same result for a text in every encoding as in four-byte characters.
 void check_text(const std::u32string& text) {
     const StoredText stored(text, Stored::four_bytes);
     const TextView expected = stored.view();

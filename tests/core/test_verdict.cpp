@@ -1,4 +1,4 @@
-// The verdict for every combination of facts, against a table of rows that were written down one by one.
+// The verdict for every combination of facts, compared with a table.
 #include "core/verdict.hpp"
 
 #include <array>
@@ -37,7 +37,7 @@ bool matches(Is wanted, bool given) {
 }
 
 // One letter a kind: c char_str, i int_str, f float_str, x float_num (fraction), w float_int_num (whole), n int_num,
-// b boolean. A capital letter of `kinds` must occur, a small one may, others must not.
+// b boolean. A kind with a capital letter in `kinds` must occur, one with a small letter may, others must not.
 constexpr std::string_view letters = "cifxwnb";
 constexpr std::array<Kind, 7> kinds{Kind::char_str,      Kind::int_str, Kind::float_str, Kind::float_num,
                                     Kind::float_int_num, Kind::int_num, Kind::boolean};
@@ -64,19 +64,19 @@ constexpr Row table[] = {
     {"W", Is::any, Is::any, Is::any, Is::any, "float_int_num", false},
     {"N", Is::any, Is::any, Is::any, Is::any, "int_num", false},
     {"B", Is::any, Is::any, Is::any, Is::any, "boolean", false},
-    // Texts beside real texts.
+    // Plain texts and float texts.
     {"CFiwnb", Is::yes, Is::any, Is::any, Is::any, "float_str", true},
     {"CFiwnb", Is::no, Is::yes, Is::any, Is::any, "float_str", true},
     {"CFiwnb", Is::no, Is::no, Is::any, Is::any, "char_str", false},
-    // Texts beside integer texts.
+    // Plain texts and integer texts.
     {"CIwnb", Is::yes, Is::any, Is::any, Is::any, "int_str", true},
     {"CIwnb", Is::no, Is::yes, Is::any, Is::any, "int_str", true},
     {"CIwnb", Is::no, Is::no, Is::any, Is::any, "char_str", false},
-    // Texts beside numbers only.
+    // Plain texts and numbers.
     {"CWnb", Is::any, Is::any, Is::any, Is::any, "char_str", false},
     {"CNb", Is::any, Is::any, Is::any, Is::any, "char_str", false},
     {"CB", Is::any, Is::any, Is::any, Is::any, "char_str", false},
-    // Number texts without texts.
+    // Float texts with integer texts or numbers, without plain texts.
     {"FIwnb", Is::any, Is::any, Is::any, Is::any, "float_str", false},
     {"FWnb", Is::any, Is::any, Is::any, Is::any, "float_str", false},
     {"FNb", Is::any, Is::any, Is::any, Is::any, "float_str", false},
@@ -94,7 +94,7 @@ constexpr Row table[] = {
     {"WNb", Is::any, Is::any, Is::any, Is::no, "missing", false},
     {"WB", Is::any, Is::any, Is::any, Is::no, "missing", false},
     {"NB", Is::any, Is::any, Is::any, Is::no, "missing", false},
-    // A fraction beside other kinds decides, whatever the texts are.
+    // A fraction decides, whatever the other kinds are.
     {"XWnb", Is::any, Is::any, Is::any, Is::any, "float_num", false},
     {"XNb", Is::any, Is::any, Is::any, Is::any, "float_num", false},
     {"XB", Is::any, Is::any, Is::any, Is::any, "float_num", false},
@@ -167,7 +167,7 @@ void by_counts() {
 
 const Test by_counts_test{"verdict by counts", by_counts};
 
-// The running kind and the number texts decide; texts beside number texts are always markers.
+// The running kind and the number texts decide; texts among number texts are always markers.
 void by_last_value() {
     for_all_facts([](VerdictFacts facts) {
         for (const Kind running : kinds) {
@@ -186,7 +186,7 @@ void by_last_value() {
 
 const Test by_last_value_test{"verdict by the last value", by_last_value};
 
-// Facts that a gatherer may leave out change nothing.
+// The verdict does not depend on facts that a gatherer may leave out.
 void facts_left_out() {
     for (const Kind numbers : {Kind::int_str, Kind::float_str}) {
         const VerdictFacts without{.kinds = {Kind::char_str}};

@@ -1,4 +1,4 @@
-// Limits against one test of each number.
+// Tests of limits compared with a test of each number.
 #include "core/gather/within_limits.hpp"
 
 #include <array>
@@ -28,7 +28,7 @@ bool within(Number number, double factor, const core::Limits& limits) {
            !(elt < static_cast<Float>(limits.min));
 }
 
-// One number out of line at any place, in columns around the size of a block; each limit decides now and then.
+// One other number at any position, in columns around the size of a block; each limit decides in some columns.
 template <class Number>
 void one_out_of_line() {
     std::mt19937 random(7);
@@ -45,7 +45,7 @@ void one_out_of_line() {
         const double factor = factors[random() % factors.size()];
         const core::Limits limits{50.0 * factor, random() % 2 == 0 ? 1.0 : 60.0, random() % 2 == 0 ? -300.0 : 49.5,
                                   random() % 2 == 0 ? 300.0 : 50.5};
-        // The values between the rows are beyond every limit.
+        // The values between the rows are outside all limits.
         std::vector<Number> column(size * step + 1, std::numeric_limits<Number>::max());
         for (std::size_t row = 0; row < size; ++row) column[row * step] = Number{50};
         if (size != 0) column[(random() % size) * step] = static_cast<Number>(odd[random() % odd.size()]);
@@ -68,7 +68,7 @@ void one_out_of_line() {
     }
 }
 
-// Numbers at the bounds, and NaN of both kinds; each at every place of a column of ordinary numbers.
+// Numbers at the bounds, quiet and signalling NaN, each at every position of a column of ordinary numbers.
 template <class Float>
 void bounds_of_ordinary_numbers() {
     using Numbers = std::numeric_limits<Float>;
@@ -99,8 +99,7 @@ void bounds_of_ordinary_numbers() {
     }
 }
 
-// A number that is not ordinary leaves the fit unknown, wherever it is, unless an earlier block holds a number that is
-// outside the limits.
+// If a number is not ordinary, the fit is unknown, unless an earlier block holds a number outside the limits.
 template <class Float>
 void fit_of_numbers_that_are_not_ordinary() {
     using Numbers = std::numeric_limits<Float>;

@@ -1,8 +1,8 @@
-"""The closing line of the property tests: comparisons made, seed and number of examples.
+"""Prints a summary line of the property tests: comparisons made, seed and number of examples.
 
 QUORIN_CASES is the number of examples that a property test of weight 1 runs, QUORIN_SEED the seed
-from which hypothesis draws them. With pytest-xdist each worker counts its own comparisons; the line
-gives their sum.
+from which hypothesis draws them. With pytest-xdist each worker counts its own comparisons; the
+summary line gives their sum.
 """
 
 from __future__ import annotations
@@ -12,15 +12,15 @@ from typing import Any, List, Optional
 
 import pytest
 
-# Assertions in helpers show their operands as those in tests do.
+# Failing assertions in helpers show their operands, as in tests.
 pytest.register_assert_rewrite("helpers")
 
-# What the workers counted.
+# The numbers of comparisons of the workers.
 counted: List[int] = []
 
 
 def comparisons_here() -> Optional[int]:
-    """How many comparisons this process has made; None if it has loaded no property test."""
+    """The number of comparisons of this process; None if it has loaded no property test."""
     comparison = sys.modules.get("helpers.comparison")
     loaded = comparison is not None and "helpers.property_tests" in sys.modules
     return comparison.Tally.cases if loaded else None  # type: ignore[union-attr]

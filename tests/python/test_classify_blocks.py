@@ -33,7 +33,7 @@ def column_of(cell, *late, dtype=object, middle=()):
 
 
 def through_interpreter(monkeypatch, routine, *arguments):
-    """What the routine returns if native routes are not taken: one of its names is replaced."""
+    """The result of the interpreter route: a replaced name switches off native routes."""
     isint = module.isint
     with monkeypatch.context() as replaced:
         replaced.setattr(module, "isint", lambda value: isint(value))
@@ -100,7 +100,7 @@ class Stopped(Exception):
 
 @pytest.fixture
 def after_some_work():
-    """Starts a timer over the processor time of this process; at its end the handler is called."""
+    """Starts a timer of this process's CPU time; when it expires, the handler is called."""
     before = []
 
     def start(handler, seconds=0.02):
@@ -151,7 +151,7 @@ def test_statistics_of_a_long_column_are_interrupted(after_some_work):
 @pytest.mark.parametrize("fresh", ["%d.5", "word %d", "+%d", ""], ids=repr)
 @pytest.mark.parametrize("dtype", [object, "U12"])
 def test_a_handler_may_replace_the_cells(after_some_work, fresh, dtype):
-    """No text that a handler has freed is read again."""
+    """Texts that a handler has freed are not read."""
     column = np.empty(ROWS, dtype=dtype)
     texts = [fresh % i if fresh else fresh for i in range(200)]
     replaced = []

@@ -1,4 +1,4 @@
-"""Conversions in an interpreter in which one allocation after the other fails."""
+"""Conversions if memory runs out: each allocation of a call fails in turn."""
 
 from __future__ import annotations
 
@@ -9,8 +9,7 @@ import pytest
 
 pytest.importorskip("_testcapi")
 
-# Each call is made with the first allocation failing, then with the second one, and so on, until it
-# is not affected any more.
+# Makes each call 400 times: with its first allocation failing, with its second one, and so on.
 SCRIPT = """
 import _testcapi
 import numpy as np

@@ -86,7 +86,7 @@ def test_other_numbers(cells):
     ],
 )
 def test_names_widen_the_window(name, expected):
-    """Film ratings of 1997 and 1998: nine digits, known only by the name."""
+    """Film ratings of 1997 and 1998: nine digits, recognised only by the column's name."""
     ratings = [881250949, 891717742, 878887116, 880606923]
     assert FC.is_epoch(pd.Series(ratings, name=name)) is expected
     assert FC.is_epoch(pd.DataFrame({name: ratings})) is expected

@@ -1,4 +1,4 @@
-"""The examples in the routines' docstrings and on the pages of docs/, run as they stand.
+"""The examples in the routines' docstrings and on the pages of docs/, run unchanged.
 
 They are compared without any option: no example may depend on what differs between the oldest and
 the newest numpy or pandas, such as how a numpy scalar is shown.

@@ -26,7 +26,7 @@ class Stop(Exception):
 
 
 def repeated(column, rows):
-    """The first element of a column in so many rows, all of them the same memory."""
+    """A column of `rows` rows that all share the memory of the first element (stride 0)."""
     return np.lib.stride_tricks.as_strided(column, shape=(rows,), strides=(0,))
 
 
@@ -35,7 +35,7 @@ def many_texts():
     return objects(*["word {}".format(i * 7919 % rows) for i in range(rows)])
 
 
-# Signals are answered at most once in 20 ms. No machine is done with the repeated columns by then.
+# Signals are answered at most once in 20 ms. The repeated columns take longer on any machine.
 COLUMNS = {
     "one marker": repeated(objects("?"), 160000000),
     "one text": repeated(objects("a text"), 160000000),
@@ -110,7 +110,7 @@ def test_an_interrupted_call_gives_its_texts_back(handle, seconds):
     handle(raise_stop, seconds)
     try:
         module.get_unique_values(column, ["word 7"], False, False, True)
-        signal.setitimer(signal.ITIMER_REAL, 0)  # a fast machine is done before the longer delays
+        signal.setitimer(signal.ITIMER_REAL, 0)  # the call may end before the timer expires
     except Stop as error:
         error.__traceback__ = None
     assert [sys.getrefcount(column[row]) for row in (0, 1, len(column) - 1)] == before

@@ -167,7 +167,7 @@ def test_deleted_member(row, name):
 
 @pytest.mark.parametrize("row", IN_ORDER, ids=row_id)
 def test_order(row):
-    """Without the names from one place on, the name at that place is the first to be missed."""
+    """If all names from a position on are removed, the name at that position is the missing one."""
     routine = find_routine(eu, row.routine)
     steps = one_by_one(row.look_ups)
     for i, name in enumerate(steps):

@@ -289,7 +289,7 @@ answer([failed, listed, importlib.import_module("{module}").isint("12")])
 
 def test_builtins_are_those_of_the_module(capsys):
     names = {"__builtins__": {"print": None}, "eu": eu, "X": np.array(["abc"], dtype=object)}
-    exec("eu.numpy_floatstr2float(X)", names)  # noqa: S102 - the caller's built-ins are the matter
+    exec("eu.numpy_floatstr2float(X)", names)  # noqa: S102 - tests the caller's built-ins
     assert capsys.readouterr().out.endswith("Setting value abc to NaN\n")
 
 

@@ -1,8 +1,8 @@
 """Each routine declares the names that its native route depends on.
 
-The interpreter route looks names up when it runs. The native route may be taken only while all of
-them have the values bound at start-up. If a routine did not declare one of its names, a replacement
-of this name would have no effect.
+The interpreter route looks up names when it runs. A native route may run only if all of them are
+bound to the objects that start-up bound. A replaced name that no routine declares would have no
+effect on native routes.
 """
 
 from __future__ import annotations
@@ -18,8 +18,8 @@ from helpers.native_calls import NATIVE_CALLS
 from helpers.native_lookups import declared, is_bound, with_owners
 from helpers.routes import events_of, pass_through
 
-# check_statistics has a native route and looks nothing up. A routine that only calls another one by
-# its name, such as is_column_height, has no native route of its own and declares nothing.
+# check_statistics has a native route and looks up no name. A routine that only calls another one by
+# name, such as is_column_height, has no native route and declares nothing.
 ROUTINES = sorted(name for name in NATIVE_CALLS if declared(name) or name.endswith("statistics"))
 
 # Both routes read this list at each call: a caller may bind the name to another list, and that
@@ -47,7 +47,7 @@ class VisibleNan(float):
 
 
 def visible(dotted):
-    """A pass-through that a profiler sees when it is used."""
+    """A pass-through whose use a profiler sees."""
     if dotted == "np.nan":
         return VisibleNan("nan")
     return pass_through(dotted, lambda value: lambda *args, **kwargs: value(*args, **kwargs))
@@ -96,7 +96,7 @@ NAMES = sorted(
 
 @pytest.mark.parametrize("routine, name", NAMES)
 def test_each_declared_name_forces_the_interpreter_route(routine, name):
-    """A profiler sees other events than on the native route, for at least one call."""
+    """For at least one call a profiler sees other events than on the native route."""
 
     def forces(arguments):
         plain = events_of(routine, arguments())

@@ -94,7 +94,7 @@ def test_an_attribute(name):
     assert [entry.name for entry in raised.traceback][-1] == name
 
 
-# Of a call the interpreter finds out itself, and names the callable.
+# For a call, the interpreter itself raises the SystemError; its message contains the callable.
 CALL_WORDS = "<built-in function .*> returned NULL without setting an (exception|error)"
 REPLACED = {
     "setValueOrDefault": lambda: FCplus.is_column_string(np.array(["a"])),

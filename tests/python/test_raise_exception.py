@@ -34,7 +34,7 @@ def formatted(error):
 
 
 class Truth:
-    """A truth value that counts how often it is taken."""
+    """A truth value that counts the calls of its `__bool__`."""
 
     def __init__(self, value):
         self.value = value

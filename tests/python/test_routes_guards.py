@@ -319,7 +319,7 @@ def skip_unless_there(by):
 
 @pytest.fixture
 def alias():
-    """Binds np.float, which new numpy lacks, to what it meant."""
+    """Binds np.float, which recent versions of numpy lack, to `float`."""
     with unittest.mock.patch.dict(vars(np), {"float": float}):
         yield
 
@@ -341,7 +341,7 @@ SILENT = [row for row in ROWS if row.values[0] != "numpy_get_categories"]
 def test_native_answer_comes_back(name, args, by, other):
     skip_unless_there(by)
 
-    def built():  # anew for each call, because some routines write into their column
+    def built():  # new arguments for each call: some routines write into their column
         return tuple(arg.make(None) if isinstance(arg, Recipe) else arg for arg in args)
 
     at_first = events_of(name, built())

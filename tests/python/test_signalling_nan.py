@@ -90,16 +90,16 @@ CALLS: Dict[str, Callable[[np.ndarray], Any]] = {
 
 
 class PassThrough:
-    """numpy under another identity: while it stands for numpy, the interpreter route runs."""
+    """A replacement of `np` with numpy's attributes; it forces the interpreter route."""
 
     def __getattr__(self, name: str) -> Any:
         return getattr(np, name)
 
 
 def warned(call: Callable[[np.ndarray], Any], column: np.ndarray) -> List[str]:
-    """What numpy warns of in a call, and its result or error as text.
+    """The RuntimeWarnings of a call, and its result or error as text.
 
-    The text does not show the bits of a NaN. Other warnings are those of deprecated names.
+    The text does not show the bits of a NaN. Warnings of deprecated names are ignored.
     """
     with warnings.catch_warnings(record=True) as caught:
         warnings.simplefilter("always")

@@ -1,4 +1,4 @@
-"""The stub beside the module: the same names, parameters, defaults and docstrings, in one order."""
+"""The stub has the names, parameters, defaults and docstrings of the module, in the same order."""
 
 from __future__ import annotations
 

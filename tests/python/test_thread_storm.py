@@ -1,9 +1,9 @@
 """Routines called by eight threads on columns and lists that other code changes meanwhile.
 
-numpy releases the GIL while it allocates an array of about 1 KiB or more, so other threads may
-run in the middle of a routine; so may finalizers, signal handlers and log handlers. Nothing of
-that may crash, raise SystemError, or give a result of a wrong form. The storm runs in a process of
-its own, as a crash would end this one.
+numpy releases the GIL while it allocates an array of about 1 KiB or more, so other threads may run
+in the middle of a routine; so may finalizers, signal handlers and log handlers. No call may crash,
+raise SystemError or return a result of a wrong form. The storm runs in a process of its own, which
+a crash would end.
 """
 
 from __future__ import annotations
@@ -39,7 +39,7 @@ REBOUND = ["isint", "isfloat", "indicator_mask", "numpy_isin", "compress_string"
 
 
 def fresh(word, number):
-    """A new str, which only its column holds."""
+    """A new str, to which only its column refers."""
     return "{} {}".format(word, number)
 
 
@@ -73,8 +73,8 @@ class Storm:
             np.arange(ROWS) % 2 == 0,
         ]
         self.cells_of_frame = np.array([["f"], ["m"]] * (ROWS // 2), dtype=object)
-        # numpy's own loops over objects do not survive this one, so that only routines whose
-        # interpreter route indexes the column row by row get it.
+        # numpy's own loops over objects crash if this column shrinks. It is passed only to routines
+        # whose interpreter route indexes the column row by row.
         self.resized = column_of(CELLS["numbers as text"], rng)
         self.frame = pd.DataFrame(self.cells_of_frame, copy=False)
         self.table = np.array([self.others[1]] * 3).T.copy()
@@ -90,7 +90,7 @@ class Storm:
         self.random = rng
 
     def change(self, *unused):
-        """Make one change, at random. Not within another one of the same thread."""
+        """Make a random change, unless this thread is already making one."""
         if getattr(self.changing, "now", False):
             return
         self.changing.now = True
@@ -111,13 +111,13 @@ class Storm:
         """Replace the words among the markers. The length stays, and the old words stay alive.
 
         The interpreter route hands the list to numpy.asarray() and pandas.isnull(). numpy reads
-        borrowed elements of a list and crashes if they end, or if the list shrinks, meanwhile.
+        borrowed elements of a list and crashes if they are freed or the list shrinks meanwhile.
         """
         self.old_markers.append(self.markers[6:])
         self.markers[6:] = [fresh("word", self.random.randrange(40)) for _ in range(6)]
 
     def write_cells(self):
-        """Replace all cells by one text that nobody else holds, or by those of the beginning."""
+        """Replace all cells with one new text, or with the initial cells."""
         kind = self.random.choice(sorted(self.objects))
         text = fresh("word" * self.random.choice([1, 60]), self.random.random())
         self.objects[kind][:] = self.random.choice([text] + [self.first_cells[kind]] * 4)
@@ -259,7 +259,7 @@ def find_routine(name):
 
 
 class Cell:
-    """Garbage whose end is one more writer."""
+    """Cyclic garbage whose finalizer makes a change."""
 
     def __init__(self, storm):
         self.storm = storm
@@ -270,7 +270,7 @@ class Cell:
 
 
 class Handler(logging.Handler):
-    """Changes something whenever a routine logs."""
+    """Makes a change for each log record."""
 
     def __init__(self, storm):
         super().__init__()
@@ -292,7 +292,7 @@ def call_routines(storm, seed, results):
             result = find_routine(name)(*arguments(storm, rng))
         except (SystemError, MemoryError) as error:
             results.append((name, repr(error)))
-        except Exception:  # a column that changes may be refused
+        except Exception:  # a routine may reject a column that changes
             results.append((name, "refused"))
         else:
             right = is_well_formed(result)
@@ -301,7 +301,7 @@ def call_routines(storm, seed, results):
 
 @contextlib.contextmanager
 def writers_at_work(storm):
-    """The garbage collector, a timer's signal handler and a log handler."""
+    """Changes by finalizers, by callbacks of garbage collection, by signal and log handlers."""
     handler = Handler(storm)
     callback = lambda phase, info: storm.change()  # noqa: E731
     interval, threshold = sys.getswitchinterval(), gc.get_threshold()
@@ -322,7 +322,7 @@ def writers_at_work(storm):
 
 
 def run_storm(seed):
-    """The results of all calls, in eight threads; this one is the eighth and has the signals."""
+    """The results of all calls. This thread is the eighth and receives the signals."""
     storm = Storm(seed)
     results = []
     threads = [

@@ -1,4 +1,4 @@
-"""Signal handlers that raise, or change the column, while a long transform is at work."""
+"""Signal handlers that raise or change the column while a long transform runs."""
 
 from __future__ import annotations
 
@@ -110,10 +110,10 @@ IN_PLACE = {
 
 
 def call_with_timer(call, act):
-    """What `call` returns or raises, if `act` ran inside of it; None if it ran at another time.
+    """What `call` returns or raises if `act` ran inside it; None if `act` ran at another time.
 
-    `call` is a routine and its arguments. A handler that raises leaves an entry for the routine in
-    the traceback only if the routine was at work.
+    `call` is a routine and its arguments. If a handler raises, the traceback has an entry of the
+    routine only if the routine was running.
     """
     routine, arguments = call[0], call[1:]
     inside = []
@@ -141,7 +141,7 @@ def call_with_timer(call, act):
 
 
 def interrupted(make, act):
-    """The arguments and the outcome of a call inside of which `act` ran."""
+    """The arguments and the outcome of a call inside which `act` ran."""
     for rows in ROW_COUNTS:
         call = make(rows)
         outcome = call_with_timer(call, lambda: act(call[1]))
@@ -176,7 +176,7 @@ def test_a_prefix_of_the_rows_is_written(case):
 
 
 def test_rows_before_the_interrupt_are_written():
-    """Neither none of them nor all, since the texts of a block are written before the next one."""
+    """The texts of a block are written before the next block is converted."""
     (_, column, _flag), _error = interrupted(IN_PLACE["number objects to text"], give_up)
     assert type(column[0]) is str
     assert type(column[-1]) is float

@@ -1,1 +1,1 @@
-"""What the tests share: the comparison with the model, strategies, replacements, tables."""
+"""Shared code of the tests: comparison with the model, strategies, replacements, tables."""

@@ -24,7 +24,7 @@ class NotAFloat:
 
 
 class Anywhere:
-    """Less than every number, and greater or equal as well."""
+    """Both less than, and greater than or equal to, every number."""
 
     def __lt__(self, other: object) -> bool:
         return True
@@ -37,7 +37,7 @@ class Anywhere:
 
 
 class Convertible:
-    """No number type, but `int()` and `float()` accept it."""
+    """Not a number type, but `int()` and `float()` accept it."""
 
     def __int__(self) -> int:
         return 7

@@ -77,7 +77,7 @@ INTEGER_DTYPES = ["O", "i1", "i2", "i4", "i8", "u1", "u2", "u4", "u8", "f8", "M8
 FLOAT_DTYPES = ["O", "f8", "f8", "f4", "f8", "f2", "g", "c16"]
 # Markers that occur in columns of numbers: texts, nulls, a number.
 MARKING: List[Any] = ["?", "", "-", None, np.nan, -999]
-# Scalars of numpy that equal, hash and sort like Python's numbers; some at the limit of exactness.
+# numpy scalars that equal, hash and sort like Python's numbers; some around 2 ** 53.
 AGREEING: List[Any] = [
     np.float64(1.0), np.float64(2.5), np.float64(-0.0), np.float64(2.0**53), np.int64(1),
     np.int64(2), np.int64(2**53), np.int64(2**53 + 1), np.bool_(True), np.bool_(False),

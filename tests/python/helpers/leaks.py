@@ -12,7 +12,7 @@ TURNS = 3
 
 @contextlib.contextmanager
 def frozen_heap() -> Iterator[None]:
-    """Garbage collection skips the objects that exist now: for a whole suite's it takes 0.1 s."""
+    """Excludes all present objects from garbage collection: those of the suite take 0.1 s."""
     gc.freeze()
     try:
         yield

@@ -1,4 +1,4 @@
-"""Finds the names that a call looks up: takes all away and gives them back one by one."""
+"""Finds the names that a call looks up: removes all names and restores them one by one."""
 
 from __future__ import annotations
 
@@ -18,7 +18,7 @@ OWNERS = ("np", "pd", "six", "numbers", "hashlib", "time", "traceback", "logging
 
 
 def one_by_one(look_ups: Iterable[str]) -> List[str]:
-    """The single look-ups: a global before its first attribute."""
+    """The single look-ups; a global precedes its first attribute."""
     steps: List[str] = []
     for name in look_ups:
         owner = name.partition(".")[0]
@@ -27,7 +27,7 @@ def one_by_one(look_ups: Iterable[str]) -> List[str]:
 
 
 def only(names: Collection[str]) -> Dict[str, Any]:
-    """Replacements that leave no other names than these: globals and dotted names."""
+    """Replacements that remove all names except these globals and dotted names."""
     result: Dict[str, Any] = {}
     for name in GLOBALS:
         if name not in names:
@@ -39,9 +39,9 @@ def only(names: Collection[str]) -> Dict[str, Any]:
 
 
 def missing_name(routine: Any, arguments: Callable[[], Tuple[Any, ...]]) -> Optional[str]:
-    """The name without which the call fails; None if it does not fail for want of a name.
+    """The missing name that makes the call fail; None if no name is missing.
 
-    If the routine handles a NameError and another exception follows, the first of all counts.
+    If the routine handles a NameError and another exception follows, the first one counts.
     """
     found = None
     try:
@@ -71,7 +71,7 @@ def observe(routine: Any, arguments: Callable[[], Tuple[Any, ...]]) -> List[str]
 
 
 def without_owners(look_ups: Iterable[str]) -> List[str]:
-    """The look-ups without the globals that stand only for their attributes."""
+    """The look-ups without the globals of which attributes are looked up."""
     look_ups = list(look_ups)
     owners = {name.partition(".")[0] for name in look_ups if "." in name}
     return [name for name in look_ups if name not in owners]

@@ -36,7 +36,7 @@ def row_id(row: Row) -> str:
 
 
 def in_order(*parts: str) -> Tuple[str, ...]:
-    """Return the names of all parts, each at its first place."""
+    """Return the names of all parts without repetition, in the order of their first occurrence."""
     return tuple(dict.fromkeys(" ".join(parts).split()))
 
 
@@ -475,8 +475,7 @@ ROWS.append(
 )
 for _name in ("is_column_height", "is_column_weight"):
     ROWS.append(row("FCplus." + _name, "", lambda: (NUMBER_FRAME,), "FCplus.check_statistics"))
-# Routines that hand the column to the test of FC that has the same name; some look at the first
-# cell before.
+# Routines that pass the column to the test of FC of the same name; some test the first cell before.
 for _name in ("constant", "string_in_datetime_format", "epoch", "longitude", "latitude",
               "distance"):  # fmt: skip
     ROWS.append(row("FCplus.is_column_" + _name, "", lambda: ([1],), "FC.is_" + _name))
@@ -492,7 +491,7 @@ for _name in (
     "is_dataset_numeric",
     "get_dataset_non_numeric_columns",
 ):
-    # These two read every column, the others end at the first that decides.
+    # The two get_ routines read every column, the others stop at the first that decides.
     _last = "np.zeros np.float np.bool_" if _name.startswith("get_") else ""
     ROWS += [
         row("FCplus." + _name, "a column", lambda: (WORDS,), DEFAULT, WHATIS_WORDS),

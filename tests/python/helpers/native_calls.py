@@ -122,7 +122,7 @@ TAKEN += [
 
 Arguments = Callable[[], Tuple[Any, ...]]
 FRAME = pd.DataFrame({0: [62.0, 66.5, 71.0]})
-# The kinds of columns for which the interpreter routes differ.
+# Kinds of columns for which the interpreter route takes different steps.
 TYPICAL = ["texts", "number texts", "integer texts", "texts and nulls", "Python floats", "floats",
            "Python integers", "integers i8", "booleans", "fixed-width texts", "labels", "nulls",
            "numbers", "texts and a number"]  # fmt: skip
@@ -138,7 +138,7 @@ def _calls() -> Dict[str, List[Arguments]]:
         for kind, column in columns.items():
             if kind in TYPICAL:
                 calls.setdefault(name, []).append(_with_column(column, more))
-    # One column of a table: its interpreter route has a dimension to remove.
+    # Tables of one column: the interpreter route removes a dimension.
     for name in ("numpy_whatis", "numpy_isin", "numpy_compute_missing_indicator"):
         for kind in ("texts", "floats", "integers i8", "booleans"):
             calls[name].append(_with_column(COLUMNS[kind].reshape(-1, 1), (MARKERS,)))
@@ -181,5 +181,5 @@ def _calls() -> Dict[str, List[Arguments]]:
     return calls
 
 
-# For each routine that has a native route: makers of arguments.
+# For each routine that has a native route: functions that return arguments.
 NATIVE_CALLS = _calls()

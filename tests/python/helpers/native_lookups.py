@@ -8,8 +8,8 @@ from hypothesis import strategies as st
 
 from .comparison import find_owner, find_routine, module
 
-# What the interpreter route of each routine looks up, in its own steps and in those of the routines
-# that it calls. Used as long as the routines do not carry these names themselves.
+# The look-ups of each interpreter route and of the routines that it calls. A fallback for callables
+# without the attribute `_native_lookups`.
 FLATTEN = ["numpy_flatten_column", "np", "np.ndarray", "np.concatenate", "numpy_remove_second_dim"]
 MASK = ["indicator_mask", "np", "np.vectorize"]
 ISIN = FLATTEN + MASK + ["numpy_isin", "pd", "pd.isnull", "np.any", "np.asarray"]
@@ -72,17 +72,17 @@ def declared(routine: str) -> List[str]:
 
 
 def is_bound(dotted: str) -> bool:
-    """Whether a name stands in its namespace; `np.float` does not in any numpy of today."""
+    """Whether the name is bound in its namespace; recent versions of numpy have no `np.float`."""
     owner, name = find_owner(module, dotted)
     return name in vars(owner)
 
 
 def with_owners(names: List[str]) -> List[str]:
-    """The names, and the globals whose attributes some of them are."""
+    """The names, and for each dotted one its global."""
     return sorted({*names, *(name.partition(".")[0] for name in names)})
 
 
-# numpy and pandas read it for themselves, to compare dtypes: another object changes their results.
+# numpy and pandas use it internally to compare dtypes: another object changes their results.
 NOT_NEUTRAL = ["np.bool_"]
 
 

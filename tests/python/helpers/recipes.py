@@ -134,7 +134,7 @@ TOLD_BY_IDENTITY = (str, int, float, np.str_, np.int64, np.float64)
 
 
 def _written(cell: Any) -> str:
-    """The text of a cell after its mixed column was converted to text."""
+    """The text of a cell after a mixed column was converted to text."""
     try:
         return str(int(cell)) if isinstance(cell, float) and cell.is_integer() else str(cell)
     except Exception:
@@ -142,10 +142,10 @@ def _written(cell: Any) -> str:
 
 
 def one_object_each(cells: List[Any]) -> List[Any]:
-    """Replaces objects that differ only by identity by one of them.
+    """Replaces objects that differ only in identity with one of them.
 
-    A sort that is not stable returns any of several equal objects. A text and the number with the
-    same text are equal, too, if a mixed column is sorted as text: the number replaces both.
+    A sort that is not stable returns any of several equal objects. If a mixed column is sorted as
+    text, a text equals the number with that text: the number replaces both.
     """
     kept: Dict[Tuple[type, Any], Any] = {}
     written = {_written(cell): cell for cell in cells if not isinstance(cell, str)}

@@ -83,14 +83,14 @@ class Clock:
 
 
 def set_clock(monkeypatch):
-    """Replace the module's `time` by a `Clock` and return it."""
+    """Replace the module's `time` with a `Clock` and return it."""
     clock = Clock()
     monkeypatch.setattr(exportable_utils, "time", clock)
     return clock
 
 
 def record(monkeypatch, name, answer=None, owner=exportable_utils):
-    """Replace a routine by a `Recorder`, of the routine itself unless an answer is given."""
+    """Replace a routine with a `Recorder`, which calls the routine unless an answer is given."""
     recorder = Recorder(getattr(owner, name) if answer is None else answer)
     monkeypatch.setattr(owner, name, recorder)
     return recorder
@@ -104,7 +104,7 @@ def replace_in(monkeypatch, module_name, **replaced):
 
 
 class OnlyAttributes:
-    """Another object's attributes as far as they are allowed; any other raises `Looked`."""
+    """The allowed attributes of another object; any other attribute raises `Looked`."""
 
     def __init__(self, name, base, allowed):
         self._name = name

@@ -1,8 +1,8 @@
 """The native route and the interpreter route of a routine, side by side.
 
-The native route is taken only while every name that the interpreter route would look up has the
-value that the module bound at start-up. A pass-through, which changes no result, put under one of
-these names therefore forces the interpreter route.
+A native route runs only if every name that an interpreter route looks up is bound to the object
+that start-up bound. Binding such a name to a pass-through, which changes no result, forces the
+interpreter route.
 """
 
 from __future__ import annotations
@@ -34,10 +34,10 @@ class _Instances(type):
 
 
 def pass_through(dotted: str, wrap: Callable[[Any], Any] = functools.partial) -> Any:
-    """Another object of the same behaviour as the one that has this name.
+    """Another object with the behaviour of the one bound to this name.
 
-    A `functools.partial` is called from C without a frame of its own, so that a profiler sees the
-    calls of the interpreter route alone.
+    A `functools.partial` has no frame of its own, so a profiler sees only the calls of the
+    interpreter route.
     """
     owner, name = find_owner(module, dotted)
     value = getattr(owner, name)
@@ -120,7 +120,7 @@ def events_of(
 ) -> List[Tuple[str, str]]:
     """The calls that a profiler sees while the routine runs, as (event, function).
 
-    The name `by`, if there is one, is replaced by a pass-through or by the given object.
+    The name `by`, if given, is bound to `replacement` or to a pass-through.
     """
     seen: List[Tuple[str, str]] = []
 
@@ -137,7 +137,7 @@ def events_of(
     names = {} if by is None else {by: replacement}
     with replaced(module, names), contextlib.redirect_stdout(io.StringIO()):
         routine = find_routine(module, name)
-        gc.disable()  # Hypothesis has a callback on garbage collection.
+        gc.disable()  # Hypothesis registers a callback for garbage collection, which would be seen.
         try:
             sys.setprofile(note)
             try:

@@ -80,8 +80,8 @@ def numpy_whatis(
     weird_new_missing_values_list = []
     dtype_str_found = UNSET
 
-    # The module also keeps a copy of the running class, frozen after 2 values;
-    # nothing ever reads it, so the model leaves it out.
+    # The module also keeps a copy of the running class after 2 values; it is never read, so the
+    # model omits it.
     if debug:
         dtype_start_time = ns.time.time()
         print("numpy_whatis():Start finding dtype on" + str(XX.shape[0]) + " rows")
@@ -118,7 +118,7 @@ def numpy_whatis(
                     if elt not in start_missing_string_values_list:
                         start_missing_string_values_list.append(elt)
         else:
-            if isinstance(elt, float):  # which np.float was another name of
+            if isinstance(elt, float):  # np.float was an alias of it
                 if not elt.is_integer():
                     dtype_str_found = "float_num"
                     dtype_str = "float_num"

@@ -58,7 +58,7 @@ def numpy_column_float2str(X, fast_conversion_flag=True):
         if ns.pd.isnull(elt):
             elt_i = "?"
         elif isinstance(elt, float):
-            # `float` and `int` here are what numpy's old names np.float and np.int meant.
+            # np.float and np.int of old numpy were aliases of `float` and `int`.
             elt_i = str(int(elt)) if elt.is_integer() else str(elt)
         else:
             elt_i = str(elt)
