@@ -1,4 +1,4 @@
-// Columns with nulls in a table of floats.
+// Finds the columns with nulls in a table of floats.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// For each column whether it holds a null. With `one_is_enough` the search ends with the first one found.
+// For each column, whether it holds a null. With `one_is_enough` the search ends at the first column that does.
 template <class Float>
 std::vector<bool> null_columns(const Table& table, bool one_is_enough, Instructions allowed = Instructions::best);
 
