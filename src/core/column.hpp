@@ -42,7 +42,7 @@ struct Table {
     }
 };
 
-// Does not own its memory, which must stay alive and unchanged.
+// A view: the caller keeps the memory alive and unchanged.
 struct Column : StridedMemory {
     Storage storage;
     std::size_t width;       // bytes per element

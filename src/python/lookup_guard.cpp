@@ -161,7 +161,7 @@ void remember_null_option() {
     scope_of(dictionary).entries.push_back({Ref::share(name.text), Ref::truth(false), false});
 }
 
-// Whether FC declares that its date test has no effect besides its result.
+// Whether FC declares that its date test has no side effects.
 bool date_test_is_pure(Object FC) {
     for (const Ref& dictionary : dictionaries_of(FC.get())) {
         PyObject* declared = PyDict_GetItemWithError(dictionary.get(), "side_effect_free"_py.text);
@@ -195,8 +195,8 @@ void remember_lookups() {
     current = look_up_all();
 }
 
-// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change
-// a dictionary again.
+// Marks the dictionaries as seen before it looks the names up, because a look-up may call the `==` of a key, which may
+// change a dictionary again.
 LookupState lookup_state() noexcept {
     if (!scopes().empty() && any_changed()) {
         for (Scope& scope : scopes()) scope.dictionary.seen();

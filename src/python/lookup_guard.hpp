@@ -9,10 +9,10 @@ namespace quorin {
 void remember_lookups();
 
 struct LookupState {
-    // All names but those of the date test are bound to the recorded objects.
+    // All names except those of the date test are bound to the recorded objects.
     bool unchanged = false;
-    // Also the names of the date test, and FC declares that its date test has no side effects. A call of the date test
-    // whose result is not used can then be skipped.
+    // The names of the date test are also bound to the recorded objects, and FC declares that its date test has no side
+    // effects. A call of the date test whose result is not used can then be skipped.
     bool date_test_unchanged = false;
 };
 

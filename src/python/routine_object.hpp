@@ -7,7 +7,7 @@
 
 namespace quorin {
 
-// The callable that Python sees. All fields but `dict` and `weak` are set by make_routine() and never change.
+// The callable that Python sees. All fields except `dict` and `weak` are set by make_routine() and never change.
 struct Routine {
     PyObject_HEAD
 #if PY_VERSION_HEX >= 0x03080000

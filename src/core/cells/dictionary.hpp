@@ -18,7 +18,7 @@ class DictionaryCells {
     static_assert(std::is_integral_v<Index>);
 
   public:
-    // The rows [offset, offset + rows) of an array of indices: its buffers, and the slice.
+    // The rows [offset, offset + rows) of an array of indices with these buffers.
     DictionaryCells(const void* indices, const std::uint8_t* validity, std::size_t offset, std::size_t rows,
                     const Entries& entries) noexcept
         : indices_(static_cast<const char*>(indices) + offset * sizeof(Index)),

@@ -1,13 +1,13 @@
-// Gathers the facts that the verdict on a column of texts depends on, in one pass over its rows. The verdict is defined
+// Gathers the facts that the verdict on a column of texts depends on, in one walk over its rows. The verdict is defined
 // by the sorted distinct values, but they need not be computed.
 //
 // A text is a number text (an integer, or a real number with a dot) or a plain text. A lone text is "" or one character
 // that is neither letter nor digit. Unless the column has both lone texts and number texts, the verdict depends only
 // on: the references and nulls that occur, whether integers and reals occur, the first plain text, whether there is a
-// second one. Otherwise further passes find the end marker, the least lone text above the least number text, and gather
+// second one. Otherwise further walks find the end marker, the least lone text above the least number text, and gather
 // the texts below it: only those count.
 //
-// All passes take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: if such
+// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: if such
 // code may free or move them, call refresh() before the next range. It reads the few texts that are kept again, from
 // rows that must still hold the same texts.
 #pragma once

@@ -103,7 +103,8 @@ inline TextClass classify_common(TextView text) noexcept {
     return dot ? TextClass::real : TextClass::integer;
 }
 
-// Returns `unsettled` only if the interpreter has to decide: for texts with very many digits.
+// Returns `unsettled` if only the interpreter can decide: for more digits than every digit limit allows, and for more
+// than 400 characters if one is not ASCII.
 inline TextClass classify_text(TextView text, const CharacterTables& tables) noexcept {
     if (text.size == 0) return TextClass::plain;
     if (text.is_padded()) {

@@ -8,7 +8,7 @@ namespace quorin::classify {
 
 namespace {
 
-// Returns property(pd.to_datetime(column)), or False if either of them raises an Exception.
+// Returns property(pd.to_datetime(column)), or False if that raises an Exception.
 template <class Property>
 Ref of_dates(Object column, const char* routine, Property property) {
     try {

@@ -91,7 +91,7 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
         if (type == &PyFloat_Type && !compared) {
             row = add_floats(cells, row, last, floats) - 1;
         } else if (type == &PyLong_Type && !compared) {
-            whole_numbers = true;  // of any size
+            whole_numbers = true;  // the size does not matter
         } else if (!add(value)) {
             break;
         }

@@ -64,7 +64,7 @@ bool is_other_number(PyObject* value, const References& references) {
     return references.numbers.empty() || references.bits_of_object(number) == ReferenceBits{0};
 }
 
-// Passes over a column that is borrowed for each block of rows. Texts that are kept between two blocks are read again,
+// Walks over a column that is borrowed for each block of rows. Texts that are kept between two blocks are read again,
 // by their rows. All functions return false to give up.
 template <class MakeCells>
 class TextColumn {

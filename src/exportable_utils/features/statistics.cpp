@@ -138,7 +138,7 @@ std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
 // underflows: if it is smaller than the least normal number, it is exact.
 core::Ordinary ordinary_numbers(double factor, const Arithmetic& arithmetic) noexcept {
     const double least = factor == 0 ? 0.0 : 2 * arithmetic.least_normal / std::fabs(factor);
-    // The upper limit is in the range of float32 and above every number that the kernels compute with.
+    // 2 * modest_limit is in the range of float32 and above every number that the kernels accept.
     return {std::min(least, 2 * modest_limit), arithmetic.most};
 }
 

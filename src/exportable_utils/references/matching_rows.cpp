@@ -90,8 +90,8 @@ struct Wanted {
     ReferenceBits null_bits;
 };
 
-// The references that an element equals which is neither a str nor null, such as a numpy scalar. Returns nullopt if its
-// equality is not known.
+// The references that equal an element that is neither a str nor null, such as a numpy scalar. Returns nullopt if that
+// is not known.
 std::optional<ReferenceBits> bits_of_other(PyObject* value, const Wanted& wanted) noexcept {
     const References& references = wanted.references;
     if (value == nullptr) return std::nullopt;

@@ -135,7 +135,7 @@ class CompressedObjects {
     std::vector<Ref> objects_;
 };
 
-// One element of a fixed-width array, four bytes a character.
+// One element of a fixed-width array, four bytes per character.
 class FixedElement {
   public:
     FixedElement(const ArrayColumn& column, std::size_t row) noexcept

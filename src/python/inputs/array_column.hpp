@@ -41,7 +41,7 @@ std::optional<ArrayColumn> first_column(Object X) noexcept;
 // not an exact array or has another shape.
 std::optional<ArrayColumn> single_column(Object X) noexcept;
 
-// The same for an array of one dimension only, in the second overload of one storage only.
+// The same for an array of one dimension only. The second overload also requires the storage.
 std::optional<ArrayColumn> flat_column(Object X) noexcept;
 std::optional<ArrayColumn> flat_column(Object X, Storage storage) noexcept;
 

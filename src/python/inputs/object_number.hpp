@@ -25,7 +25,7 @@ enum class NumberType : std::uint8_t {
 struct ObjectNumber {
     NumberType type = NumberType::none;
     bool scalar = false;  // of a numpy type
-    long long whole = 0;  // of a boolean or an integer
+    long long whole = 0;  // the value of a boolean or an integer
     double real = 0;
 
     // Whether it is an integer that a float64 might not represent exactly.
