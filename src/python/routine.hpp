@@ -12,7 +12,6 @@
 
 namespace quorin {
 
-// The default of a parameter.
 class Default {
   public:
     enum class Kind { required, none, truth, whole, real, text };

@@ -94,7 +94,6 @@ bool add_rows(TextTable& table, const Cells& cells, std::size_t first, std::size
     return true;
 }
 
-// Adds the texts of all rows.
 template <class Cells, class Skip>
 bool add_all(TextTable& table, const Cells& cells, Skip skip) {
     return add_rows(table, cells, 0, cells.size(), skip);

@@ -12,7 +12,6 @@ namespace quorin::core {
 template <class Float>
 std::vector<bool> null_columns(const Table& table, bool one_is_enough, Instructions allowed = Instructions::best);
 
-// Whether any cell is a signalling NaN.
 template <class Float>
 bool any_signalling_nan(const Table& table, Instructions allowed = Instructions::best) noexcept;
 

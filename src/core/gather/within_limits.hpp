@@ -21,7 +21,6 @@ struct Ordinary {
     double most;
 };
 
-// Whether all numbers are ordinary.
 template <class Number>
 bool all_ordinary(const StridedMemory& column, const Ordinary& ordinary) noexcept;
 

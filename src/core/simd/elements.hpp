@@ -33,7 +33,6 @@ struct Elements {
     }
 };
 
-// Calls `use` with the elements of the memory.
 template <class Number, class Float = Number, class Use>
 auto with_elements(const StridedMemory& memory, Use use) noexcept {
     using Adjacent = std::integral_constant<std::ptrdiff_t, static_cast<std::ptrdiff_t>(sizeof(Number))>;

@@ -92,7 +92,6 @@ inline Bytes halved_to_8(Bytes a, Bytes b) noexcept {
 #endif
 }
 
-// The sum of the bytes.
 inline std::size_t sum(Bytes bytes) noexcept {
     std::size_t total = 0;
     for (std::size_t i = 0; i < sizeof bytes; ++i) total += bytes[i];

@@ -24,7 +24,6 @@ struct Members {
 // Returns nullopt if the type of an element is not known, or if the column changes.
 std::optional<Members> find_members(const ColumnSource& column, const References& references, Match match = Match::all);
 
-// The rows that are null.
 std::optional<Members> find_nulls(const ColumnSource& column);
 
 // The mask of find_members(). Returns an empty Ref to give up.
