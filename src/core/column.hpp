@@ -1,4 +1,4 @@
-// A column as memory: its first element, the distance of its elements and their type.
+// The memory of a column: first element, stride and element type.
 #pragma once
 
 #include <cstddef>
@@ -7,11 +7,11 @@
 
 namespace quorin::core {
 
-// objects: pointers that only the owner of the memory can follow. fixed_text: four bytes a character, padded with
-// zeros. integer: one of eight types, by width and sign.
+// objects: pointers, which the core does not dereference. fixed_text: four bytes per character, padded with zeros.
+// integer: one of eight types, by width and sign.
 enum class Storage { objects, fixed_text, float64, float32, integer, boolean };
 
-// Elements at equal distances. `stride` is in bytes; it may be negative or 0.
+// Elements at a constant stride, in bytes, which may be negative or 0.
 struct StridedMemory {
     const char* data;
     std::ptrdiff_t stride;
@@ -20,7 +20,7 @@ struct StridedMemory {
     [[nodiscard]] const char* at(std::size_t row) const noexcept {
         return data + static_cast<std::ptrdiff_t>(row) * stride;
     }
-    // Rows begin to end - 1.
+    // The rows begin to end - 1.
     [[nodiscard]] StridedMemory part(std::size_t begin, std::size_t end) const noexcept {
         return {at(begin), stride, end - begin};
     }
@@ -35,21 +35,21 @@ struct Table {
     [[nodiscard]] StridedMemory column(std::size_t index) const noexcept {
         return {first.data + static_cast<std::ptrdiff_t>(index) * column_stride, first.stride, first.rows};
     }
-    // All cells are adjacent, row by row.
+    // Whether all cells are contiguous, row by row.
     [[nodiscard]] bool is_row_major(std::size_t width) const noexcept {
         return column_stride == static_cast<std::ptrdiff_t>(width) &&
                first.stride == static_cast<std::ptrdiff_t>(columns * width);
     }
 };
 
-// Does not own its memory, which must stay alive and unchanged.
+// A view: the caller keeps the memory alive and unchanged.
 struct Column : StridedMemory {
     Storage storage;
-    std::size_t width;       // bytes of one element
-    bool is_signed = false;  // of an integer
+    std::size_t width;       // bytes per element
+    bool is_signed = false;  // for Storage::integer
 };
 
-// Every byte of a boolean but 0 is true: an array of booleans may be a view of one of bytes.
+// A boolean is true for every byte except 0, because an array of booleans may be a view of an array of bytes.
 template <class Number>
 Number load(const StridedMemory& column, std::size_t row) noexcept {
     if constexpr (std::is_same_v<Number, bool>) {

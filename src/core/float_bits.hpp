@@ -1,4 +1,4 @@
-// Floats as bits. Only operations on the bits tell a signalling NaN from a quiet one: arithmetic and the conversion of
+// Tests of the bits of floats. A signalling NaN can be recognised only by its bits: arithmetic and the conversion of
 // float to double make it quiet.
 #pragma once
 
@@ -12,12 +12,12 @@ namespace quorin::core {
 template <class Float>
 using BitsOf = std::conditional_t<sizeof(Float) == sizeof(std::uint32_t), std::uint32_t, std::uint64_t>;
 
-// Of a NaN; it is 0 in a signalling one.
+// The bit of a NaN that is 0 in a signalling NaN.
 template <class Float>
 constexpr BitsOf<Float> quiet_bit = BitsOf<Float>{1} << (std::numeric_limits<Float>::digits - 2);
 
-// Orders floats so that the signalling NaN come first, then the quiet ones, then all others: the least rank of several
-// numbers shows whether there is a NaN of either kind among them, the greatest whether there is anything else.
+// Orders floats: first signalling NaN, then quiet NaN, then all other numbers. The least rank of several numbers shows
+// whether there is a signalling NaN or any NaN among them, the greatest whether there is a number that is not NaN.
 template <class Float>
 constexpr BitsOf<Float> nan_rank(Float value) noexcept {
     using Bits = BitsOf<Float>;

@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// Up to `Most` values, stored in place. Unused room is not initialised: a large `Most` costs nothing until it is used.
+// Up to `Most` values, stored in place. Unused elements are not initialised, so a large `Most` costs no time.
 template <class Value, std::size_t Most>
 class InplaceVector {
     static_assert(std::is_trivially_copyable_v<Value>);

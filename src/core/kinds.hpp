@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// In the order in which counts are reported. `date_str` is reserved: no value has it.
+// In the order in which counts are reported. `date_str` is reserved; no value has this kind.
 enum class Kind : std::uint8_t {
     missing,
     char_str,
@@ -37,7 +37,7 @@ class KindSet {
     [[nodiscard]] constexpr bool has(Kind kind) const noexcept { return (bits_ & bit_of(kind)) != 0; }
     [[nodiscard]] constexpr bool empty() const noexcept { return bits_ == 0; }
     [[nodiscard]] constexpr int size() const noexcept { return std::popcount(bits_); }
-    // The first in the order of Kind. The set is not empty.
+    // The first kind in the order of Kind. Requires !empty().
     [[nodiscard]] constexpr Kind first() const noexcept { return static_cast<Kind>(std::countr_zero(bits_)); }
 
   private:

@@ -4,14 +4,14 @@ namespace quorin::core {
 
 namespace {
 
-// The kind of a column with several kinds or without any that counts.
+// The kind before the rules apply: for a column with several kinds, or without a counted value.
 Kind initial_kind(const VerdictFacts& facts) noexcept {
     return facts.other_rows ? Kind::unknown : Kind::missing;
 }
 
-// Of a column with several kinds of text.
+// The verdict for a column of several kinds that include char_str.
 Verdict decide_texts(const VerdictFacts& facts) noexcept {
-    // A single text beside number texts, or an end marker: the texts stand for missing values.
+    // With a single text beside number texts, or with an end marker, the texts stand for missing values.
     if (facts.one_text || facts.end_marker) {
         if (facts.kinds.has(Kind::float_str)) return {Kind::float_str, true};
         if (facts.kinds.has(Kind::int_str)) return {Kind::int_str, true};

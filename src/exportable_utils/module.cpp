@@ -1,4 +1,4 @@
-// The module's entry and its start-up: everything is bound in the order in which it stands here.
+// Entry point and start-up of the module. The order of the definitions here is the order in which names are bound.
 #include "exportable_utils/classify/classify.hpp"
 #include "exportable_utils/dataset/dataset.hpp"
 #include "exportable_utils/features/features.hpp"
@@ -117,7 +117,7 @@ void import_from(Object names, Name module, Name name) {
     if (!found) {
         if (!PythonError::matches(PyExc_AttributeError)) throw PythonError(Where::current());
         PyErr_Clear();
-        // A module that is not bound in its package yet, where two of them import one another.
+        // In a circular import the module may be in sys.modules but not yet an attribute of its package.
         const Ref whole_name = concat({module, "."_py, name});
         found = Ref::adopt(PyImport_GetModule(whole_name.get()));
         if (!found && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
@@ -143,7 +143,7 @@ void import_everything(Object names) {
 
 enum class Stored { bare, as_static_method };
 
-// Binds each routine under its own name; one of a name that is there already takes its place.
+// Binds each routine to its name. A later routine replaces an earlier one of the same name.
 void define(Object names, Routines routines, const char* owner = nullptr, Stored stored = Stored::bare) {
     for (const Definition* definition : routines) {
         const Ref name = Ref::take(PyUnicode_InternFromString(definition->name));
@@ -153,7 +153,7 @@ void define(Object names, Routines routines, const char* owner = nullptr, Stored
     }
 }
 
-// The names that a class statement starts with.
+// The namespace of a class: the names that a class statement sets before its body runs.
 Ref class_names(Object names, Name name, Name doc) {
     Ref members = Ref::take(PyDict_New());
     set_item(members, "__module__"_py, item(names, "__name__"_py));
@@ -193,8 +193,7 @@ void start_up(Object names) {
     remember_lookups();
 }
 
-// The import machinery has listed the module in most cases; whoever loads it by hand finds it listed too, unless its
-// start-up fails.
+// Adds the module to sys.modules if the loader did not, and removes it again if start-up fails.
 class Listing {
   public:
     explicit Listing(Object module) {
@@ -245,8 +244,8 @@ int execute(PyObject* module) {
 PyObject* create(PyObject* spec, PyModuleDef* definition) {
     return behind_wall(init_name, [&] {
         claim_interpreter();
-        // An interpreter that has marked a module as executed leaves importlib.reload() without effect and without a
-        // word. It sets the mark only where there is a place for state; without one it asks `execute` again.
+        // For m_size >= 0 CPython allocates module state, and importlib.reload() of a module with state silently does
+        // nothing. Without state, reload() calls execute() again, which raises.
         definition->m_size = -1;
         return Ref::take(PyModule_NewObject(Ref::take(PyObject_GetAttrString(spec, "name")).get()));
     });
@@ -256,7 +255,8 @@ PyModuleDef_Slot slots[] = {
     {Py_mod_create, reinterpret_cast<void*>(create)},
     {Py_mod_exec, reinterpret_cast<void*>(execute)},
 #if PY_VERSION_HEX >= 0x030C0000
-    // Nothing here works in a second interpreter, of whatever kind. Saying otherwise lets `create` give its own reason.
+    // The module does not support a second interpreter of any kind. With this declaration create() raises the error
+    // instead of the import machinery.
     {Py_mod_multiple_interpreters, Py_MOD_PER_INTERPRETER_GIL_SUPPORTED},
 #endif
     {0, nullptr},
@@ -279,7 +279,7 @@ PyModuleDef module_definition = {
 }  // namespace quorin
 
 PyMODINIT_FUNC PyInit_exportable_utils() {
-    // The interpreter reads a definition that makes no promise of state only with a size of 0; see create().
+    // CPython rejects a definition with slots and a negative m_size; create() sets it to -1 afterwards.
     quorin::module_definition.m_size = 0;
     return PyModuleDef_Init(&quorin::module_definition);
 }

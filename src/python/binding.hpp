@@ -11,8 +11,8 @@ namespace quorin {
 // The parameters of a routine. The references are borrowed from the routine.
 struct Signature {
     const char* name;
-    Py_ssize_t parameters;  // how many there are
-    Py_ssize_t required;    // how many of them have no default; they come first
+    Py_ssize_t parameters;  // number of parameters
+    Py_ssize_t required;    // number of parameters without a default; they come first
     PyObject* names;        // tuple of interned texts
     PyObject* defaults;     // tuple for the last parameters, or None
 };
@@ -23,7 +23,7 @@ struct GivenKeywords {
     Py_ssize_t size = 0;
 };
 
-// Fills `bound` with borrowed references. Raises TypeError with the interpreter's text.
+// Fills `bound` with borrowed references. Raises TypeError with the interpreter's message if the call does not match.
 void bind(const Signature& signature, PyObject* const* positional, Py_ssize_t given, GivenKeywords keywords,
           PyObject** bound);
 

@@ -2,10 +2,10 @@
 //
 // Invariant: while a Borrow is alive, no foreign code runs. Foreign code is
 //   - every call of Python code, operators and attribute look-ups included;
-//   - every allocation of an array: numpy releases the GIL inside it, so that other threads run;
+//   - every allocation of an array: numpy may release the GIL, so that other threads run;
 //   - every allocation of a list, tuple or dictionary: it may start garbage collection, which calls finalizers;
-//   - the last reference to an object being dropped, if its class is unknown: that calls its finalizer;
-//   - the answer to a signal.
+//   - releasing the last reference to an object of unknown class: its finalizer is called;
+//   - answering a signal: its handler is called.
 // Each of them may change or free borrowed memory. Making a str, int, float or bool is not foreign code.
 //
 // Every function of python/ that may run foreign code begins with foreign_code_may_run(). It throws BorrowViolation if

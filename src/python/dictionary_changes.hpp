@@ -1,4 +1,4 @@
-// Whether a dictionary has changed, for the price of a load or two.
+// Detects changes of a dictionary, at the cost of one or two loads.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ class WatchedDictionary {
 
 #if PY_VERSION_HEX < 0x030C0000
     // Interpreters before 3.12 give every dictionary a new version number at each change.
-    // NOLINTNEXTLINE(readability-convert-member-functions-to-static): of later interpreters it is not static
+    // NOLINTNEXTLINE(readability-convert-member-functions-to-static): not static in the branch for 3.12
     [[nodiscard]] bool watched() const noexcept { return true; }
     [[nodiscard]] bool changed() const noexcept { return version() != seen_version_; }
     void seen() noexcept { seen_version_ = version(); }
@@ -26,8 +26,8 @@ class WatchedDictionary {
     }
     std::uint64_t seen_version_ = 0;
 #else
-    // Later ones call a function at each change. All dictionaries share one flag. False if no watcher was left: the
-    // interpreter has a few for all modules together.
+    // From 3.12 on the interpreter calls a watcher at each change. All dictionaries share one flag. watched() is false
+    // if no watcher was free: the interpreter has only a few, which all modules share.
     [[nodiscard]] bool watched() const noexcept { return watched_; }
     [[nodiscard]] static bool changed() noexcept { return any_changed_; }
     static void seen() noexcept { any_changed_ = false; }

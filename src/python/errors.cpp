@@ -29,14 +29,14 @@ void add_traceback(const char* routine, Where where) noexcept {
     PyErr_Fetch(&type, &value, &traceback);
     const auto line = static_cast<int>(where.line());
     PyCodeObject* code = PyCode_NewEmpty(where.file_name(), routine, line);
-    // The globals of the frame are visible in the traceback. They are empty before start-up, and in another
-    // interpreter, which must not see the objects of this one.
+    // The globals of the frame are visible in the traceback. They are empty before start-up, and in a second
+    // interpreter, which must not see the objects of the first one.
     const Ref empty = Ref::adopt(PyDict_New());
     Object globals = empty;
     if (is_own_interpreter() && module_names()) globals = module_names();
     PyFrameObject* frame = nullptr;
     if (code != nullptr && empty) frame = PyFrame_New(PyThreadState_Get(), code, globals.get(), empty.get());
-    // If the entry cannot be made, the traceback lacks it; the error itself is kept.
+    // If the entry cannot be made, the error keeps its traceback without the entry.
     PyErr_Restore(type, value, traceback);
     if (frame != nullptr) {
 #if PY_VERSION_HEX < 0x030B0000

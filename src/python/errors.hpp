@@ -10,9 +10,8 @@
 
 namespace quorin {
 
-// Sets SystemError, with the interpreter's own words, if no exception is set. A function of a C library may fail
-// without setting one (numpy does if memory runs out), and CPython crashes if it adds a traceback entry to no
-// exception.
+// Sets SystemError, with the interpreter's message, if no exception is set. A C function may fail without setting one
+// (numpy does if memory runs out), and CPython crashes if a traceback entry is added while no exception is set.
 void require_exception() noexcept;
 
 // A call failed. Invariant: while a PythonError is in flight, the interpreter's error indicator is set.
@@ -33,7 +32,7 @@ struct Format {
     Format(const char* format, Where line = Where::current()) noexcept : text(format), where(line) {}
 };
 
-// Raises an exception: fail(PyExc_NameError, "name '%U' is not defined", name). The format names exact texts and
+// Raises an exception: fail(PyExc_NameError, "name '%U' is not defined", name). The format takes exact texts and
 // numbers only (%U, %s, %zd), so that no foreign code runs.
 template <class... Parts>
 [[noreturn]] void fail(PyObject* type, Format format, Parts... parts) {
@@ -68,14 +67,14 @@ class Handling {
     PyObject* outer_traceback_ = nullptr;
 };
 
-// Counts one level of recursion. A routine that runs foreign code may be called again by it, through a replaced name or
-// an operator of a class, without end.
+// Counts one level of recursion. Foreign code that a routine runs may call the routine again, through a replaced name
+// or an operator of a class, without limit.
 class RecursionGuard {
   public:
     explicit RecursionGuard(Where where = Where::current()) {
         if (Py_EnterRecursiveCall(" while calling a Python object") != 0) throw PythonError(where);
 #if PY_VERSION_HEX >= 0x030C0000
-        // These interpreters allow C code ten times the depth, for stack frames smaller than ours.
+        // From 3.12 on the limit for C code is about ten times higher, which is too deep for our stack frames.
         if (++depth_ > Py_GetRecursionLimit()) {
             leave();
             fail(PyExc_RecursionError, Format("maximum recursion depth exceeded while calling a Python object", where));

@@ -1,4 +1,4 @@
-// The interpreter's header and the few places where its versions differ.
+// Python.h, and wrappers for the functions that differ between versions of the interpreter.
 #pragma once
 
 #define PY_SSIZE_T_CLEAN
@@ -11,7 +11,7 @@ namespace quorin {
 
 using Where = std::source_location;
 
-// Keyword names of a vectorcall stand in a tuple, their values behind the positional arguments.
+// `names` is a tuple of keyword names; the keyword values follow the positional arguments in `arguments`.
 inline PyObject* vectorcall(PyObject* callee, PyObject* const* arguments, std::size_t positional, PyObject* names) {
 #if PY_VERSION_HEX >= 0x03090000
     return PyObject_Vectorcall(callee, arguments, positional, names);
@@ -22,7 +22,7 @@ inline PyObject* vectorcall(PyObject* callee, PyObject* const* arguments, std::s
 #endif
 }
 
-// A process-wide unique number of the running interpreter, or -1 with an error set.
+// The running interpreter's number, unique in the process; -1 with an error set if it fails.
 inline std::int64_t running_interpreter() {
 #if PY_VERSION_HEX >= 0x03090000
     return PyInterpreterState_GetID(PyInterpreterState_Get());
@@ -31,7 +31,7 @@ inline std::int64_t running_interpreter() {
 #endif
 }
 
-// The int that these bytes are, the first one highest and no sign among them; null with an error set.
+// An int of unsigned big-endian bytes; null with an error set if it fails.
 inline PyObject* whole_from_bytes(const unsigned char* bytes, std::size_t size) {
 #if PY_VERSION_HEX >= 0x030D0000
     return PyLong_FromUnsignedNativeBytes(bytes, size, Py_ASNATIVEBYTES_BIG_ENDIAN);
@@ -40,14 +40,14 @@ inline PyObject* whole_from_bytes(const unsigned char* bytes, std::size_t size) 
 #endif
 }
 
-// The characters of a text, side by side.
+// The contiguous characters of a text.
 struct Characters {
-    const void* data = nullptr;  // null with an error set, where an old interpreter cannot bring them together
+    const void* data = nullptr;  // null with an error set if PyUnicode_READY() fails (before CPython 3.12)
     Py_ssize_t length = 0;
-    int width = 0;  // bytes for each
+    int width = 0;  // bytes per character
 };
 
-// The interpreter's macros cast in C's way, in our lines.
+// The interpreter's macros expand to C casts.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wold-style-cast"
 #if PY_VERSION_HEX < 0x030C0000

@@ -14,7 +14,7 @@ namespace {
 #define QUORIN_TEXT(value) #value
 #define QUORIN_VERSION(major, minor) QUORIN_TEXT(major) "." QUORIN_TEXT(minor)
 
-// One contiguous text in the file, so that the version can be read from a built module, and patched by a test.
+// One contiguous text in the binary: a test finds it in a built module and patches the version.
 const volatile char built_for[] = "built for CPython " QUORIN_VERSION(PY_MAJOR_VERSION, PY_MINOR_VERSION);
 constexpr std::size_t version_starts = std::string_view("built for CPython ").size();
 

@@ -1,4 +1,4 @@
-// The life of the module in a process: one interpreter, one start-up, no second.
+// The module can be loaded into one interpreter per process and started once.
 #pragma once
 
 #include "python/ref.hpp"
@@ -8,12 +8,12 @@ namespace quorin {
 // Warns if the version of the running interpreter (major.minor) is not the one that the module was built for.
 void check_version(const char* module);
 
-// Raises ImportError in every interpreter but the first that imports the module, even if that import failed: objects
-// that exist once in a process belong to the first interpreter.
+// Raises ImportError in every interpreter except the first that imports the module, even if that import failed: static
+// objects belong to the first interpreter.
 void claim_interpreter();
 bool is_own_interpreter() noexcept;
 
-// Raises RuntimeError at a second start-up. After a failed one, start-up may be tried again.
+// Raises RuntimeError at a second start-up. A start-up that failed may be tried again.
 class StartUp {
   public:
     StartUp();

@@ -20,7 +20,7 @@ namespace {
 struct Entry {
     Ref name;
     Ref value;
-    bool date_test;  // looked up on the way to the date test only
+    bool date_test;  // looked up for the date test only
 };
 
 struct Scope {
@@ -28,7 +28,7 @@ struct Scope {
     std::vector<Entry> entries;
 };
 
-// Never destroyed, as the module itself.
+// Never destroyed, as the module is not.
 std::vector<Scope>& scopes() {
     static auto* const all = new std::vector<Scope>;
     return *all;
@@ -68,7 +68,7 @@ Scope& scope_of(Object dictionary) {
     return scopes().back();
 }
 
-// Records what a dictionary binds a name to, and returns it: null if it does not hold the name.
+// Records and returns the object that a dictionary binds a name to; null if it does not hold the name.
 PyObject* remember(Object dictionary, Object name, bool date_test) {
     PyObject* held = PyDict_GetItemWithError(dictionary.get(), name.get());
     if (held == nullptr && PyErr_Occurred() != nullptr) throw PythonError(Where::current());
@@ -88,8 +88,8 @@ Ref dictionary_of(PyTypeObject* type) {
 #endif
 }
 
-// The dictionaries in which an attribute of a module or of a class is searched, in this order; empty for any other
-// object, and for None.
+// The dictionaries in which an attribute of a module or of a class is searched, in this order. Empty for any other
+// object.
 std::vector<Ref> dictionaries_of(PyObject* owner) {
     std::vector<Ref> found;
     if (PyModule_Check(owner)) {
@@ -106,14 +106,14 @@ std::vector<Ref> dictionaries_of(PyObject* owner) {
     return found;
 }
 
-// The names that are looked up on the way to the date test only.
+// Whether a name is looked up for the date test only.
 bool leads_to_date_test(std::string_view dotted) {
     return dotted == "FC" || dotted.starts_with("FC.") || dotted == "FCplus.is_column_string_in_datetime_format";
 }
 
-// Records every part of a dotted name. Returns false if a part is an attribute of an object that is neither a module
-// nor a class: changes of it cannot be watched. A last part that is not bound, such as np.float in numpy 2, is recorded
-// as not bound.
+// Records every part of a dotted name. Returns false if a part cannot be watched: it is an attribute of an object that
+// is neither a module nor a class, or of a name that is not bound. A last part that is not bound, such as np.float in
+// numpy 2, is recorded as not bound.
 bool remember_dotted(std::string_view dotted) {
     std::vector<Ref> dictionaries;
     dictionaries.push_back(Ref::share(module_names()));
@@ -161,7 +161,7 @@ void remember_null_option() {
     scope_of(dictionary).entries.push_back({Ref::share(name.text), Ref::truth(false), false});
 }
 
-// Whether FC declares that its date test has no effect besides its result.
+// Whether FC declares that its date test has no side effects.
 bool date_test_is_pure(Object FC) {
     for (const Ref& dictionary : dictionaries_of(FC.get())) {
         PyObject* declared = PyDict_GetItemWithError(dictionary.get(), "side_effect_free"_py.text);
@@ -195,8 +195,8 @@ void remember_lookups() {
     current = look_up_all();
 }
 
-// The dictionaries count as seen before the names are looked up: a look-up may run the `==` of a key, which may change
-// a dictionary again.
+// Marks the dictionaries as seen before it looks the names up, because a look-up may call the `==` of a key, which may
+// change a dictionary again.
 LookupState lookup_state() noexcept {
     if (!scopes().empty() && any_changed()) {
         for (Scope& scope : scopes()) scope.dictionary.seen();

@@ -4,20 +4,20 @@
 
 namespace quorin {
 
-// Records the objects that all names of native_lookups() are bound to. Called at the end of start-up, when every
-// routine is made. If it cannot watch one of the names, lookup_state() returns false ever after.
+// Records the objects that the names of all_native_lookups() are bound to. Called at the end of start-up, when all
+// routines exist. If one of the names cannot be watched, both members of lookup_state() stay false.
 void remember_lookups();
 
 struct LookupState {
-    // All names but those of the date test are bound to the recorded objects.
+    // All names except those of the date test are bound to the recorded objects.
     bool unchanged = false;
-    // In addition the names of the date test are, and FC declares that its date test has no side effects: then a call
-    // of the date test whose result is not used can be left out.
+    // The names of the date test are also bound to the recorded objects, and FC declares that its date test has no side
+    // effects. A call of the date test whose result is not used can then be skipped.
     bool date_test_unchanged = false;
 };
 
-// Costs a few loads, unless one of the dictionaries that hold the names has changed since the last call: then every
-// name is looked up again. Holds until foreign code runs.
+// Costs a few loads; looks up every name again if one of the dictionaries that hold them has changed since the last
+// call. The result is valid until foreign code runs.
 LookupState lookup_state() noexcept;
 
 }  // namespace quorin

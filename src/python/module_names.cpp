@@ -10,7 +10,7 @@ namespace {
 
 PyObject* names = nullptr;
 
-// Borrowed, or null without an error.
+// Returns a borrowed reference, or null without an error set.
 PyObject* look_up(PyObject* dictionary, At name) {
     PyObject* found = PyDict_GetItemWithError(dictionary, name.name.text);
     if (found == nullptr && PyErr_Occurred() != nullptr) throw PythonError(name.where);

@@ -1,5 +1,5 @@
-// The module's own names. Routines look up each other, the libraries and the two classes here at call time, so that an
-// application can replace any of them.
+// The module's global names. Routines look up each other, the libraries and the two classes here at call time, so that
+// an application can replace any of them.
 #pragma once
 
 #include "python/ref.hpp"
@@ -10,13 +10,13 @@ namespace quorin {
 Object module_names() noexcept;
 void use_module_names(Object dictionary) noexcept;
 
-// The object that a name is bound to in the module, or among the built-in names. Raises NameError if there is none.
+// The object that a name is bound to in the module, or else in `__builtins__`. Raises NameError if there is none.
 // Foreign code: a key of the dictionary may be of a class with its own `==`.
 Ref global(At name);
 
 void print(const Operand& what, Where where = Where::current());
 
-// time.time(), by the module's name `time`.
+// time.time(), with `time` looked up in the module.
 Ref now(Where where = Where::current());
 
 [[noreturn]] void fail_unbound(Name variable, Where where = Where::current());

@@ -12,7 +12,7 @@ struct Registered {
     const Definition* definition;
 };
 
-// Never destroyed, as the routines themselves.
+// Never destroyed, as the definitions are not.
 std::vector<Registered>& registered_routines() {
     static auto* const all = new std::vector<Registered>;
     return *all;

@@ -8,16 +8,15 @@
 
 namespace quorin {
 
-// Makes a definition known under the qualified name of its routine, such as "FCplus.getClasses". A later routine of the
+// Registers a definition under the qualified name of its routine, such as "FCplus.getClasses". A later routine of the
 // same name replaces the earlier one, as its binding does.
 void register_routine(const char* qualified, const Definition& definition);
 
-// The names that the native route of a routine depends on: those of its definition and, where such a name is a routine,
-// those of that routine's definition. In the order in which the definitions list them; empty for a routine without a
-// native route.
+// The names that the native route of a routine depends on: those of its definition and, if such a name is a routine,
+// those of that routine's definition, in the order of the definitions. Empty for a routine without a native route.
 std::vector<std::string> native_lookups(const Definition& definition);
 
-// The names of all registered routines, without repetition.
+// native_lookups() of all registered routines, without repetition.
 std::vector<std::string> all_native_lookups();
 
 }  // namespace quorin

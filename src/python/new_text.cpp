@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t longest_narrowed = 64;
 
-// Characters of four bytes as one byte each, read and written two at a time. False where one of them is not ASCII.
+// Converts four-byte characters to one byte each, two at a time (little-endian). Returns false if one is not ASCII.
 bool narrow(const std::uint32_t* characters, std::size_t length,
             std::array<char, longest_narrowed>& narrowed) noexcept {
     std::uint64_t all = 0;
@@ -42,7 +42,7 @@ Ref searched_text(core::TextView text) {
 }  // namespace
 
 Ref ascii_text(std::string_view characters) {
-    // A text of one character is one of those that the interpreter keeps.
+    // The interpreter caches texts of length 0 and 1.
     if (characters.size() < 2) return searched_text({characters.data(), characters.size(), 1});
     Ref text = Ref::take(PyUnicode_New(static_cast<Py_ssize_t>(characters.size()), 0x7f));
     std::memcpy(reinterpret_cast<char*>(text.get()) + sizeof(PyASCIIObject), characters.data(), characters.size());

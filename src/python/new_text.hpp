@@ -1,4 +1,4 @@
-// Str objects made of characters in memory.
+// Creates str objects from characters in memory.
 #pragma once
 
 #include <string_view>
@@ -9,13 +9,13 @@
 
 namespace quorin {
 
-// Each of these throws PythonError where the interpreter makes no text.
+// Each function throws PythonError if the object cannot be created.
 Ref new_text(core::TextView text);
-// Spares the interpreter the search for the widest character.
+// Faster for characters that are known to be ASCII: does not search for the widest one.
 Ref ascii_text(std::string_view characters);
-// An element of an array of fixed-width text, which is a str by its base. Makes a tuple on the way.
+// numpy.str_(text). Allocates a tuple, so foreign code may run.
 Ref text_scalar(Object text);
-// What the interpreter's own "".join(text.split()) leaves. `room` is grown as needed and kept from call to call.
+// "".join(text.split()). `room` is scratch memory that grows as needed; pass it to every call.
 Ref text_without_white_space(core::TextView text, std::vector<char>& room);
 
 }  // namespace quorin

@@ -26,7 +26,7 @@ void connect_numpy() {
 Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where) {
     foreign_code_may_run(where);
     const npy_intp shape = static_cast<npy_intp>(size);
-    // PyArray_Empty() takes a reference over.
+    // PyArray_Empty() steals a reference to the dtype.
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
     return Ref::take(PyArray_Empty(1, &shape, dtype, 0), where);
 }
@@ -46,19 +46,19 @@ Ref new_zeros(std::size_t size, int type, Where where) {
 Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where) {
     foreign_code_may_run(where);
     const npy_intp shape = static_cast<npy_intp>(size);
-    // PyArray_NewFromDescr() takes a reference over.
+    // PyArray_NewFromDescr() steals a reference to the dtype.
     static_cast<void>(Ref::share(reinterpret_cast<PyObject*>(dtype)).give());
     return Ref::take(PyArray_NewFromDescr(&PyArray_Type, dtype, 1, &shape, nullptr, nullptr, 0, nullptr), where);
 }
 
 Ref new_fixed_text(std::size_t size, std::size_t length, Where where) {
     foreign_code_may_run(where);
-    // PyArray_New() would copy the dtype of texts itself; numpy 1.21 crashes there if the copy cannot be allocated.
+    // Not PyArray_New(): it copies the text dtype, and numpy 1.21 crashes if the copy cannot be allocated.
     PyArray_Descr* dtype = PyArray_DescrNewFromType(NPY_UNICODE);
     Ref owner = Ref::take(reinterpret_cast<PyObject*>(dtype), where);
     set_element_size(dtype, length * sizeof(std::uint32_t));
     const npy_intp shape = static_cast<npy_intp>(size);
-    // PyArray_NewFromDescr() takes the reference to the dtype over.
+    // PyArray_NewFromDescr() steals the reference to the dtype.
     static_cast<void>(owner.give());
     return Ref::take(PyArray_NewFromDescr(&PyArray_Type, dtype, 1, &shape, nullptr, nullptr, 0, nullptr), where);
 }

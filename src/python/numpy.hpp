@@ -17,7 +17,7 @@
 
 namespace quorin {
 
-// Connects to the numpy that the interpreter has imported. To be called once at start-up.
+// Imports numpy's C interface. Call it once, at start-up.
 void connect_numpy();
 
 inline PyArrayObject* as_array(Object array) noexcept {
@@ -29,26 +29,26 @@ inline bool is_exact_array(Object value) noexcept {
     return Py_TYPE(value.get()) == &PyArray_Type;
 }
 
-// Exactly a str, or exactly an element of a fixed-width text array: both are read by int() and float() as text.
+// Whether value is exactly a str or exactly a numpy.str_: int() and float() read both as text.
 inline bool is_plain_text(Object value) noexcept {
     const PyTypeObject* type = Py_TYPE(value.get());
     return type == &PyUnicode_Type || type == &PyUnicodeArrType_Type;
 }
 
-// New arrays, of one dimension. Allocating one is foreign code: numpy releases the GIL meanwhile. The elements of
+// New arrays of one dimension. Allocating an array is foreign code: numpy may release the GIL. The elements of
 // new_array() are not initialised, except that objects are None or null.
 Ref new_array(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
 Ref new_array(std::size_t size, int type, Where where = Where::current());
 Ref new_zeros(std::size_t size, int type, Where where = Where::current());
-// Elements that are objects are null, which numpy reads as None.
+// For a dtype of objects: the elements are null, which numpy reads as None.
 Ref new_nulls(std::size_t size, PyArray_Descr* dtype, Where where = Where::current());
-// Text of `length` characters, at least one; the characters are not initialised.
+// Texts of `length` characters each, length >= 1, not initialised.
 Ref new_fixed_text(std::size_t size, std::size_t length, Where where = Where::current());
-// Objects, of any number of dimensions; the places are empty (null).
+// Objects, with any number of dimensions; the elements are null.
 Ref new_objects(std::span<const npy_intp> shape, Where where = Where::current());
 
 // Returns np.<name>, an alias of a built-in type that newer versions of numpy have removed, or `builtin` if numpy does
-// not hold it, without numpy's warning or error.
+// not have it. Avoids numpy's deprecation warning and AttributeError.
 Ref numpy_alias(At name, Object builtin);
 
 }  // namespace quorin

@@ -56,7 +56,7 @@ class Ref : public Object {
     constexpr Ref() noexcept = default;
     Ref(Ref&& other) noexcept : Object(std::exchange(other.pointer_, nullptr)) {}
     Ref& operator=(Ref&& other) noexcept {
-        // The old object is released last: its finalizer may read this reference.
+        // The old object is released last, because its finalizer may read this reference.
         PyObject* old = std::exchange(pointer_, std::exchange(other.pointer_, nullptr));
         Py_XDECREF(old);
         return *this;
@@ -65,12 +65,12 @@ class Ref : public Object {
     Ref& operator=(const Ref&) = delete;
     ~Ref() { Py_XDECREF(pointer_); }
 
-    // Takes over a new reference that a call returned. Throws if it is null: the call failed.
+    // Takes over the new reference that a call returned. Throws PythonError if it is null.
     static Ref take(PyObject* fresh, Where where = Where::current()) {
         if (fresh == nullptr) failed(where);
         return Ref(fresh);
     }
-    // Takes over a reference, or null if null is not a failure.
+    // Takes over a reference. For calls in which null is not a failure.
     static Ref adopt(PyObject* owned) noexcept { return Ref(owned); }
     // Adds a reference to a borrowed object.
     static Ref share(Object borrowed) noexcept {
@@ -120,7 +120,7 @@ struct Literal {
 
 PyObject* intern(const char* text);
 
-// Interned at the first use; later uses cost a guarded load.
+// Interns the text at the first use; later uses cost a guarded load.
 template <Literal Text>
 Name name_of() {
     static PyObject* const interned = intern(Text.text);

@@ -27,7 +27,7 @@ Ref run(const Routine* self, PyObject* const* positional, Py_ssize_t given, Give
     if (parameters == 1) refuse_single(definition.name, given, keywords.size);
     PyObject* bound[most_parameters];
     if (given >= self->required && given < parameters && keywords.size == 0) {
-        // Plain loops: for so few values memcpy() would cost more.
+        // Loops, because memcpy() is slower for at most 7 pointers.
         for (Py_ssize_t i = 0; i < given; ++i) bound[i] = positional[i];
         for (Py_ssize_t i = given; i < parameters; ++i) bound[i] = self->default_values[i - self->required];
     } else {
@@ -195,7 +195,7 @@ Ref make_routine(const Definition& definition, const char* owner) {
     }
     Ref made = Ref::take(reinterpret_cast<PyObject*>(PyObject_GC_New(Routine, &routine_type)));
     Routine* self = routine_of(made.get());
-    // The destructor runs if anything below fails, so every field is valid before.
+    // destroy() runs if anything below fails, so every field is initialised first.
 #if PY_VERSION_HEX >= 0x03080000
     self->vectorcall = call;
 #endif
@@ -229,7 +229,7 @@ Ref make_routine(const Definition& definition, const char* owner) {
     const char* qualified = PyUnicode_AsUTF8(self->qualified);
     if (qualified == nullptr) throw PythonError(Where::current());
     register_routine(qualified, definition);
-    // Complete: from here on gc.get_objects() may return it.
+    // Tracked last: gc.get_objects() must not return an incomplete routine.
     PyObject_GC_Track(made.get());
     return made;
 }

@@ -12,7 +12,6 @@
 
 namespace quorin {
 
-// The default of a parameter.
 class Default {
   public:
     enum class Kind { required, none, truth, whole, real, text };
@@ -89,8 +88,8 @@ class Body {
 };
 
 // Names that the interpreter route of a routine looks up at call time, and that its native route therefore depends on:
-// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". A routine among them adds the names of its
-// own definition. Callables have them all in the attribute `_native_lookups`, from which the tests are made.
+// dotted texts such as "numpy_isin", "np.any", "FCplus.check_statistics". If a name is a routine, the names of its
+// definition are added. The attribute `_native_lookups` of a callable holds all of them; tests are generated from it.
 class Lookups {
   public:
     constexpr Lookups() = default;
@@ -111,11 +110,11 @@ struct Definition {
     Parameters parameters;
     Annotation returns = Annotation::none;
     const char* doc;
-    // False for a body that runs no foreign code, or that has a RecursionGuard where it does.
+    // False if the body runs no foreign code, or has its own RecursionGuard.
     bool counts_nesting = true;
     bool has_native_route = false;
-    // For a routine with a native route, and for a routine that such a one calls.
-    Lookups lookups = {};  // NOLINT(readability-redundant-member-init): without it g++ warns of each definition
+    // Needed for a routine with a native route, and for the routines that it calls.
+    Lookups lookups = {};  // NOLINT(readability-redundant-member-init): g++ warns about each definition without it
     Body body;
 };
 

@@ -1,4 +1,4 @@
-// The object of a routine, and the attributes by which it describes itself.
+// The callable object of a routine and its attributes.
 #pragma once
 
 #include "python/routine.hpp"
@@ -7,7 +7,7 @@
 
 namespace quorin {
 
-// The callable that Python sees. All fields but `dict` and `weak` are set by make_routine() and never change.
+// The callable that Python sees. All fields except `dict` and `weak` are set by make_routine() and never change.
 struct Routine {
     PyObject_HEAD
 #if PY_VERSION_HEX >= 0x03080000
@@ -34,7 +34,7 @@ inline const Definition& definition_of(PyObject* self) {
     return *routine_of(self)->definition;
 }
 
-// `__name__` and the like, and `__doc__`, `__signature__` and the like, each ending with an empty entry.
+// Attributes such as `__name__` and properties such as `__doc__`, each table terminated by an empty entry.
 extern PyMemberDef routine_members[];
 extern PyGetSetDef routine_properties[];
 

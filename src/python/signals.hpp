@@ -1,4 +1,4 @@
-// Answering signals inside long native loops.
+// Handles signals inside long native loops.
 #pragma once
 
 #include "python/errors.hpp"
@@ -15,11 +15,12 @@ class Interrupted : public PythonError {
     using PythonError::PythonError;
 };
 
-// Runs the Python handlers of the signals that have arrived, which are foreign code; throws Interrupted if one raises.
-// Handlers run in the main thread only. In every other thread this lets the main thread have the GIL.
+// Runs the Python handlers of pending signals, which are foreign code; throws Interrupted if one raises. Then releases
+// the GIL for a moment: handlers run in the main thread only, which may be waiting for it.
 void answer_signals(Where where = Where::current());
 
-// Answers signals at most once in 20 ms. Reading the clock takes about 30 ns, so a loop polls every few thousand rows.
+// Answers signals at most once in 20 ms. Reading the clock takes about 30 ns, so a loop polls once in a few thousand
+// rows.
 class SignalTimer {
   public:
     void poll(Where where = Where::current());
@@ -30,7 +31,7 @@ class SignalTimer {
 };
 
 // Calls block(first, last) for consecutive ranges of at most `most_rows` rows, and answers signals between them.
-// `block` opens the column anew in each call, since a handler may have changed it; it returns false to give up.
+// `block` must open the column in each call, because a handler may have changed it; it returns false to give up.
 template <class Block>
 bool in_blocks_of(std::size_t most_rows, std::size_t rows, Block block, Where where = Where::current()) {
     if (rows <= most_rows) return block(std::size_t{0}, rows);
@@ -42,7 +43,7 @@ bool in_blocks_of(std::size_t most_rows, std::size_t rows, Block block, Where wh
     return true;
 }
 
-// The same with ranges that take a few milliseconds at most. Short columns are one range.
+// The same with ranges of a few milliseconds at most. A short column is one range.
 constexpr std::size_t rows_between_signals = std::size_t{1} << 17U;
 
 template <class Block>

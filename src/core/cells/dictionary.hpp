@@ -1,4 +1,4 @@
-// Cells of a dictionary: each row holds the index of one of the dictionary's own cells.
+// Dictionary-encoded cells: each row holds the index of a cell of the dictionary.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,14 @@
 
 namespace quorin::core {
 
-// `Index` is any integer type, `Entries` any type of cells. A row without an index is null, and so is a row whose entry
-// is null. A row whose index has no entry is of a type that kernels do not know.
+// `Index` is any integer type, `Entries` any type of cells. A row is null if it is not valid or its entry is null, and
+// Cell::other if its index is out of range.
 template <class Index, class Entries>
 class DictionaryCells {
     static_assert(std::is_integral_v<Index>);
 
   public:
-    // The rows [offset, offset + rows) of an array of indices: its buffers, and the slice.
+    // The rows [offset, offset + rows) of an array of indices with these buffers.
     DictionaryCells(const void* indices, const std::uint8_t* validity, std::size_t offset, std::size_t rows,
                     const Entries& entries) noexcept
         : indices_(static_cast<const char*>(indices) + offset * sizeof(Index)),
@@ -43,7 +43,7 @@ class DictionaryCells {
     }
 
   private:
-    // A negative index converts to one beyond every entry.
+    // A negative index converts to one that is out of range.
     [[nodiscard]] std::size_t index(std::size_t row) const noexcept {
         Index value;
         std::memcpy(&value, indices_ + row * sizeof value, sizeof value);

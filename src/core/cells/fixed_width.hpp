@@ -1,4 +1,4 @@
-// Cells of fixed-width text: four bytes a character, padded with zeros.
+// Cells of fixed-width text: four bytes per character, padded with zeros.
 #pragma once
 
 #include <array>
@@ -19,7 +19,7 @@ class FixedWidthText {
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t size) const noexcept {
         return size < longest_ && characters(row)[size] != 0;
     }
-    // For columns of up to sixteen characters: the highest byte that is not zero gives the length without a jump.
+    // For widths of 4 to 16 characters. Finds the length without a branch, from the highest byte that is not zero.
     [[nodiscard]] bool glance(std::size_t row, ShortText& text) const noexcept {
         constexpr std::size_t most = 16;
         if (longest_ < 4 || longest_ > most || std::endian::native != std::endian::little) return false;
@@ -44,7 +44,7 @@ class FixedWidthText {
         text = {value << (8 * zeros), 8 - zeros};
         return true;
     }
-    // A text may hold zeros, so its end is searched backwards, two characters at a time.
+    // A text may contain NUL characters, so its end is searched from the back, two characters at a time.
     Cell read(std::size_t row, TextView& text) const noexcept {
         const std::uint32_t* at = characters(row);
         std::size_t length = longest_;
@@ -56,7 +56,7 @@ class FixedWidthText {
 
   private:
     using Four [[gnu::vector_size(16)]] = std::uint32_t;
-    // Four characters as bytes, the first one lowest; `all` collects their bits.
+    // Narrows four characters to bytes, the first in the lowest byte, and adds their bits to `all`.
     static std::uint32_t four_from(const std::uint32_t* at, Four& all) noexcept {
         using FourBytes [[gnu::vector_size(4)]] = std::uint8_t;
         Four four;

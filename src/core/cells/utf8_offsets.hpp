@@ -1,4 +1,4 @@
-// Cells of Arrow's utf8 and large_utf8: the bytes of all texts one after the other, and where each text starts.
+// Cells of Arrow's utf8 and large_utf8: the concatenated bytes of all texts, and the offset of each text.
 #pragma once
 
 #include <cstddef>
@@ -18,15 +18,15 @@ class Utf8Offsets {
     static_assert(std::is_same_v<Offset, std::int32_t> || std::is_same_v<Offset, std::int64_t>);
 
   public:
-    // The rows [offset, offset + rows) of an array: its buffers, and the slice. `bytes` may be null if all texts are
-    // empty. The buffers must be what are_valid() accepts, and the texts UTF-8.
+    // The rows [offset, offset + rows) of an array with these buffers. `bytes` may be null if all texts are empty.
+    // Requires valid UTF-8 and buffers that are_valid() accepts.
     Utf8Offsets(const void* offsets, const void* bytes, const std::uint8_t* validity, std::size_t offset,
                 std::size_t rows) noexcept
         : offsets_(static_cast<const char*>(offsets) + offset * sizeof(Offset)),
           bytes_(static_cast<const std::uint8_t*>(bytes)),
           valid_(validity, offset),
           rows_(rows) {}
-    // Whether the offsets of the rows ascend from 0 or more to at most the size of `bytes`.
+    // Whether 0 <= start(0) <= start(1) <= ... <= start(rows) <= size_of_bytes.
     [[nodiscard]] bool are_valid(std::size_t size_of_bytes) const noexcept {
         if (rows_ == 0) return true;
         Offset before = start(0);

@@ -1,4 +1,4 @@
-// One cell of UTF-8, for the cells of Arrow's layouts.
+// Views of single UTF-8 texts, for the cells of Arrow's layouts.
 #pragma once
 
 #include <bit>
@@ -9,8 +9,8 @@
 
 namespace quorin::core {
 
-// A text of valid UTF-8; the `before` bytes before it may be read. Short ASCII texts are recognised, because kernels
-// are faster for them.
+// The view of a text of valid UTF-8, before which `before` bytes are readable. Short ASCII texts are recognised,
+// because kernels are faster for them.
 inline TextView utf8_text(const std::uint8_t* at, std::size_t size, std::size_t before) noexcept {
     constexpr std::size_t most = 16;
     if (size > most || before < most || std::endian::native != std::endian::little)
@@ -22,7 +22,7 @@ inline TextView utf8_text(const std::uint8_t* at, std::size_t size, std::size_t 
     return {at, size, 1, ascii ? Encoding::padded_ascii : Encoding::utf8};
 }
 
-// The same at a glance: an ASCII text of one to eight characters.
+// Sets `text` and returns true for an ASCII text of one to eight characters; may return false if size + before < 8.
 inline bool short_ascii(const std::uint8_t* at, std::size_t size, std::size_t before, ShortText& text) noexcept {
     if (size - 1 >= 8 || size + before < 8 || std::endian::native != std::endian::little) return false;
     text = {eight_bytes(at + size - 8), size};

@@ -1,4 +1,4 @@
-// Cells of Arrow's utf8_view: 16 bytes a row, which hold a text of up to twelve bytes or refer to a buffer.
+// Cells of Arrow's utf8_view: 16 bytes per row, which contain a text of up to twelve bytes or refer to a buffer.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@ namespace quorin::core {
 
 class Utf8Views {
   public:
-    // The rows [offset, offset + rows) of an array: its buffers, and the slice. The buffers must be what are_valid()
-    // accepts, and the texts UTF-8.
+    // The rows [offset, offset + rows) of an array with these buffers. Requires valid UTF-8 and buffers that
+    // are_valid() accepts.
     Utf8Views(const void* views, const std::uint8_t* const* buffers, const std::uint8_t* validity, std::size_t offset,
               std::size_t rows) noexcept
         : views_(static_cast<const std::uint8_t*>(views) + offset * bytes_of_view),
           buffers_(buffers),
           valid_(validity, offset),
           rows_(rows) {}
-    // Whether the views of all rows that have a value lie within the `count` buffers of these sizes.
+    // Whether the views of all valid rows are within the `count` buffers of these sizes.
     [[nodiscard]] bool are_valid(const std::int64_t* sizes, std::size_t count) const noexcept {
         for (std::size_t row = 0; row < rows_; ++row) {
             if (!valid_(row)) continue;
@@ -43,7 +43,7 @@ class Utf8Views {
     [[nodiscard]] bool glance(std::size_t row, ShortText& text) const noexcept {
         const std::size_t size = size_of(row);
         if (size - 1 >= 8 || std::endian::native != std::endian::little) return false;
-        // The bytes behind a short text belong to its view; they are shifted out.
+        // Reads eight bytes, which are all in the view, and shifts out those after the text.
         text = {eight_bytes(view(row) + at_inlined) << (64 - 8 * size), size};
         return (text.bytes & beyond_ascii) == 0 && valid_(row);
     }
@@ -62,8 +62,7 @@ class Utf8Views {
   private:
     static constexpr std::size_t bytes_of_view = 16;
     static constexpr std::size_t most_inlined = 12;
-    // A view is a size and the inlined text, or a size, the first four bytes, the number of a buffer and the start of
-    // the text in it.
+    // A view is (size, inlined text) or (size, first four bytes, index of a buffer, start of the text in the buffer).
     static constexpr std::size_t at_size = 0;
     static constexpr std::size_t at_inlined = 4;
     static constexpr std::size_t at_buffer = 8;

@@ -1,4 +1,4 @@
-// Validity bitmaps of Arrow arrays: one bit a row, the lowest bit of a byte first, set for rows that have a value.
+// Validity bitmaps of Arrow arrays: one bit per row, least significant bit first, set for rows that have a value.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@ namespace quorin::core {
 
 class Validity {
   public:
-    // Without a bitmap every row has a value. Row 0 is bit `offset`.
+    // If `bits` is null, every row has a value. Row 0 is bit `offset`.
     explicit Validity(const std::uint8_t* bits = nullptr, std::size_t offset = 0) noexcept
         : bits_(bits), offset_(offset) {}
     [[nodiscard]] bool operator()(std::size_t row) const noexcept {

@@ -7,7 +7,7 @@ namespace quorin::core {
 
 namespace {
 
-constexpr std::size_t digits = 8;  // of a byte each
+constexpr std::size_t digits = 8;  // bytes of a key
 constexpr std::size_t values = 256;
 using Histogram = std::array<std::uint32_t, values>;
 
@@ -27,7 +27,7 @@ void in_steps(std::size_t size, const std::function<void()>& pause, Use use) {
 
 }  // namespace
 
-// Radix sort from the last digit to the first, each round stable. A digit that all keys share is skipped.
+// Radix sort from the least significant digit on; each pass is stable. Skips a digit that is the same in all keys.
 void sort_by_key(std::vector<Keyed>& entries, const std::function<void()>& pause) {
     constexpr std::size_t few = 512;
     if (entries.size() < few) {

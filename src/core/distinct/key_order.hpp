@@ -1,4 +1,4 @@
-// Sorting by 64-bit keys.
+// Sorts by 64-bit keys.
 #pragma once
 
 #include <bit>
@@ -13,11 +13,11 @@ struct Keyed {
     std::uint32_t number;
 };
 
-// Sorts by key. The sort is stable; `number` is ascending before it, and so within equal keys after it. Calls pause()
-// every few milliseconds.
+// Stable sort by key. Requires that `number` is ascending; it then is ascending within equal keys of the result. Calls
+// pause() every few milliseconds.
 void sort_by_key(std::vector<Keyed>& entries, const std::function<void()>& pause = [] {});
 
-// For all a, b: key(a) < key(b) if and only if a < b. Not for NaN.
+// For all a, b that are not NaN: key(a) < key(b) if and only if a < b.
 constexpr std::uint64_t sign_bit = std::uint64_t{1} << 63U;
 inline std::uint64_t key_of_whole(std::int64_t value) noexcept {
     return static_cast<std::uint64_t>(value) ^ sign_bit;

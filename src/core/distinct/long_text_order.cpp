@@ -4,7 +4,7 @@
 
 namespace quorin::core {
 
-// Every so many texts of a sorted sample start a bucket.
+// Sorts a sample and takes every `sampled_for_each`-th text of it as the start of a bucket.
 TextBuckets::TextBuckets(const std::vector<DistinctText>& texts, std::size_t size) {
     constexpr std::size_t sampled_for_each = 8;
     const std::size_t samples = std::max<std::size_t>(1, sampled_for_each * (texts.size() / size));

@@ -1,4 +1,4 @@
-// Sorting many distinct texts in steps, so that a caller can answer signals between them.
+// Sorts many distinct texts in steps, so that a caller can answer signals between them.
 #pragma once
 
 #include <cstdint>
@@ -11,21 +11,21 @@ namespace quorin::core {
 // Divides texts into buckets: every text of a bucket sorts before every text of the next bucket.
 class TextBuckets {
   public:
-    // With buckets of about `size` texts.
+    // Makes buckets of about `size` texts.
     TextBuckets(const std::vector<DistinctText>& texts, std::size_t size);
     [[nodiscard]] std::size_t count() const noexcept { return starts_.size() + 1; }
     [[nodiscard]] std::size_t bucket_of(const TextView& text) const noexcept;
 
   private:
-    std::vector<TextView> starts_;  // of all buckets but the first, ascending
+    std::vector<TextView> starts_;  // first texts of all buckets except the first, ascending
 };
 
-// The texts with these numbers, as ascending() orders them, are appended to `order`.
+// Appends `numbers` to `order`, in the ascending order of their texts.
 void append_ascending(const std::vector<DistinctText>& texts, const std::vector<std::uint32_t>& numbers,
                       std::vector<std::uint32_t>& order);
 
-// ascending(), which calls pause() every few milliseconds. If that returns false, the result is empty. Texts that
-// change meanwhile make the order wrong, but no access goes astray.
+// The same as ascending(), but calls pause() every few milliseconds; if that returns false, the result is empty. If the
+// texts change during a pause, the order is wrong, but there is no access out of bounds.
 template <class Pause>
 std::vector<std::uint32_t> ascending_in_steps(const std::vector<DistinctText>& texts, Pause pause) {
     constexpr std::size_t few = 1U << 16U;

@@ -13,7 +13,7 @@ namespace quorin::core {
 
 namespace {
 
-// Rows whose marks fill one register.
+// The number of rows whose marks fill one register.
 constexpr std::size_t together = sizeof(Bytes);
 
 // 1 for each null of `together` rows, 0 for the others.
@@ -31,7 +31,7 @@ Bytes null_marks(const Elements<Float, Float, Stride>& elements, std::size_t row
 // The sum of marks_at(row), bytes that are 0 or 1, over all multiples of `together` below `rows`.
 template <class MarksAt>
 std::size_t sum_of_marks(std::size_t rows, MarksAt marks_at) noexcept {
-    // As many as a byte counts.
+    // A byte counts to 255.
     constexpr std::size_t block = 255 * together;
     std::size_t total = 0;
     for (std::size_t row = 0; row < rows;) {
@@ -82,7 +82,7 @@ void copy_kept(const StridedMemory& column, const char* left_out, To* out, std::
             for (std::size_t row = 0; row < kept; ++row) out[row] = elements.one(row);
             return;
         }
-        // A row that is left out is overwritten by the next one: no branch depends on the mask.
+        // An excluded row is overwritten by the next one, so that no branch depends on the mask.
         To* next = out;
         for (std::size_t row = 0; next != out + kept; ++row) {
             *next = elements.one(row);
@@ -107,7 +107,7 @@ void write_runs(const Number* sorted, std::size_t size, std::size_t runs, Number
         for (std::size_t i = 0; i < size; ++i) counts[i] = 1;
         return;
     }
-    // First the start of each run. A row that does not start one is overwritten by the next one.
+    // First pass: the start of each run, without a branch. A row that starts no run is overwritten by the next one.
     values[0] = sorted[0];
     counts[0] = 0;
     Number last = sorted[0];
@@ -137,7 +137,7 @@ Range<Integer> range_of(const StridedMemory& column) noexcept {
     });
 }
 
-// The view is copied: the stores through `table` could otherwise change it.
+// Copies `memory`, because the stores through `table` may alias it.
 template <class Integer>
 void count_each(const StridedMemory& memory, Integer least, std::ptrdiff_t* table) noexcept {
     const StridedMemory column = memory;

@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// Two numbers have the same pattern if and only if they are equal; all NaN have one, and so have 0.0 and -0.0.
+// pattern(a) == pattern(b) if and only if a == b or both are NaN.
 std::uint64_t pattern_of(double value) noexcept;
 
 template <class Number>
@@ -40,7 +40,7 @@ class NumberTable {
     bool make_room(std::size_t more);
 
     [[gnu::always_inline]] void prefetch(std::uint64_t key) const noexcept {
-        // A small table stays in the cache.
+        // A smaller table stays in the cache.
         if (slots_.size() > small) __builtin_prefetch(&slots_[place_of(key)]);
     }
 
@@ -54,7 +54,8 @@ class NumberTable {
     };
     static constexpr Slot empty{0, none};
 
-    // The product is folded so that both successive integers and the patterns of short fractions spread over the table.
+    // Combines both halves of the product, because integers differ in their low bits and short fractions in their high
+    // bits.
     [[nodiscard]] std::size_t place_of(std::uint64_t key) const noexcept {
         __extension__ using Product = unsigned __int128;
         const Product product = static_cast<Product>(key) * 0x9e3779b97f4a7c15ULL;

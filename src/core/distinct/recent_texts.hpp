@@ -11,15 +11,15 @@
 
 namespace quorin::core {
 
-// A direct-mapped cache: a text replaces another one with the same place. The texts are either all in UTF-8 or all in
-// fixed-width characters. The characters stay with the caller and must not change.
+// A direct-mapped cache: a text replaces another text in the same slot. The texts are either all in UTF-8 or all in
+// fixed-width characters. The caller owns the characters, which must not change.
 template <class Value>
 class RecentTexts {
   public:
     // For a column of this many rows.
     explicit RecentTexts(std::size_t rows) : places_(std::bit_ceil(std::clamp<std::size_t>(rows, 1, most_places))) {}
 
-    // The cached value of an equal text, or else make().
+    // Returns the cached value of an equal text, or caches make().
     template <class Make>
     const Value& get(TextView text, Make make) {
         const std::uint32_t hash = hash_text(text);

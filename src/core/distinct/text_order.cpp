@@ -15,11 +15,11 @@ struct Entry {
     std::uint32_t bucket;
 };
 
-// What the keys are made of. Keys have to sort as texts do.
+// The units that a key consists of. Keys must sort as the texts do.
 enum class KeyUnits {
-    bytes,       // units that fit into a byte
+    bytes,       // all units fit in a byte
     characters,  // units of up to four bytes
-    none         // texts with units that cannot be compared: all keys are equal
+    none         // the texts have units that cannot be compared: all keys are equal
 };
 
 bool has_bytes_only(TextView text) noexcept {
@@ -42,7 +42,7 @@ KeyUnits key_units(const std::vector<DistinctText>& texts) noexcept {
     return bytes ? KeyUnits::bytes : KeyUnits::characters;
 }
 
-// The number of units with which all texts start.
+// The length of the common prefix of all texts, in units.
 std::size_t common_start(const std::vector<DistinctText>& texts) noexcept {
     const TextView first = texts.front().text;
     std::size_t common = first.size;
@@ -60,8 +60,8 @@ std::uint64_t first_highest(std::uint64_t bytes) noexcept {
     return std::endian::native == std::endian::little ? __builtin_bswap64(bytes) : bytes;
 }
 
-// The units from `start` on as one number that sorts as they do: eight bytes or two characters. Missing units are 0, so
-// texts with equal keys may differ.
+// Packs the units from `start` on, eight bytes or two characters, into a number that sorts as they do. Missing units
+// are 0, so texts with equal keys may differ.
 std::uint64_t leading_units(TextView text, std::size_t start, KeyUnits units) noexcept {
     if (units == KeyUnits::none) return 0;
     const bool bytes = units == KeyUnits::bytes;
@@ -83,11 +83,12 @@ unsigned byte_of(std::uint64_t key, std::size_t place) noexcept {
     return static_cast<unsigned>(key >> (8 * (7 - place))) & 0xffU;
 }
 
-// Numbers the buckets in the order of the keys: the first bytes are digits of a number, each with as many values as
-// occur in its place. So 26 letters in a place take 26 buckets, not 256. Returns the number of buckets.
+// Assigns buckets in the order of the keys and returns their number. The bucket is a mixed-radix number whose digits
+// are the leading bytes of the key, ranked among the byte values that occur in that place: a place with 26 letters
+// takes 26 buckets, not 256.
 std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     constexpr std::size_t values = 256;
-    // Enough that most buckets hold one key or none, and few enough that one more place does not exceed 32 bits.
+    // Enough buckets for one key or none in most of them; 2^24 times one more place of 2^8 values fits in 32 bits.
     const std::size_t wanted = std::min(4 * keyed.size(), std::size_t{1} << 24U);
     std::size_t buckets = 1;
     for (std::size_t place = 0; place < 8 && buckets < wanted; ++place) {
@@ -102,7 +103,7 @@ std::size_t assign_buckets(std::vector<Entry>& keyed) noexcept {
     return buckets;
 }
 
-// A stable sort by some bits of the bucket.
+// One pass of a stable radix sort by bucket.
 void distribute(const std::vector<Entry>& from, std::vector<Entry>& to, unsigned shift, std::size_t digits) {
     std::vector<std::uint32_t> places(digits);
     const auto digit = [&](const Entry& entry) { return (entry.bucket >> shift) & (digits - 1); };
@@ -131,7 +132,7 @@ std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts) {
     for (std::uint32_t number = 0; number < texts.size(); ++number) {
         keyed[number] = {leading_units(texts[number].text, start, units), number, 0};
     }
-    // Fewer texts are sorted faster by comparing alone.
+    // For fewer texts std::sort() alone is faster.
     constexpr std::size_t few = 512;
     if (keyed.size() > few) sort_by_bucket(keyed, assign_buckets(keyed));
     const auto less = [&](const Entry& left, const Entry& right) {

@@ -1,4 +1,4 @@
-// Sorting distinct texts.
+// Sorts distinct texts.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace quorin::core {
 
-// The numbers of the texts in ascending order by code point.
+// The indices of the texts, in ascending order of the texts by code point.
 std::vector<std::uint32_t> ascending(const std::vector<DistinctText>& texts);
 
 }  // namespace quorin::core

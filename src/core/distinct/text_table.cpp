@@ -9,10 +9,10 @@ namespace {
 
 __extension__ using Product = unsigned __int128;
 
-// Keeps hashes apart from the 0 of empty slots.
+// Set in every hash, because empty slots have the hash 0.
 constexpr std::uint32_t never_zero = 0x80000000U;
 
-// Two odd numbers without a pattern.
+// Arbitrary odd numbers.
 constexpr std::uint64_t first_salt = 0x9e3779b97f4a7c15ULL;
 constexpr std::uint64_t second_salt = 0xd1b54a32d192ed03ULL;
 
@@ -27,7 +27,7 @@ std::uint32_t four_bytes(const std::uint8_t* at) noexcept {
     return bytes;
 }
 
-// The last eight bytes and the eight before them. If there are fewer, they are the highest bytes of the numbers.
+// The last eight bytes and the eight before them. If there are fewer, they are in the high bytes and the rest is 0.
 struct LastSixteen {
     std::uint64_t before;
     std::uint64_t last;
@@ -50,13 +50,13 @@ LastSixteen last_sixteen(const std::uint8_t* bytes, std::size_t size) noexcept {
     return {0, up_to_eight(bytes, size)};
 }
 
-// The same for a padded text: the bytes before it are masked.
+// The same for a padded text, with the bytes before the text masked out.
 LastSixteen last_sixteen_of_padded(const std::uint8_t* bytes, std::size_t size) noexcept {
     const EndMasks& masks = end_masks[size < 16 ? size : 16];
     return {eight_bytes(bytes + size - 16) & masks.before, eight_bytes(bytes + size - 8) & masks.last};
 }
 
-// Inlined: a call for each text of a block costs as much as a short hash.
+// Always inlined: a call per text costs as much as the hash of a short text.
 [[gnu::always_inline]] inline std::uint32_t hash_of(const TextView& text) noexcept {
     const std::uint8_t* bytes = text.bytes();
     const std::size_t size = text.size * static_cast<std::size_t>(text.width);
@@ -75,8 +75,8 @@ std::uint32_t hash_text(const TextView& text) noexcept {
 }
 
 // Tables are at most half full, so that probes are short. Small tables double. Larger ones grow to the number of
-// distinct texts that the rows so far predict, because copying a table once is cheaper than copying it at each
-// doubling; the growth is limited, because the first rows may differ from the others.
+// distinct texts that is extrapolated from the rows so far, because one copy is cheaper than one per doubling; the
+// factor is limited, because the first rows may not be typical.
 std::size_t TextTable::grown_size(std::size_t entries, std::size_t rows_so_far) const noexcept {
     constexpr std::size_t small = 4096;
     constexpr std::size_t most_at_once = 64;
@@ -105,7 +105,7 @@ void TextTable::grow(std::size_t rows_so_far) {
 }
 
 bool TextTable::make_room(std::size_t more, std::size_t rows_so_far) {
-    // Memory that is new to the process is slow: 1 MB of slots or entries takes about a millisecond.
+    // The first write to new memory causes page faults: 1 MB of slots or entries takes about a millisecond.
     constexpr std::size_t step = 1U << 15U;
     if (!growth_) {
         if (2 * (entries_.size() + more) <= slots_.size()) return true;
@@ -135,7 +135,7 @@ bool TextTable::make_room(std::size_t more, std::size_t rows_so_far) {
     return false;
 }
 
-// For texts that are not in the slot of their hash.
+// The general case: probes further slots, and adds the text if it is new.
 std::uint32_t TextTable::find_or_add(const TextView& text, std::uint32_t hash, std::size_t row) {
     std::size_t slot = hash & (slots_.size() - 1);
     for (; slots_[slot].number != none; slot = (slot + 1) & (slots_.size() - 1)) {
@@ -157,7 +157,7 @@ std::uint32_t TextTable::add(const TextView& text, std::size_t row) {
 }
 
 void TextTable::add(const Block& texts) {
-    // The slots and entries of fewer texts stay in the cache.
+    // Smaller tables stay in the cache.
     constexpr std::size_t cached = 1024;
     const std::size_t size = texts.size;
     if (size == 0) return;

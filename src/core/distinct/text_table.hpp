@@ -1,4 +1,4 @@
-// The distinct texts of a column: the row in which each occurs first, and how often it occurs.
+// A hash table of the distinct texts of a column, with the row of the first occurrence and the count of each.
 #pragma once
 
 #include <array>
@@ -11,24 +11,24 @@
 
 namespace quorin::core {
 
-// Equal for equal texts in the same encoding, as same_units() defines it, and never 0.
+// The hash of a text, never 0. Equal for texts that are equal by same_units().
 std::uint32_t hash_text(const TextView& text) noexcept;
 
 struct DistinctText {
     TextView text;
-    std::size_t row;  // of its first occurrence
+    std::size_t row;  // the row of the first occurrence
     std::int64_t count;
 };
 
-// Open addressing. The texts are either all in UTF-8 or all in fixed-width characters, equal ones in the same. Texts
-// are added in blocks, so that memory is prefetched for a whole block before the first look-up. The characters stay
-// with the caller.
+// Open addressing. The texts are either all in UTF-8 or all in fixed-width characters, and equal texts have the same
+// width. Texts are added in blocks, so that memory is prefetched for a whole block before the first look-up. The caller
+// owns the characters.
 class TextTable {
   public:
     static constexpr std::size_t block = 32;
     static constexpr std::size_t most_rows = 0x7fffffff;
-    // For a column of this many rows. Entries have numbers of 32 bits: a caller with more than `most_rows` rows has to
-    // stop at some number of entries.
+    // For a column of this many rows. Indices of entries have 32 bits: a caller with more than `most_rows` rows must
+    // limit the number of entries.
     explicit TextTable(std::size_t rows) : rows_(rows), slots_(initial_slots, empty) {}
     struct Block {
         std::array<TextView, block> texts;
@@ -36,14 +36,14 @@ class TextTable {
         std::size_t size = 0;
     };
     void add(const Block& texts);
-    // Adds one text; returns the number of its entry.
+    // Adds one text and returns the index of its entry.
     std::uint32_t add(const TextView& text, std::size_t row);
-    // For long columns: makes room for so many more entries in steps of a few milliseconds. Returns false after each
-    // step but the last, and reads no text. Nothing may be added between two steps.
+    // For long columns: makes room for `more` entries in steps of a few milliseconds. Call it until it returns true; do
+    // not add texts before. Reads no text.
     bool make_room(std::size_t more, std::size_t rows_so_far);
-    // In the order of their first occurrence.
+    // The distinct texts in the order of first occurrence.
     [[nodiscard]] const std::vector<DistinctText>& entries() const noexcept { return entries_; }
-    // The same. Frees the rest of the table, to which nothing may be added any more.
+    // Moves the entries out and frees the slots. The table cannot be used afterwards.
     [[nodiscard]] std::vector<DistinctText> take_entries() noexcept {
         std::vector<Slot>().swap(slots_);
         return std::move(entries_);
@@ -53,16 +53,16 @@ class TextTable {
     static constexpr std::uint32_t none = 0xffffffffU;
     static constexpr std::size_t initial_slots = 256;
     struct Slot {
-        std::uint32_t number;  // of the entry
+        std::uint32_t number;  // index of the entry
         std::uint32_t hash;
     };
     static constexpr Slot empty{none, 0};
-    // A larger table, while it is made.
+    // The state of make_room(): a larger table under construction.
     struct Growth {
         std::vector<Slot> slots;
         std::vector<DistinctText> entries;
-        std::size_t size;       // of `slots` when they are complete
-        std::size_t moved = 0;  // slots
+        std::size_t size;       // final size of `slots`
+        std::size_t moved = 0;  // number of old slots that have been moved
     };
 
     [[nodiscard]] std::size_t grown_size(std::size_t entries, std::size_t rows_so_far) const noexcept;
@@ -76,7 +76,7 @@ class TextTable {
     std::optional<Growth> growth_;
 };
 
-// Adds the texts of the rows `first` to `last` - 1 that are not skipped. False if one of these is not a text.
+// Adds the texts of the rows `first` to `last` - 1 that are not skipped. Returns false if one of them is not a text.
 template <class Cells, class Skip>
 bool add_rows(TextTable& table, const Cells& cells, std::size_t first, std::size_t last, Skip skip) {
     TextTable::Block block;
@@ -94,7 +94,6 @@ bool add_rows(TextTable& table, const Cells& cells, std::size_t first, std::size
     return true;
 }
 
-// Adds the texts of all rows.
 template <class Cells, class Skip>
 bool add_all(TextTable& table, const Cells& cells, Skip skip) {
     return add_rows(table, cells, 0, cells.size(), skip);

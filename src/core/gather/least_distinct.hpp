@@ -1,4 +1,4 @@
-// The least distinct texts of a column, up to a number of them. Most greater texts are rejected by their key alone.
+// Finds the n smallest distinct texts of a column. Most other texts are rejected by their key alone.
 #pragma once
 
 #include <algorithm>
@@ -13,11 +13,11 @@ namespace quorin::core {
 struct KeyedText {
     std::uint64_t key;
     TextView text;
-    std::size_t row;  // of its first occurrence
+    std::size_t row;  // the row of the first occurrence
 };
 
-// The first eight characters as one number that sorts as they do, in any encoding. Characters above 0xfe count as 0xff
-// and end it, as the end of the text does, so texts with equal keys may differ.
+// Packs the first eight characters into a number that sorts as they do, in any encoding. A character c >= 0xff counts
+// as 0xff, and all after it, or after the end of the text, as 0. Texts with equal keys may differ.
 inline std::uint64_t leading_characters(TextView text) noexcept {
     constexpr std::size_t most = 8;
     if (text.is_padded() && text.size >= most) return __builtin_bswap64(eight_bytes(text.characters));
@@ -36,8 +36,8 @@ inline std::uint64_t leading_characters(TextView text) noexcept {
     return key;
 }
 
-// At most `most` texts, ascending, of those that are not references; and whether there are nulls. Takes ranges of rows
-// as TextGatherer does.
+// Collects the `most` smallest distinct texts that are not references, ascending, and whether there are nulls. Takes
+// ranges of rows as TextGatherer does.
 class LeastDistinct {
   public:
     explicit LeastDistinct(std::size_t most) : most_(most) { least_.reserve(most + 1); }
@@ -54,7 +54,7 @@ class LeastDistinct {
         nulls_ = nulls_ || facts.nulls;
         return walk;
     }
-    // False if a cell is not a text any more.
+    // Reads the texts again. Returns false if a cell is no longer a text.
     template <class Cells>
     [[nodiscard]] bool refresh(const Cells& cells) {
         recent_ = {};
@@ -86,12 +86,12 @@ class LeastDistinct {
 
     std::size_t most_;
     std::vector<KeyedText> least_;
-    // Texts added lately: in a column of few distinct texts nearly all are among them.
+    // A direct-mapped cache of texts that were added, which has nearly all texts of a column with few distinct texts.
     std::array<KeyedText, std::size_t{1} << bits_of_place> recent_{};
     bool nulls_ = false;
 };
 
-// The whole column. False if the walk gave up.
+// The same for a whole column. Returns false if the walk gives up.
 template <class Cells>
 [[nodiscard]] bool least_distinct(const Cells& cells, const ReferenceTexts& references, std::size_t most,
                                   std::vector<KeyedText>& least, bool& nulls) {

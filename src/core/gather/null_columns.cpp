@@ -9,7 +9,7 @@ namespace quorin::core {
 
 namespace {
 
-// The cells of all columns as one column.
+// The cells of a range of rows of a row-major table, as one column.
 template <class Float>
 StridedMemory cells_of(const Table& table, std::size_t begin, std::size_t end) noexcept {
     return {table.first.at(begin), sizeof(Float), (end - begin) * table.columns};
@@ -17,8 +17,8 @@ StridedMemory cells_of(const Table& table, std::size_t begin, std::size_t end) n
 
 }  // namespace
 
-// Block by block: the columns of a row-major table share cache lines. A block without nulls takes one walk for all
-// columns.
+// Works in blocks of rows, because the columns of a row-major table share cache lines. A block of such a table that has
+// no null takes one pass for all columns.
 template <class Float>
 std::vector<bool> null_columns(const Table& table, bool one_is_enough, Instructions allowed) {
     constexpr std::size_t block_size = 4096;

@@ -1,4 +1,4 @@
-// Columns with nulls in a table of floats.
+// Finds the columns with nulls in a table of floats.
 #pragma once
 
 #include <vector>
@@ -8,11 +8,10 @@
 
 namespace quorin::core {
 
-// For each column whether it holds a null. With `one_is_enough` the search ends with the first one found.
+// For each column, whether it holds a null. With `one_is_enough` the search ends at the first column that does.
 template <class Float>
 std::vector<bool> null_columns(const Table& table, bool one_is_enough, Instructions allowed = Instructions::best);
 
-// Whether any cell is a signalling NaN.
 template <class Float>
 bool any_signalling_nan(const Table& table, Instructions allowed = Instructions::best) noexcept;
 

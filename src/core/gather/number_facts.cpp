@@ -12,7 +12,7 @@ namespace quorin::core {
 
 namespace {
 
-// What an earlier block has shown is not tested again.
+// Adds the facts of a block. Skips tests whose result earlier blocks already determine.
 template <class Float>
 void gather_block(NumberFacts& facts, const NumberTests<Float>& tests, const StridedMemory& block) noexcept {
     if (!facts.fractions) {
@@ -24,7 +24,7 @@ void gather_block(NumberFacts& facts, const NumberTests<Float>& tests, const Str
     if (facts.nulls) facts.signalling_nan = facts.signalling_nan || tests.any_signalling_nan(block);
 }
 
-// Every four flags as floats: a look-up takes fewer steps than spreading a byte over eight.
+// Four flags as four floats, for each combination: a table look-up takes fewer instructions than expanding each flag.
 using FourFlags = std::array<double, 4>;
 constexpr std::array<FourFlags, 16> four_flags = [] {
     std::array<FourFlags, 16> table{};
@@ -34,13 +34,13 @@ constexpr std::array<FourFlags, 16> four_flags = [] {
     return table;
 }();
 
-// Bit i is set if byte i of eight is not zero.
+// Bit i of the result is set if bytes[i] != 0, 0 <= i < 8.
 unsigned bits_of_flags(const char* bytes) noexcept {
     constexpr std::uint64_t low_bits = 0x7f7f7f7f7f7f7f7f;
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     const std::uint64_t set = ((((word & low_bits) + low_bits) | word) & ~low_bits) >> 7U;
-    // The product has the bit of each byte at its own place in the highest byte.
+    // The multiplication collects the lowest bits of all bytes in the highest byte.
     return static_cast<unsigned>(set * 0x0102040810204080 >> 56U);
 }
 
@@ -54,7 +54,7 @@ NumberFacts gather_numbers(const StridedMemory& column, Instructions allowed) no
     for (std::size_t begin = 0; begin < column.rows; begin += block) {
         gather_block(facts, tests, column.part(begin, std::min(column.rows, begin + block)));
     }
-    // Ends at the first row unless it is null.
+    // Stops at the first row that is not null.
     for (std::size_t row = 0; row < column.rows && !facts.values; ++row) {
         const Float number = load<Float>(column, row);
         facts.values = number == number;
@@ -96,7 +96,7 @@ void codes_to_marks(std::uint8_t* codes, std::size_t rows) noexcept {
     for (std::size_t row = 0; row < rows; ++row) codes[row] = static_cast<std::uint8_t>(codes[row] != 0);
 }
 
-// By value: the stores through `out` could otherwise change the view.
+// Takes `flags` by value, because the stores through `out` may alias a reference.
 void write_flags(StridedMemory flags, double* out) noexcept {
     std::size_t row = 0;
     if (flags.stride == 1 && std::endian::native == std::endian::little) {

@@ -1,15 +1,15 @@
-// Gathering what the verdict on a column of texts depends on, in one walk over its rows. The verdict itself is defined
-// by the sorted distinct values, which are not needed.
+// Gathers the facts that the verdict on a column of texts depends on, in one walk over its rows. The verdict is defined
+// by the sorted distinct values, but they need not be computed.
 //
-// A text is a number text (an integer, or a real number with a dot) or a plain text. A lone text is empty or one
-// character that is neither letter nor digit. Unless the column holds both lone texts and number texts, the verdict
-// follows from: the references and nulls that occur, whether integers and reals occur, the first plain text, whether
-// there is a second one. Otherwise a second walk finds the end marker, which is the least lone text above the least
-// number text: only the texts below it count.
+// A text is a number text (an integer, or a real number with a dot) or a plain text. A lone text is "" or one character
+// that is neither letter nor digit. Unless the column has both lone texts and number texts, the verdict depends only
+// on: the references and nulls that occur, whether integers and reals occur, the first plain text, whether there is a
+// second one. Otherwise further walks find the end marker, the least lone text above the least number text, and gather
+// the texts below it: only those count.
 //
-// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: after
-// code that may free or move them, call refresh() before the next range. It reads again the few texts that are kept;
-// their rows must still hold the same texts.
+// All walks take a range of rows, so that a caller can run other code between two ranges. Texts are borrowed: if such
+// code may free or move them, call refresh() before the next range. It reads the few texts that are kept again, from
+// rows that must still hold the same texts.
 #pragma once
 
 #include <vector>
@@ -31,7 +31,7 @@ inline bool is_lone(TextView text, const CharacterTables& tables) noexcept {
     return !((c >= '0' && c <= '9') || is_ascii_letter(c));
 }
 
-// The lone texts that occur, without the empty one: a bit for each ASCII character.
+// The set of the lone texts that occur, except "": one bit for each ASCII character.
 class LoneTexts {
   public:
     void add(std::uint32_t character) noexcept {
@@ -44,8 +44,8 @@ class LoneTexts {
     [[nodiscard]] bool has_ascii(std::uint32_t character) const noexcept {
         return ((character < 64 ? low_ : high_) >> (character & 63U) & 1U) != 0;
     }
-    // Whether a lone text is above a text of more than one character that starts with `first`. May be true without one
-    // if there are lone texts beyond ASCII.
+    // Whether a lone text is above a text that starts with `first` and has more characters. If there are lone texts
+    // beyond ASCII, always returns true.
     [[nodiscard]] bool may_be_above(std::uint32_t first) const noexcept {
         if (beyond_ascii_) return true;
         if (first >= 0x7f) return false;
@@ -60,36 +60,37 @@ class LoneTexts {
 };
 
 struct TextFacts {
-    ReferenceBits references = 0;  // that occur
+    ReferenceBits references = 0;  // the references that occur
     bool nulls = false;
-    bool texts = false;  // any that is not a reference
+    bool texts = false;  // a text that is not a reference
     bool integers = false;
     bool reals = false;
     bool lone = false;
     bool plain = false;
     bool second_plain = false;       // a plain text that differs from the first one
-    bool lone_may_be_above = false;  // a lone text above a number text; unknown if numbers do not matter
-    std::size_t first_plain = 0;     // row
+    bool lone_may_be_above = false;  // a lone text may be above a number text; unspecified if numbers do not matter
+    std::size_t first_plain = 0;     // the row of the first plain text
     [[nodiscard]] bool numbers() const noexcept { return integers || reals; }
 };
 
-// A walk gives up at a cell that kernels do not know, or at a text of unknown class.
+// A walk gives up at a cell of unknown type or a text of unknown class.
 enum class Walk { ended, stopped, gave_up };
 
-// Rows first, ..., last - 1.
+// The rows first to last - 1.
 struct RowRange {
     std::size_t first;
     std::size_t last;
 };
 
-// What a walk does after a text.
+// Whether a walk continues after a text.
 enum class Step { next, stop, give_up };
 
 constexpr auto no_row = [](std::size_t) { return false; };
 
-// Walks over the texts of rows[row .. last) that are neither reference nor null, without the rows for which `skip`
-// holds. Texts that a glance shows go to `on_short` first, references among them; it returns whether the text needs no
-// more. If on_text(row, text) stops the walk, `row` is where.
+// Calls on_text(row, text) for the texts of rows[row .. last) that are not references, except the rows for which
+// skip(row) is true; records references and nulls in `facts`. A text that glance() returns, a reference included, is
+// passed to on_short(text) first; if that returns true, the text is done. If on_text stops the walk, `row` is the row
+// of the text.
 template <class Cells, class Skip, class OnShort, class OnText>
 Walk walk_from(std::size_t& row, std::size_t last, const Cells& cells, const ReferenceTexts& references,
                TextFacts& facts, Skip skip, OnShort on_short, OnText on_text) {
@@ -117,15 +118,14 @@ Walk walk_from(std::size_t& row, std::size_t last, const Cells& cells, const Ref
     return Walk::ended;
 }
 
-// All of the rows.
+// The same for all rows of a range.
 template <class Cells, class OnShort, class OnText>
 Walk walk_texts(RowRange rows, const Cells& cells, const ReferenceTexts& references, TextFacts& facts, OnShort on_short,
                 OnText on_text) {
     return walk_from(rows.first, rows.last, cells, references, facts, no_row, on_short, on_text);
 }
 
-// A walk over texts whose class does not matter: it looks for references, nulls and lone texts, and stops at a lone
-// one.
+// A walk for which the class of a text does not matter: records references and nulls, and stops at a lone text.
 template <class Cells>
 Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const ReferenceTexts& references,
                 const CharacterTables& tables, TextFacts& facts) {
@@ -158,8 +158,8 @@ Walk skip_plain(std::size_t& row, std::size_t last, const Cells& cells, const Re
 // Gathers TextFacts from ranges of rows:
 //     for (row = 0; row < rows && !gatherer.gave_up();) row = gatherer.gather(cells, row, min(row + some, rows));
 //
-// Once two different plain texts and no lone one are known, numbers do not matter: the column is text with or without
-// them. If a lone text follows, the numbers are needed after all, and the walk goes back to the first skipped row.
+// After two different plain texts and no lone text, numbers do not matter: the column is text with or without them. If
+// a lone text follows, the numbers do matter, and the walk returns to the first skipped row.
 class TextGatherer {
   public:
     TextGatherer(const ReferenceTexts& references, const CharacterTables& tables) noexcept
@@ -167,17 +167,17 @@ class TextGatherer {
           tables_(&tables),
           longest_special_(references.longest() < 1 ? 1 : references.longest()) {}
 
-    // Walks over rows from `first` on. Returns the row from which the next call has to go on: `last`, or once an
-    // earlier one, to which the walk goes back.
+    // Walks over the rows first to last - 1. Returns the row at which the next call must start: `last`, or at most once
+    // the first skipped row.
     template <class Cells>
     [[gnu::flatten]] std::size_t gather(const Cells& cells, std::size_t first, std::size_t last) {
-        // A local copy is kept in registers.
+        // The compiler keeps a local copy in registers.
         TextGatherer state = *this;
         const std::size_t row = state.walk(cells, first, last);
         *this = state;
         return row;
     }
-    // False if the cell is not a text any more.
+    // Reads the first plain text again. Returns false if the cell is no longer a text.
     template <class Cells>
     [[nodiscard]] bool refresh(const Cells& cells) {
         return !facts_.plain || cells.read(facts_.first_plain, first_plain_) == Cell::text;
@@ -194,9 +194,9 @@ class TextGatherer {
 
   private:
     enum class Mode {
-        all,     // until two different plain texts are known
-        skip,    // no class matters, unless a lone text follows
-        numbers  // two plain texts and a lone one are known, so that further plain texts do not matter
+        all,     // fewer than two different plain texts are known
+        skip,    // two plain texts and no lone text are known: classes do not matter
+        numbers  // two plain texts and a lone text are known: further plain texts do not matter
     };
 
     template <class Cells>
@@ -219,7 +219,7 @@ class TextGatherer {
             }
         }
         if (mode_ == Mode::numbers) {
-            // No number starts with a letter.
+            // Number texts do not start with a letter.
             const auto plain_words = [&](std::size_t at) {
                 TextView text{};
                 return cells.read(at, text) == Cell::text && text.size > longest_special_ &&
@@ -274,7 +274,7 @@ class TextGatherer {
         least_start_ = first < least_start_ ? first : least_start_;
     }
 
-    // Stops at the second one.
+    // Stops the walk at the second different plain text.
     Step add_plain(std::size_t row, TextView text) noexcept {
         if (!facts_.plain) {
             facts_.plain = true;
@@ -293,14 +293,14 @@ class TextGatherer {
     TextFacts facts_;
     TextView first_plain_{};
     LoneTexts lone_texts_;
-    std::uint32_t least_start_ = 0xffffffffU;  // first character of the number texts, except those of digits only
-    bool digits_ = false;                      // texts of digits only
+    std::uint32_t least_start_ = 0xffffffffU;  // least first character of number texts that are not digits only
+    bool digits_ = false;                      // a text of digits only occurs
     bool gave_up_ = false;
     Mode mode_ = Mode::all;
     std::size_t skipped_from_ = 0;
 };
 
-// The whole column.
+// The facts of a whole column.
 template <class Cells>
 [[nodiscard]] Walk gather_facts(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
                                 TextFacts& facts) {
@@ -312,14 +312,14 @@ template <class Cells>
     return gatherer.gave_up() ? Walk::gave_up : Walk::ended;
 }
 
-// A text of a row.
+// A text and its row, if there is one.
 struct Ordered {
     bool found = false;
     std::size_t row = 0;
     TextView text{};
 };
 
-// Reads the texts again. False if one is not a text any more.
+// Reads the texts again. Returns false if a cell is no longer a text.
 template <class Cells, class Entry>
 [[nodiscard]] bool refresh(const Cells& cells, std::vector<Entry>& entries) {
     for (Entry& entry : entries) {
@@ -333,7 +333,7 @@ template <class Cells>
     return !entry.found || cells.read(entry.row, entry.text) == Cell::text;
 }
 
-// The least number text of the rows, if it is below `least_number`.
+// least_number = min(least_number, least number text of the rows).
 template <class Cells>
 [[gnu::flatten]] void find_least_number(RowRange rows, const Cells& cells, const ReferenceTexts& references,
                                         const CharacterTables& tables, Ordered& least_number) {
@@ -354,7 +354,7 @@ template <class Cells>
     });
 }
 
-// The least lone text of the rows above the least number text, if it is below `end_marker`.
+// end_marker = min(end_marker, least lone text of the rows that is above least_number).
 template <class Cells>
 [[gnu::flatten]] void find_lone_above(RowRange rows, const Cells& cells, const ReferenceTexts& references,
                                       const CharacterTables& tables, const Ordered& least_number, Ordered& end_marker) {
@@ -369,7 +369,7 @@ template <class Cells>
     });
 }
 
-// The whole column: the least number text, the least lone text above it.
+// The same for a whole column: the least number text and the least lone text above it.
 template <class Cells>
 void find_end_marker(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
                      Ordered& least_number, Ordered& end_marker) {
@@ -378,8 +378,8 @@ void find_end_marker(const Cells& cells, const ReferenceTexts& references, const
     if (least_number.found) find_lone_above(all, cells, references, tables, least_number, end_marker);
 }
 
-// The texts below the end marker, which is one character: which numbers occur, and the distinct plain texts, ascending.
-// Gives up if these are more than `most_plain`, because they are searched one by one.
+// Gathers the texts below the end marker, which is one character: which number texts occur, and the distinct plain
+// texts, ascending. Gives up at more than `most_plain` plain texts, because the search is linear.
 template <class Cells>
 [[nodiscard, gnu::flatten]] Walk gather_below(RowRange rows, const Cells& cells, const ReferenceTexts& references,
                                               const CharacterTables& tables, TextView end_marker,
@@ -409,7 +409,7 @@ template <class Cells>
     });
 }
 
-// The whole column.
+// The same for a whole column.
 template <class Cells>
 [[nodiscard]] Walk gather_below(const Cells& cells, const ReferenceTexts& references, const CharacterTables& tables,
                                 TextView end_marker, std::size_t most_plain, TextFacts& below,

@@ -15,7 +15,7 @@ namespace {
 template <class Number>
 using Arithmetic = std::conditional_t<std::is_same_v<Number, float>, float, double>;
 
-// The walk ends with the block in which the test holds for a number.
+// Whether the test holds for any number. Ends after the first block with such a number.
 template <class Number, class Test>
 bool any(const StridedMemory& column, Test test) noexcept {
     constexpr std::size_t block = 512;
@@ -57,8 +57,8 @@ bool all_within(const StridedMemory& column, double factor, const Limits& limits
     });
 }
 
-// Within positive limits every product is a normal number, so that a number within them is ordinary unless it is a
-// signalling NaN.
+// Fast path: if the limits are positive, every product within them is a normal number, so only signalling NaN have to
+// be excluded.
 template <class Number>
 Fit fit(const StridedMemory& column, double factor, const Limits& limits, const Ordinary& ordinary) noexcept {
     using Float = Arithmetic<Number>;

@@ -23,7 +23,8 @@ std::uint64_t value_of(const Unit* units, std::size_t size) noexcept {
     return all <= 0x7f ? value : not_ascii;
 }
 
-// The last characters, up to eight, the first of them lowest.
+// Packs the last eight characters, or fewer, of an ASCII text: one byte each, the first in the lowest byte. Returns
+// not_ascii for any other text.
 std::uint64_t value_of(TextView text) noexcept {
     switch (text.width) {
         case 1:
@@ -46,7 +47,7 @@ std::size_t size_in_utf8(TextView text) noexcept {
     return size;
 }
 
-// The lead byte. Of it the lowest six bits matter.
+// The lead byte of a character in UTF-8.
 std::uint32_t first_in_utf8(std::uint32_t c) noexcept {
     switch (size_in_utf8(c)) {
         case 1:
@@ -62,7 +63,7 @@ std::uint32_t first_in_utf8(std::uint32_t c) noexcept {
 
 }  // namespace
 
-// Longer texts in UTF-8 are not filtered.
+// Adds a size and a first unit to the filter. Texts of `sizes` units or more, which only UTF-8 has, are not filtered.
 void ReferenceTexts::add_to_filter(std::size_t size, std::uint32_t first) noexcept {
     if (size >= sizes) return;
     if (!has_size(size)) {
@@ -90,8 +91,7 @@ bool ReferenceTexts::add(const TextView& text) noexcept {
         longest_ = std::max(longest_, size);
         not_ascii_ |= ReferenceBits{1} << number;
     }
-    // Field by field: copying the whole text would load fields that were stored a moment ago by narrower stores, which
-    // stalls store forwarding.
+    // Copied field by field: a wide load of fields that were just written by narrower stores fails store forwarding.
     const bool bytes = ascii && text.width == 1 && !text.is_padded();
     texts_.push_back({text.characters, text.size, text.width, bytes ? Encoding::ascii : text.encoding});
     values_.push_back({value, heads_[length]});

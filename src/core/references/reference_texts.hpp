@@ -1,4 +1,4 @@
-// Finding the reference texts of a column in its cells.
+// A set of reference texts, and the look-up of cells in it.
 #pragma once
 
 #include <array>
@@ -10,19 +10,19 @@
 
 namespace quorin::core {
 
-// One bit for each reference value of a list, the first one lowest.
+// One bit for each reference value of a list: 1 << i for the value with index i.
 using ReferenceBits = std::uint64_t;
 
 constexpr std::size_t most_references = 64;
 
-// Texts in any encoding, found in cells of any encoding. Their characters stay with the caller.
+// The texts and the cells may be in any encoding. The caller owns the characters.
 class ReferenceTexts {
   public:
     ReferenceTexts() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `firsts_`
-    // False if the set is full, or the text has more than 31 characters.
+    // Returns false if the set is full or the text has more than 31 characters.
     bool add(const TextView& text) noexcept;
-    // The bits of the references that the text equals. Most texts differ from all of them in size or first unit, so
-    // that the number of references does not matter.
+    // The bits of the references that equal the text. A filter on size and first unit rejects most texts, in a time
+    // that does not depend on the number of references.
     [[nodiscard]] ReferenceBits find(TextView text) const noexcept {
         if (!has_size(text.size)) {
             if (!text.is_utf8() || text.size < sizes || text.size > longest_) return 0;
@@ -38,7 +38,7 @@ class ReferenceTexts {
         const std::uint64_t value = text.value();
         return has_first(text.length, value & 0xffU) ? find_value(value, text.length) : 0;
     }
-    // No reference has more units, in any encoding.
+    // The maximum number of units of a reference, in any encoding.
     [[nodiscard]] std::size_t longest() const noexcept { return longest_; }
 
   private:
@@ -49,7 +49,7 @@ class ReferenceTexts {
     [[nodiscard]] bool has_first(std::size_t size, std::uint64_t first) const noexcept {
         return (firsts_[size] >> (first & 63U) & 1U) != 0;
     }
-    // Walks over the references of one length, which are a linked list.
+    // The bits of the references of one length, a linked list, for which holds(i) is true.
     template <class Holds>
     [[nodiscard]] ReferenceBits find_if(std::size_t length, Holds holds) const noexcept {
         ReferenceBits found = 0;
@@ -61,23 +61,23 @@ class ReferenceTexts {
     [[nodiscard]] ReferenceBits find_value(std::uint64_t value, std::size_t length) const noexcept {
         return find_if(length, [&](std::size_t i) { return values_[i].value == value; });
     }
-    // For a text that passes the filter. Takes it in parts: gcc keeps a text that is passed whole in memory.
+    // For a text that passes the filter. Takes its members: gcc would keep a TextView that is passed whole in memory.
     [[nodiscard]] ReferenceBits find_filtered(const void* characters, std::size_t size, int width,
                                               Encoding encoding) const noexcept;
     void add_to_filter(std::size_t size, std::uint32_t first) noexcept;
 
-    std::uint32_t sizes_ = 0;      // bits of the sizes that occur: in characters, in bytes of UTF-8
-    ReferenceBits empty_ = 0;      // of the empty texts
-    ReferenceBits not_ascii_ = 0;  // of the texts that are not ASCII
+    std::uint32_t sizes_ = 0;      // bit n: a reference has n characters, or n bytes in UTF-8
+    ReferenceBits empty_ = 0;      // the references that are ""
+    ReferenceBits not_ascii_ = 0;  // the references that are not ASCII
     std::size_t longest_ = 0;
-    // By size, for the sizes that occur; not initialised for the others, so that a short list costs little. A bit for
-    // the first unit, modulo 64; the last reference with as many characters.
+    // Indexed by size and initialised only for the sizes in `sizes_`. firsts_: bit (u mod 64) for each first unit u.
+    // heads_: the last reference of that many characters, or `none`.
     std::array<std::uint64_t, sizes> firsts_;
     std::array<std::uint8_t, sizes> heads_;
     InplaceVector<TextView, most_references> texts_;
     struct Value {
-        std::uint64_t value;  // of an ASCII text: its last characters, up to eight, the first of them lowest
-        std::size_t next;     // reference of as many characters
+        std::uint64_t value;  // the last eight characters of an ASCII text, as value_of() packs them
+        std::size_t next;     // the next reference of the same number of characters, or `none`
     };
     InplaceVector<Value, most_references> values_;
 };

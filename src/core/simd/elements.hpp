@@ -1,4 +1,4 @@
-// The walk over the elements of a column that all kernels over numbers share: adjacent or apart, two packs a round.
+// The loop over the elements of a column that all kernels over numbers share, for contiguous or strided elements.
 #pragma once
 
 #include <cstring>
@@ -9,7 +9,7 @@
 
 namespace quorin::core {
 
-// Elements of type `Number`, read as `Float`. `Stride` is std::ptrdiff_t, or a constant if they are adjacent.
+// Elements of type `Number`, read as `Float`. `Stride` is std::ptrdiff_t, or a constant if they are contiguous.
 template <class Number, class Float, class Stride>
 struct Elements {
     const char* data;
@@ -33,7 +33,6 @@ struct Elements {
     }
 };
 
-// Calls `use` with the elements of the memory.
 template <class Number, class Float = Number, class Use>
 auto with_elements(const StridedMemory& memory, Use use) noexcept {
     using Adjacent = std::integral_constant<std::ptrdiff_t, static_cast<std::ptrdiff_t>(sizeof(Number))>;
@@ -41,7 +40,7 @@ auto with_elements(const StridedMemory& memory, Use use) noexcept {
     return use(Elements<Number, Float, std::ptrdiff_t>{memory.data, memory.stride});
 }
 
-// Whether the test, one of those in packs.hpp, holds for any element of rows begin to end - 1.
+// Whether a test of packs.hpp holds for any element of the rows begin to end - 1.
 template <class Number, class Float, class Stride, class Test>
 bool any(const Elements<Number, Float, Stride>& elements, std::size_t begin, std::size_t end, Test test) noexcept {
     Bytes even{};

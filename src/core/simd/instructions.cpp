@@ -8,8 +8,7 @@ namespace {
 
 Instructions detect() noexcept {
 #ifdef QUORIN_HAS_WIDE_REGISTERS
-    // The first processors with AVX-512 lower their clock rate when it is used. Those with its byte permutations do
-    // not.
+    // Processors with AVX-512 but without VBMI lower their clock rate when they use it.
     if (__builtin_cpu_supports("avx512dq") != 0 && __builtin_cpu_supports("avx512vbmi") != 0) {
         return Instructions::avx512;
     }

@@ -1,4 +1,4 @@
-// Tests of all numbers of a column, in the instructions that the processor has.
+// Tests of all numbers of a column, for each instruction set.
 #pragma once
 
 #include "core/column.hpp"
@@ -6,7 +6,7 @@
 
 namespace quorin::core {
 
-// One function for each test. All of them take any stride.
+// One function for each test. Each accepts any stride.
 template <class Float>
 struct NumberTests {
     using Test = bool (*)(const StridedMemory& numbers) noexcept;
@@ -14,7 +14,7 @@ struct NumberTests {
     Test any_signalling_nan;
     Test any_fraction_or_infinite;
     Test any_fraction_infinite_or_signalling;  // the two above in one pass
-    // True if any_null or any_fraction_or_infinite is true; true or false for other numbers of a large magnitude.
+    // True if any_null or any_fraction_or_infinite is true. May also be true for other numbers of a large magnitude.
     Test any_doubtful;
 };
 
@@ -42,7 +42,7 @@ const NumberTests<Float>& number_tests(Instructions allowed) noexcept {
     return baseline_tests<Float>();
 }
 
-// Runs `wide` over adjacent numbers, as many as a multiple of `together`, and `rest` over the others.
+// Runs `wide` over contiguous numbers, up to the last multiple of `together`, and `rest` over the others.
 template <class Float>
 bool any_wide(const StridedMemory& numbers, std::size_t together, bool (*wide)(const Float* at, std::size_t size),
               typename NumberTests<Float>::Test rest) noexcept {

@@ -1,5 +1,5 @@
-// The tests with AVX2: 32 bytes at once, and an instruction that truncates. Comparisons are the quiet ones, which do
-// not raise the invalid flag for a quiet NaN.
+// The tests with AVX2: 32 bytes per instruction, and an instruction that truncates. Comparisons are quiet: they do not
+// raise the invalid flag for a quiet NaN.
 #include "core/simd/number_tests.hpp"
 
 #ifdef QUORIN_HAS_WIDE_REGISTERS
@@ -15,7 +15,7 @@ namespace quorin::core {
 
 namespace {
 
-// Numbers that one round of the loop takes.
+// `any` takes a multiple of this many numbers.
 constexpr std::size_t together = 16;
 
 constexpr int truncated = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
@@ -27,12 +27,12 @@ struct Double {
     QUORIN_AVX2 static Numbers either(Numbers a, Numbers b) { return _mm256_or_pd(a, b); }
     QUORIN_AVX2 static bool any(Numbers bits) { return _mm256_movemask_pd(bits) != 0; }
     QUORIN_AVX2 static Numbers null(Numbers x) { return _mm256_cmp_pd(x, x, _CMP_UNORD_Q); }
-    // The sign bit of the result is the only one that `any` reads: the inverted quiet bit is moved there.
+    // `any` reads only the sign bit of the result, so the inverted quiet bit is shifted there.
     QUORIN_AVX2 static Numbers signalling_nan(Numbers x) {
         const __m256i quiet = _mm256_slli_epi64(_mm256_castpd_si256(x), 12);
         return _mm256_andnot_pd(_mm256_castsi256_pd(quiet), null(x));
     }
-    // False for NaN, as every ordered comparison.
+    // An ordered comparison: false for NaN.
     QUORIN_AVX2 static Numbers fraction(Numbers x) {
         return _mm256_cmp_pd(x, _mm256_round_pd(x, truncated), _CMP_NEQ_OQ);
     }
@@ -40,7 +40,7 @@ struct Double {
         const Numbers size = _mm256_andnot_pd(_mm256_set1_pd(-0.0), x);
         return _mm256_cmp_pd(size, _mm256_set1_pd(__builtin_inf()), _CMP_EQ_OQ);
     }
-    // All bits of the exponent are 1 and the quiet bit is 0.
+    // Whether all bits of the exponent are 1 and the quiet bit is 0.
     QUORIN_AVX2 static Numbers infinite_or_signalling(Numbers x) {
         const __m256i exponent_and_quiet = _mm256_set1_epi64x(0x7ff8000000000000);
         const __m256i bits = _mm256_and_si256(_mm256_castpd_si256(x), exponent_and_quiet);
@@ -80,7 +80,7 @@ struct Single {
     }
 };
 
-// A test as a type: a pointer to a function of another target would not be inlined.
+// Each test is a type, because a call through a function pointer would not be inlined.
 template <class Ops>
 struct Null {
     QUORIN_AVX2 static typename Ops::Numbers of(typename Ops::Numbers x) { return Ops::null(x); }
@@ -114,7 +114,7 @@ template <class Ops, class Test, class Float>
     static_assert(together % (2 * lanes) == 0);
     typename Ops::Numbers even = Ops::zeros();
     typename Ops::Numbers odd = Ops::zeros();
-    // One cache line a round: the hardware prefetcher fetches from the second level too late for this loop.
+    // One cache line per iteration: the hardware prefetcher is too slow for this loop if the data is in the L2 cache.
     constexpr std::size_t ahead = std::size_t{16} * lanes;
     for (std::size_t i = 0; i < size; i += 2 * lanes) {
         __builtin_prefetch(at + i + ahead);

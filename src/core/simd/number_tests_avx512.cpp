@@ -1,5 +1,5 @@
-// The tests with AVX-512: 64 bytes at once. One instruction recognises the classes of numbers (NaN, infinite); it
-// raises no flag.
+// The tests with AVX-512: 64 bytes per instruction. One instruction classifies numbers (NaN, infinite) and raises no
+// flag.
 #include "core/simd/number_tests.hpp"
 
 #ifdef QUORIN_HAS_WIDE_REGISTERS
@@ -16,11 +16,11 @@ namespace quorin::core {
 
 namespace {
 
-// Without optimisation the intrinsics are macros that convert the sign of a mask.
+// Without optimisation the intrinsics are macros with an implicit sign conversion of a mask.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wsign-conversion"
 
-// Numbers that one round of the loop takes.
+// `any` takes a multiple of this many numbers.
 constexpr std::size_t together = 32;
 
 constexpr int truncated = _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC;
@@ -29,7 +29,7 @@ constexpr int signalling_nan = 0x80;
 constexpr int nan = signalling_nan | 0x01;
 constexpr int infinite = 0x18;
 
-// Results have one bit a number.
+// Results have one bit per number.
 struct Double {
     using Numbers = __m512d;
     QUORIN_AVX512 static Numbers load(const double* at) { return _mm512_loadu_pd(at); }
@@ -37,8 +37,8 @@ struct Double {
     QUORIN_AVX512 static std::uint32_t is(Numbers x) {
         return _mm512_fpclass_pd_mask(x, Classes);
     }
-    // False for NaN, as every ordered comparison. Rounding is masked with all bits set: g++ reports the unmasked form
-    // as a use of uninitialised memory.
+    // An ordered comparison: false for NaN. Rounding uses a mask with all bits set, because g++ reports the unmasked
+    // form as a use of uninitialised memory.
     QUORIN_AVX512 static std::uint32_t fraction(Numbers x) {
         constexpr __mmask8 all = 0xff;
         return _mm512_cmp_pd_mask(x, _mm512_maskz_roundscale_pd(all, x, truncated), _CMP_NEQ_OQ);
@@ -62,12 +62,12 @@ struct Single {
 
 enum class Fractions { count, do_not_count };
 
-// Whether any number is of these classes or, if those count, has a fraction.
+// Whether any number is of one of these classes or, with Fractions::count, has a fraction.
 template <class Ops, int Classes, Fractions WithFraction, class Float>
 [[gnu::flatten]] QUORIN_AVX512 bool any(const Float* at, std::size_t size) {
     constexpr std::size_t lanes = sizeof(typename Ops::Numbers) / sizeof(Float);
     static_assert(together % (2 * lanes) == 0);
-    // The hardware prefetcher fetches from the second level too late for this loop.
+    // The hardware prefetcher is too slow for this loop if the data is in the L2 cache.
     constexpr std::size_t ahead = 16 * lanes;
     std::uint32_t found = 0;
     for (std::size_t i = 0; i < size; i += 2 * lanes) {

@@ -1,4 +1,4 @@
-// The tests in the instructions that every processor of the architecture has.
+// The tests with the instructions that every processor of the architecture has.
 #include "core/simd/elements.hpp"
 #include "core/simd/number_tests.hpp"
 

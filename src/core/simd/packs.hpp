@@ -1,4 +1,4 @@
-// Several floats in one register of 16 bytes. The compiler does not vectorise comparisons of float64 by itself.
+// Operations on 16-byte vectors of floats. The compiler does not vectorise comparisons of float64 automatically.
 #pragma once
 
 #include <array>
@@ -29,7 +29,7 @@ struct Pack<float> {
 };
 template <class Float>
 using Numbers = typename Pack<Float>::Numbers;
-// The result of a comparison: all bits of a lane are set, or none.
+// The result of a comparison: in each lane all bits or no bits are set.
 template <class Float>
 using Bits = typename Pack<Float>::Bits;
 
@@ -62,7 +62,8 @@ inline bool any_set(Bytes bytes) noexcept {
     return (halves[0] | halves[1]) != 0;
 }
 
-// Halves the lanes of two comparison results into one. All bits of a lane are equal, so that either half represents it.
+// Narrows the lanes of two comparison results to half their width, into one vector. All bits of a lane are equal, so
+// one half represents it.
 inline Bytes halved_to_32(Bytes a, Bytes b) noexcept {
     using Lanes [[gnu::vector_size(16)]] = std::int32_t;
     const auto low = std::bit_cast<Lanes>(a);
@@ -91,27 +92,26 @@ inline Bytes halved_to_8(Bytes a, Bytes b) noexcept {
 #endif
 }
 
-// The sum of the bytes.
 inline std::size_t sum(Bytes bytes) noexcept {
     std::size_t total = 0;
     for (std::size_t i = 0; i < sizeof bytes; ++i) total += bytes[i];
     return total;
 }
 
-// The tests below set at least one bit of each lane for which they hold.
+// The tests below set at least one bit in each lane for which they are true.
 
 template <class Float>
 Bytes is_null(Numbers<Float> x) noexcept {
     return bytes<Float>(x != x);
 }
 
-// NaN whose quiet bit is 0.
+// A NaN whose quiet bit is 0.
 template <class Float>
 Bytes is_signalling_nan(Numbers<Float> x) noexcept {
     return is_null<Float>(x) & bytes<Float>(~std::bit_cast<Bits<Float>>(x) & Pack<Float>::quiet);
 }
 
-// Every number x with x >= always_whole is whole.
+// Every x >= always_whole is a whole number.
 template <class Float>
 constexpr Float always_whole = static_cast<Float>(1) / std::numeric_limits<Float>::epsilon();
 
@@ -128,8 +128,8 @@ Bytes is_fraction_or_infinite(Numbers<Float> x) noexcept {
     return fraction | bytes<Float>(size == std::numeric_limits<Float>::infinity());
 }
 
-// Only an infinite number and a signalling NaN have an exponent of all ones and a quiet bit that is 0. Without the
-// other bits of the fraction both are infinite.
+// x is infinite or a signalling NaN if and only if its exponent is all ones and its quiet bit 0:
+// (bits(x) & (exponent | quiet)) == bits(infinity).
 template <class Float>
 Bytes is_fraction_infinite_or_signalling(Numbers<Float> x) noexcept {
     constexpr auto infinity = std::numeric_limits<Float>::infinity();
@@ -140,7 +140,7 @@ Bytes is_fraction_infinite_or_signalling(Numbers<Float> x) noexcept {
     return fraction | bytes<Float>(kept == infinity);
 }
 
-// Holds for NaN, for fractions and for every number from always_whole on: fewer instructions than an exact test.
+// True for NaN, for fractions and for all |x| >= always_whole. Takes fewer instructions than an exact test.
 template <class Float>
 Bytes is_doubtful(Numbers<Float> x) noexcept {
     const Numbers<Float> size = magnitude<Float>(x);

@@ -38,7 +38,7 @@ std::uint32_t word_at(const std::uint8_t* bytes) noexcept {
            static_cast<std::uint32_t>(bytes[3]) << 24U;
 }
 
-// One of the 64 steps. The step is a template parameter so that everything but the words is a constant.
+// One of the 64 steps. Step is a template parameter, so that everything except the words is a constant.
 template <std::size_t Step>
 [[gnu::always_inline]] inline void step(State& state, const std::uint8_t* block) noexcept {
     constexpr std::size_t round = Step / 16;
@@ -52,7 +52,7 @@ template <std::size_t Step>
     if constexpr (round == 0) {
         mixed = d ^ (b & (c ^ d));
     } else if constexpr (round == 1) {
-        // The operands have no bit in common: the sum equals the union, and can be reassociated.
+        // The operands have no common bit, so `+` equals `|`; it lets the compiler reassociate the sum below.
         mixed = (c & ~d) + (b & d);
     } else if constexpr (round == 2) {
         mixed = b ^ c ^ d;
@@ -75,7 +75,7 @@ void add_block(State& state, const std::uint8_t* block) noexcept {
     for (std::size_t i = 0; i < state.size(); ++i) state[i] += mixed[i];
 }
 
-// Collects bytes in blocks of 64. The end is a one bit, zeros, and the number of bits in the last eight bytes.
+// Collects bytes in blocks of 64. end() appends a one bit, zeros, and the number of bits in the last eight bytes.
 class Blocks {
   public:
     void add(std::uint8_t byte) noexcept {
@@ -122,7 +122,7 @@ class Blocks {
     std::uint64_t flushed_ = 0;
 };
 
-// The continuation byte of UTF-8 with the six bits from `shift` on.
+// The UTF-8 continuation byte with bits shift to shift + 5 of c.
 std::uint8_t continuation(std::uint32_t c, unsigned shift) noexcept {
     return static_cast<std::uint8_t>(0x80U | (c >> shift & 0x3fU));
 }
@@ -167,7 +167,7 @@ bool digest_text(TextView text, Digest& digest) noexcept {
 std::size_t write_decimal(const Digest& digest, std::array<char, most_decimal_digits>& digits) noexcept {
     Whole number = 0;
     for (const std::uint8_t byte : digest) number = number << 8U | byte;
-    // As many digits at a time as fit into 64 bits: dividing 128 bits is much slower.
+    // Splits off 19 digits at a time, which fit in 64 bits: a 128-bit division is much slower.
     constexpr std::size_t at_once = 19;
     constexpr std::uint64_t scale = 10'000'000'000'000'000'000U;
     std::size_t start = digits.size();

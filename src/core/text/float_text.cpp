@@ -29,7 +29,7 @@ class Writer {
     char* at_;
 };
 
-// A positive number as digits d0 d1 d2 ... and a power: d0.d1d2... * 10 ** power.
+// A positive number d0.d1d2... * 10 ** power, with the digits d0 d1 d2 ....
 struct Digits {
     std::array<char, 24> characters;
     std::size_t size;
@@ -59,7 +59,7 @@ bool shortest_digits(double number, Digits& digits) noexcept {
     return true;
 }
 
-// repr() writes numbers x with 1e-4 <= x < 1e16 without an exponent, and others with one of at least two digits.
+// repr(x) has no exponent if 1e-4 <= x < 1e16, and otherwise an exponent of at least two digits.
 constexpr int least_power_without_exponent = -4;
 constexpr int least_power_with_exponent = 16;
 

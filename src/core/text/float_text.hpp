@@ -1,4 +1,4 @@
-// The shortest text of a 64-bit float.
+// The shortest text that converts back to a float64.
 #pragma once
 
 #include <array>
@@ -13,7 +13,7 @@ using FloatText = std::array<char, 32>;
 // Writes repr(number) and returns its length; 0 if the C++ library has no std::to_chars() for floats.
 std::size_t write_float(double number, FloatText& text) noexcept;
 
-// Copies characters of one byte to characters of four bytes.
+// Copies one-byte characters to four-byte characters.
 void widen(const char* from, std::size_t size, std::uint32_t* to) noexcept;
 
 }  // namespace quorin::core

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint32_t first_beyond_ascii = 0x80;
 
-// White space to str.split(), which includes \x1c to \x1f.
+// White space as str.split() defines it, which includes \x1c to \x1f.
 constexpr bool is_ascii_space(std::uint32_t c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r') || (c >= 0x1c && c <= 0x1f);
 }
@@ -47,7 +47,7 @@ bool alphanumeric(const Character* at, std::size_t size, const CharacterTables& 
     return size != 0;
 }
 
-// The functions over UTF-8 are not inlined: the others would save registers for them at every call.
+// The functions over UTF-8 are not inlined: their callers would save more registers at every call.
 [[gnu::noinline]] bool alphanumeric_utf8(TextView text, const CharacterTables& tables) noexcept {
     for (std::size_t i = 0; i < text.size;) {
         const Decoded decoded = decode(text, i);

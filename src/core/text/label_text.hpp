@@ -1,4 +1,4 @@
-// Labels of categories: which characters they hold, and how they read without white space.
+// Tests of the characters of category labels, and removal of white space.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,14 @@ namespace quorin::core {
 // str.isalnum()
 bool is_alphanumeric(TextView text, const CharacterTables& tables) noexcept;
 
-// "".join(text.split()): writes what is left, in the same encoding, and returns its size in units. `out` has room for
-// the whole text and may be the text itself.
+// Writes "".join(text.split()), in the same encoding, and returns its size in units. `out` must have room for the whole
+// text and may be the text itself.
 std::size_t remove_white_space(TextView text, const CharacterTables& tables, void* out) noexcept;
 
-// Whether the text can be encoded in UTF-8: it holds no surrogates and no numbers above U+10FFFF.
+// Whether the text can be encoded in UTF-8: it has no surrogate and no character above U+10FFFF.
 bool is_encodable(TextView text) noexcept;
 
-// The text without NUL characters at its end, as fixed-width storage drops them.
+// The text without NUL characters at its end, which fixed-width storage drops.
 inline TextView without_zeros_at_end(TextView text) noexcept {
     while (text.size != 0 && unit(text, text.size - 1) == 0) --text.size;
     return text;

@@ -8,7 +8,7 @@ namespace quorin::core {
 
 namespace {
 
-// int() refuses texts with more digits than a limit that an application may set, but not below this number.
+// int() raises for texts with more digits than a limit. An application can set the limit, but not below this number.
 constexpr std::size_t always_allowed_digits = 640;
 
 template <class Character>
@@ -24,7 +24,7 @@ struct Scanner {
         ++at;
         return true;
     }
-    // A letter in either case.
+    // Skips a letter in either case.
     bool skip_letter(char wanted) noexcept { return skip(wanted) || skip(static_cast<char>(wanted - 'a' + 'A')); }
     bool skip_word(const char* word) noexcept {
         const Character* const start = at;
@@ -39,8 +39,8 @@ struct Scanner {
     void skip_sign() noexcept {
         if (!skip('+')) skip('-');
     }
-    // Digits with single underscores between them; returns the number of digits. Stops at a misplaced underscore, which
-    // nothing that may follow accepts.
+    // Skips digits with single underscores between them and returns the number of digits. Stops at a misplaced
+    // underscore, which no rule of the grammar accepts.
     std::size_t skip_digits() noexcept {
         std::size_t digits = 0;
         while (digit()) {
@@ -88,7 +88,7 @@ NumberText parse(const Character* begin, const Character* end) noexcept {
     return scan.more() ? NumberText::none : NumberText::real;
 }
 
-// Characters beyond ASCII may be digits or white space, which the interpreter translates first.
+// Returns `ask` if a character is not ASCII: it may be a digit or white space that the interpreter translates to ASCII.
 template <class Character>
 NumberText classify(TextView text) noexcept {
     const auto* begin = static_cast<const Character*>(text.characters);
@@ -142,8 +142,8 @@ TextClass from_grammar(TextView text) noexcept {
     return TextClass::plain;
 }
 
-// Translates digits and white space beyond ASCII to ASCII first, as the number parsers do; any other character beyond
-// ASCII makes the text plain.
+// Translates digits and white space beyond ASCII to ASCII, as int() and float() do. A text with any other character
+// beyond ASCII is plain.
 TextClass classify_translated(TextView text, const CharacterTables& tables) noexcept {
     constexpr std::size_t longest = 400;
     if (length_of(text) > longest) return TextClass::unsettled;
@@ -165,7 +165,7 @@ struct Padded {
     std::array<std::uint8_t, 16 + most> bytes;
 };
 
-// Writes the characters of an ASCII text of at most Padded::most. False for other texts.
+// Copies an ASCII text of at most Padded::most characters. Returns false for other texts.
 template <class Character>
 bool pad(TextView text, Padded& padded) noexcept {
     if (text.size > Padded::most || std::endian::native != std::endian::little) return false;

@@ -1,4 +1,4 @@
-// Which texts int() and float() accept, and the class that this gives a text in a column.
+// Determines which texts int() and float() accept, and the class of a text in a column.
 #pragma once
 
 #include <array>
@@ -11,10 +11,10 @@
 namespace quorin::core {
 
 enum class NumberText {
-    none,     // neither accepts it
-    integer,  // int() and float() accept it
-    real,     // only float() accepts it
-    ask       // only the interpreter knows: not ASCII, or more digits than every digit limit allows
+    none,     // neither accepts the text
+    integer,  // int() and float() accept the text
+    real,     // only float() accepts the text
+    ask       // only the interpreter can decide: not ASCII, or more digits than every digit limit allows
 };
 
 NumberText classify_number(TextView text) noexcept;
@@ -22,12 +22,11 @@ NumberText classify_number(TextView text) noexcept;
 // The interpreter's tables of characters beyond ASCII.
 struct CharacterTables {
     bool (*is_alphanumeric)(std::uint32_t character);
-    // The digit as an ASCII character, ' ' for white space, or -1: what the number parsers replace a character by.
+    // The ASCII character to which int() and float() translate a character: a digit, ' ' for white space, or -1.
     int (*translated)(std::uint32_t character);
 };
 
-// isspace() of the C locale. The separators \x1c to \x1f, which str.isspace() accepts, are not white space to the
-// number parsers.
+// isspace() of the C locale. Unlike str.isspace(), int() and float() do not accept the separators \x1c to \x1f.
 template <class Character>
 bool is_space(Character c) noexcept {
     return c == ' ' || (c >= '\t' && c <= '\r');
@@ -35,8 +34,7 @@ bool is_space(Character c) noexcept {
 
 enum class TextClass { plain, integer, real, unsettled };
 
-// A number text starts with white space, a sign, a dot or a digit. Words for infinity and NaN hold no dot and so are
-// plain.
+// A number text starts with white space, a sign, a dot or a digit. "inf" and "nan" have no dot and are therefore plain.
 constexpr std::array<bool, 256> may_start_number = [] {
     std::array<bool, 256> may{};
     for (const char c : std::string_view{"0123456789.-+ \t\n\v\f\r"}) may[static_cast<std::uint8_t>(c)] = true;
@@ -46,18 +44,18 @@ constexpr std::array<bool, 256> may_start_number = [] {
 // For each of eight ASCII characters c: the highest bit of (c ^ '0') + 0x76, which is set unless c is a digit. The sum
 // does not overflow into the next byte.
 constexpr std::uint64_t bits_of_others(std::uint64_t bytes) noexcept {
-    // The bytes before a text may be any; their highest bit is cleared so that they do not overflow either.
+    // Bytes before the text are arbitrary; clearing their highest bit prevents an overflow.
     const std::uint64_t less_zero = (bytes ^ '0' * every_byte) & 0x7f * every_byte;
     return (less_zero + 0x76 * every_byte) & beyond_ascii;
 }
 
-// The highest bit of each character that is not a digit, the first one lowest.
+// The highest bit of each byte of text.value() that is not a digit.
 inline std::uint64_t others_of(ShortText text) noexcept {
     return bits_of_others(text.bytes) >> (64 - 8 * text.length);
 }
 
-// Decides without the whole grammar for digits with an optional sign and an optional dot, and for texts that cannot be
-// numbers. Returns `unsettled` for any other notation.
+// Classifies digits with an optional sign and an optional dot, and texts that cannot be numbers. Returns `unsettled`
+// for any other notation.
 inline TextClass classify_short(ShortText text) noexcept {
     std::uint64_t others = others_of(text);
     if (others == 0) return TextClass::integer;
@@ -76,11 +74,12 @@ inline TextClass classify_short(ShortText text) noexcept {
     return digits == 1 ? TextClass::plain : TextClass::real;
 }
 
-// Takes the text in parts: gcc keeps a text that is passed whole in memory, on the other paths too.
+// The general case of classify_text(). Takes the members of the text: gcc would keep a TextView that is passed whole in
+// memory, on the common paths too.
 TextClass classify_uncommon(const void* characters, std::size_t size, int width, Encoding encoding,
                             const CharacterTables& tables) noexcept;
 
-// The same for any padded text.
+// The same as classify_short() for any padded text.
 inline TextClass classify_common(TextView text) noexcept {
     const std::uint8_t* at = text.bytes();
     const std::uint8_t* const end = at + text.size;
@@ -104,7 +103,8 @@ inline TextClass classify_common(TextView text) noexcept {
     return dot ? TextClass::real : TextClass::integer;
 }
 
-// `unsettled` for texts of more digits than every limit of the interpreter allows.
+// Returns `unsettled` if only the interpreter can decide: for more digits than every digit limit allows, and for more
+// than 400 characters if one is not ASCII.
 inline TextClass classify_text(TextView text, const CharacterTables& tables) noexcept {
     if (text.size == 0) return TextClass::plain;
     if (text.is_padded()) {

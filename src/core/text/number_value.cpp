@@ -10,16 +10,16 @@ namespace quorin::core {
 
 namespace {
 
-// The powers of ten that a 64-bit float holds exactly.
+// The powers of ten that are exact as a float64.
 constexpr std::array exact_powers{1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int most_exact_power = static_cast<int>(exact_powers.size()) - 1;
 constexpr std::uint64_t most_exact_whole = std::uint64_t{1} << 53U;
-// This many digits do not overflow 64 bits.
+// 10^19 - 1 < 2^64: this many digits do not overflow.
 constexpr std::size_t most_digits = 19;
 constexpr std::size_t most_exponent_digits = 4;
 
-// Intermediate results wider than 64 bits would be rounded twice.
+// With excess precision, as on x87, a result would be rounded twice.
 constexpr bool rounds_once = FLT_EVAL_METHOD == 0;
 
 template <class Character>
@@ -27,7 +27,7 @@ bool is_digit(Character c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-// A decimal number without sign: whole * 10 ** power.
+// The unsigned number whole * 10 ** power.
 struct Decimal {
     std::uint64_t whole = 0;
     int power = 0;
@@ -53,7 +53,7 @@ bool read_exponent(const Character*& at, const Character* end, int& power) noexc
     return true;
 }
 
-// False unless the text is digits with an optional dot and an optional exponent.
+// Returns false unless the text is digits with an optional dot and an optional exponent.
 template <class Character>
 bool read_decimal(const Character* at, const Character* end, Decimal& number) noexcept {
     std::size_t digits = add_digits(at, end, number.whole);
@@ -68,7 +68,7 @@ bool read_decimal(const Character* at, const Character* end, Decimal& number) no
     return read_exponent(at, end, number.power) && at == end;
 }
 
-// One multiplication or division of two exact numbers is rounded once, so the result is the nearest float.
+// A product or quotient of two exact numbers is rounded once, so it is the nearest float64.
 bool exact_value(const Decimal& number, double& value) noexcept {
     if (!rounds_once || number.whole > most_exact_whole) return false;
     const auto whole = static_cast<double>(number.whole);
@@ -116,7 +116,7 @@ bool value_of(TextView text, double& value) noexcept {
 
 }  // namespace
 
-// UTF-8 that is not ASCII fails at its first byte beyond ASCII, as such a character does.
+// UTF-8 needs no decoding: a byte beyond ASCII makes read_decimal() return false.
 bool value_of_number(TextView text, double& value) noexcept {
     switch (text.width) {
         case 1:

@@ -5,8 +5,8 @@
 
 namespace quorin::core {
 
-// Sets `value` to float(text), exact to the last bit. False if that is not known here: for texts that are not numbers,
-// words, underscores between digits, numbers with many digits.
+// Sets `value` to float(text), exact to the last bit. Returns false if it cannot: for texts that are not numbers, for
+// words such as "inf", underscores between digits and numbers with many digits.
 bool value_of_number(TextView text, double& value) noexcept;
 
 }  // namespace quorin::core

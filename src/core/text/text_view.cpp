@@ -11,7 +11,7 @@ std::size_t length_of(TextView text) noexcept {
 
 namespace {
 
-// Whether the order of units is the order of texts. UTF-8 sorts by code point byte by byte.
+// Whether comparing units orders the texts by code point, as it does for the bytes of two UTF-8 texts.
 bool have_comparable_units(TextView left, TextView right) noexcept {
     return left.is_utf8() == right.is_utf8() || left.is_ascii() || right.is_ascii();
 }
@@ -49,7 +49,7 @@ bool same_unpadded(const void* left, std::size_t left_size, int left_width, Enco
 
 namespace {
 
-// The size of the valid character at the start of `left` bytes, left != 0; 0 if there is none.
+// The size of the first character of `left` bytes, left != 0; 0 if it is not valid.
 std::size_t valid_character(const std::uint8_t* at, std::size_t left) noexcept {
     const std::uint8_t lead = *at;
     if (lead < 0x80) return 1;
@@ -58,7 +58,7 @@ std::size_t valid_character(const std::uint8_t* at, std::size_t left) noexcept {
     for (std::size_t i = 1; i < size; ++i) {
         if ((at[i] & 0xc0U) != 0x80) return 0;
     }
-    // Overlong forms, surrogates and code points above U+10FFFF show in the second byte.
+    // The second byte excludes overlong forms, surrogates and code points above U+10FFFF.
     const std::uint8_t second = at[1];
     const bool allowed = lead == 0xe0   ? second >= 0xa0
                          : lead == 0xed ? second < 0xa0

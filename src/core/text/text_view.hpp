@@ -1,4 +1,4 @@
-// Texts in memory: characters, equality, order.
+// Views of texts in memory: characters, equality, order.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@ namespace quorin::core {
 
 enum class Encoding : std::uint8_t {
     fixed_width,   // each character takes TextView::width bytes
-    padded_ascii,  // ASCII, the 16 bytes before the first character may be read; on little-endian machines only
+    padded_ascii,  // ASCII; the 16 bytes before the first character are readable; little-endian machines only
     ascii,
     utf8
 };
@@ -21,23 +21,23 @@ enum class Encoding : std::uint8_t {
 // read beyond the text.
 struct TextView {
     const void* characters;
-    std::size_t size;  // in units
-    int width;         // bytes of a unit: 1, 2 or 4
+    std::size_t size;  // number of units
+    int width;         // bytes per unit: 1, 2 or 4
     Encoding encoding = Encoding::fixed_width;
 
-    // With padding the last eight characters of a text, however short, are one load.
+    // With padding, one load reads the last eight characters of any text.
     [[nodiscard]] bool is_padded() const noexcept { return encoding == Encoding::padded_ascii; }
-    // False if it is not known.
+    // May be false for an ASCII text in another encoding.
     [[nodiscard]] bool is_ascii() const noexcept { return is_padded() || encoding == Encoding::ascii; }
     [[nodiscard]] bool is_utf8() const noexcept { return encoding == Encoding::utf8; }
     [[nodiscard]] const std::uint8_t* bytes() const noexcept { return static_cast<const std::uint8_t*>(characters); }
 };
 
-// An ASCII text of one to eight characters: the last of them in the highest byte, anything below the first.
+// An ASCII text of one to eight characters. The last one is in the highest byte; bytes below the first are arbitrary.
 struct ShortText {
     std::uint64_t bytes;
     std::size_t length;
-    // The first character lowest, zeros above the last.
+    // The first character in the lowest byte, zeros above the last.
     // NOLINTNEXTLINE(clang-analyzer-core.BitwiseShift): length > 0
     [[nodiscard]] std::uint64_t value() const noexcept { return bytes >> (64 - 8 * length); }
 };
@@ -53,7 +53,7 @@ inline std::uint32_t unit(TextView text, std::size_t i) noexcept {
     }
 }
 
-// A character and the number of its units.
+// A character and its number of units.
 struct Decoded {
     std::uint32_t character;
     std::size_t size;
@@ -78,7 +78,7 @@ inline Decoded decode(TextView text, std::size_t i) noexcept {
     return {unit(text, i), 1};
 }
 
-// Of a text that is not empty.
+// Requires a text that is not empty.
 inline std::uint32_t first_character(TextView text) noexcept {
     return decode(text, 0).character;
 }
@@ -88,7 +88,7 @@ inline bool is_one_character(TextView text) noexcept {
     return text.size <= longest_in_utf8 && decode(text, 0).size == text.size;
 }
 
-// In characters.
+// The number of characters.
 std::size_t length_of(TextView text) noexcept;
 
 // Whether the bytes are UTF-8 as Unicode defines it: no surrogates, no overlong forms, nothing above U+10FFFF.
@@ -103,18 +103,18 @@ inline std::uint64_t eight_bytes(const void* at) noexcept {
 constexpr std::uint64_t every_byte = 0x0101010101010101;
 constexpr std::uint64_t beyond_ascii = 0x80 * every_byte;
 
-// The characters of a padded text of one to eight, the first one lowest, and zeros above them.
+// ShortText::value() of a padded text of one to eight characters.
 inline std::uint64_t short_text(TextView text) noexcept {
     return eight_bytes(text.bytes() + text.size - 8) >> (64 - 8 * text.size);
 }
 
-// Sorts as the text does, except that texts with the same key may differ in zeros at their end.
+// A key that sorts as the text does. Texts with equal keys can differ only in NUL characters at their end.
 inline std::uint64_t ascending_key(ShortText text) noexcept {
     return __builtin_bswap64(text.value());
 }
 
-// For a padded text of up to sixteen characters: masks for its bytes among the last eight and among the eight before
-// those. A table, because compilers choose between shifts by a jump, and lengths of texts are unpredictable.
+// Masks of the bytes of a padded text of up to sixteen characters, in the last eight bytes and in the eight before
+// them. A table, because compilers select a shift with a branch, which is often mispredicted.
 struct EndMasks {
     std::uint64_t last;
     std::uint64_t before;
@@ -129,8 +129,8 @@ constexpr std::array<EndMasks, 17> end_masks = [] {
     return masks;
 }();
 
-// compare() if a text is UTF-8. Takes the texts in parts, as the next function does: gcc keeps a text that is passed
-// whole in memory, on the other paths too.
+// compare() if a text is UTF-8. This and the next function take the members of the texts: gcc would keep a TextView
+// that is passed whole in memory, on the common paths too.
 int compare_utf8(const void* left, std::size_t left_size, int left_width, Encoding left_encoding, const void* right,
                  std::size_t right_size, int right_width, Encoding right_encoding) noexcept;
 
@@ -138,8 +138,8 @@ int compare_utf8(const void* left, std::size_t left_size, int left_width, Encodi
 bool same_unpadded(const void* left, std::size_t left_size, int left_width, Encoding left_encoding, const void* right,
                    std::size_t right_size, int right_width, Encoding right_encoding) noexcept;
 
-// By units: below 0, 0 or above 0. This is the order by code point of two texts in UTF-8, and of two texts in
-// fixed-width characters.
+// Compares by units: returns a number < 0, 0 or > 0. This is the order by code point if both texts are UTF-8 or neither
+// is.
 inline int compare_units(TextView left, TextView right) noexcept {
     const std::size_t common = left.size < right.size ? left.size : right.size;
     if (common != 0) {
@@ -160,7 +160,7 @@ inline int compare_units(TextView left, TextView right) noexcept {
     return left.size == right.size ? 0 : left.size < right.size ? -1 : 1;
 }
 
-// By code point, as the interpreter orders texts: below 0, 0 or above 0.
+// Compares by code point, as the interpreter does: returns a number < 0, 0 or > 0.
 inline int compare(TextView left, TextView right) noexcept {
     if (left.is_utf8() || right.is_utf8()) {
         return compare_utf8(left.characters, left.size, left.width, left.encoding, right.characters, right.size,
@@ -169,7 +169,7 @@ inline int compare(TextView left, TextView right) noexcept {
     return compare_units(left, right);
 }
 
-// Padded texts of the same size.
+// Whether two padded texts of the same size are equal.
 inline bool same_padded(const void* left, const void* right, std::size_t size) noexcept {
     const auto* a = static_cast<const std::uint8_t*>(left);
     const auto* b = static_cast<const std::uint8_t*>(right);
@@ -179,8 +179,7 @@ inline bool same_padded(const void* left, const void* right, std::size_t size) n
     return ((last & end_masks[size].last) | (before & end_masks[size].before)) == 0;
 }
 
-// Whether texts in the same encoding are equal. ASCII and characters of one byte are the same encoding, and ASCII and
-// UTF-8 are.
+// Whether texts in the same encoding are equal. ASCII counts as the same encoding as one-byte characters and as UTF-8.
 inline bool same_units(const TextView& left, const TextView& right) noexcept {
     if (left.size != right.size) return false;
     if (left.is_padded() && right.is_padded()) return same_padded(left.characters, right.characters, left.size);

@@ -23,7 +23,7 @@ bool is_compressed(core::TextView text, const References& missing) {
     return !core::is_alphanumeric(text, character_tables) && missing.texts.find(text) == 0;
 }
 
-// Labels that are objects: exact texts. A label without white space stays the same object.
+// Requires that all labels are exact texts. A label without white space stays the same object.
 void compress_objects(const ArrayColumn& labels, const References& missing, std::vector<char>& room) {
     const ObjectCells cells(labels);
     for (std::size_t row = 0; row < labels.rows; ++row) {
@@ -36,7 +36,7 @@ void compress_objects(const ArrayColumn& labels, const References& missing, std:
     }
 }
 
-// Labels of fixed width do not become longer: they are compressed in place.
+// Compresses fixed-width labels in place, which cannot make them longer.
 void compress_fixed(const ArrayColumn& labels, const References& missing) {
     const ArrayTextCells cells(labels);
     const std::size_t width = labels.width / sizeof(Py_UCS4);
@@ -58,8 +58,8 @@ bool all_exact_texts(const ArrayColumn& labels) {
     return true;
 }
 
-// Writes in blocks. If a signal ends the call, the rows before it are written, as the interpreter route leaves them; if
-// the route gives up, the interpreter route writes them again with the same result.
+// Writes block by block. If a signal handler raises, the rows before are written, as in the interpreter route. If the
+// route gives up, the interpreter route compresses all rows again, with the same result.
 bool compress_in_blocks(const ColumnSource& labels, const References& missing) {
     if (labels.storage() == Storage::objects) {
         const auto check = [](const ArrayColumn& column, std::size_t first, std::size_t last) {

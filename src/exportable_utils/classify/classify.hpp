@@ -1,4 +1,4 @@
-// Column type inference: the classifier and its companions.
+// Column type inference: numpy_whatis and related routines.
 #pragma once
 
 #include "python/routine.hpp"

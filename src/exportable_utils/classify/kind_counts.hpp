@@ -1,4 +1,4 @@
-// How many values of each kind the scan has counted.
+// The number of distinct values and of rows of each kind.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@ Name name_of(Kind kind);
 
 class KindCounts {
   public:
-    // All zero, except for the rows that are missing.
+    // All counts are 0, except for the rows of Kind::missing.
     explicit KindCounts(Object missing_rows);
     void add(Kind kind, Py_ssize_t distinct, const Operand& rows);
     [[nodiscard]] Py_ssize_t distinct(Kind kind) const { return distinct_[static_cast<std::size_t>(kind)]; }
@@ -25,7 +25,7 @@ class KindCounts {
 
   private:
     std::array<Py_ssize_t, core::kind_count> distinct_{};
-    std::array<Ref, core::kind_count> rows_;  // numbers of any type, added up by their own operators
+    std::array<Ref, core::kind_count> rows_;  // numbers of any type, added with their own operators
 };
 
 }  // namespace quorin::classify

@@ -1,4 +1,4 @@
-// The classifier's column and list, read once for all native steps of a call.
+// The column and the reference list of a call of numpy_whatis, read once for all native steps.
 #pragma once
 
 #include <optional>
@@ -15,12 +15,13 @@ struct NativeArguments {
         : column(ColumnSource::single(X)),
           references(column ? references::read_references(missing_values_reference_list, *column) : std::nullopt) {}
 
-    // Whether native routes know both.
+    // Whether native routes can read both.
     [[nodiscard]] bool known() const noexcept { return references.has_value(); }
 
     std::optional<ColumnSource> column;
     std::optional<References> references;
-    // Set by the short answer: a text and a number are left beside the references, so that no native sort succeeds.
+    // Set by the short answer if both a text and a number occur that are not references: a native sort of them would
+    // fail.
     bool mixed = false;
 };
 

@@ -17,7 +17,8 @@ namespace {
 
 using references::References;
 
-// Whether int() accepts every element that is not listed. Gives up if int() would raise anything but ValueError.
+// A visitor for visit_unlisted(): whether int() accepts every element that is not listed. Gives up if int() would raise
+// an exception other than ValueError.
 class IntegerTest {
   public:
     [[nodiscard]] bool passed() const noexcept { return passed_; }
@@ -27,7 +28,7 @@ class IntegerTest {
         if (std::isnan(value)) passed_ = false;
         return !std::isinf(value);
     }
-    // Inlined: a view that is passed to a call is kept in memory.
+    // Always inlined, so that the view stays in registers; for the same reason keep_unsettled() takes its members.
     [[gnu::always_inline]] bool on_text(std::size_t /*row*/, core::TextView text) {
         switch (core::classify_text(text, character_tables)) {
             case core::TextClass::integer:
@@ -42,8 +43,8 @@ class IntegerTest {
         }
         return true;
     }
-    // Calls the interpreter's int() with the texts that only it can decide. Nothing may be borrowed: an exception
-    // object can start garbage collection.
+    // Calls int() with the texts of TextClass::unsettled. Nothing may be borrowed: allocating an exception may start
+    // garbage collection.
     void decide_unsettled() {
         foreign_code_may_run();
         for (const Ref& text : unsettled_) {

@@ -1,4 +1,4 @@
-// Questions about a column that pandas.to_datetime() converts. They return False if it fails, whatever it raises.
+// Properties of a column converted by pandas.to_datetime(). They return False if the conversion raises an Exception.
 #include "exportable_utils/classify/classify.hpp"
 #include "python/errors.hpp"
 #include "python/module_names.hpp"
@@ -8,7 +8,7 @@ namespace quorin::classify {
 
 namespace {
 
-// Returns property(pd.to_datetime(column)), or False if anything raises an Exception.
+// Returns property(pd.to_datetime(column)), or False if that raises an Exception.
 template <class Property>
 Ref of_dates(Object column, const char* routine, Property property) {
     try {

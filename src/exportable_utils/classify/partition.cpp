@@ -16,7 +16,7 @@ using distinct::ExcludedRows;
 using references::Match;
 using references::Members;
 
-// The native part of a partition. Without `distinct` the values still have to be found by get_unique_values().
+// The native part of a partition. If `distinct` is empty, get_unique_values() has to find the distinct values.
 struct NativeParts {
     Members missing;
     std::optional<distinct::ValuesAndCounts> distinct;
@@ -34,7 +34,7 @@ bool may_hold_nulls(Storage storage) {
     return storage == Storage::objects || storage == Storage::float64 || storage == Storage::float32;
 }
 
-// Without a reference list there is no mask. NaN is not a distinct value then, but its rows are not missing.
+// Without references there is no mask: NaN is not a distinct value, but its rows are not missing.
 bool partition_without_references(const NativeArguments& arguments, NativeParts& parts) {
     if (arguments.mixed) return false;
     Members nulls;
@@ -64,7 +64,7 @@ void take_distinct(Partition& partition, Object values_and_counts) {
     partition.xx_xounts = std::move(xx_xounts);
 }
 
-// Calls get_unique_values() with the rows that are not missing, which cannot be sorted natively.
+// Calls get_unique_values() with the rows that are not missing and cannot be sorted natively.
 void take_distinct_by_name(Partition& partition, Object X, const Members& missing) {
     const Ref flat = PyArray_NDIM(as_array(X)) == 1 ? Ref::share(X) : X.attr("reshape"_py)({-1});
     const Ref X_non_missing = missing.marked == 0 ? Ref::share(flat) : item(flat, inverted(missing.mask));
@@ -101,7 +101,7 @@ Ref copied_list(const Question& question) {
     return original.is_none() ? list({}) : original.attr("copy"_py)();
 }
 
-// The rows of X that are not missing, and their distinct values.
+// Returns the rows of X that are not missing, and sets their distinct values.
 Ref partition_by_indicator(Partition& partition, Object X, const Question& question) {
     const Ref indicator = global("numpy_compute_missing_indicator"_py)(
         {X, partition.missing_values_list},
@@ -130,10 +130,10 @@ Partition partition_column(const Question& question, const NativeArguments& argu
     if (truth(partition.missing_values_list)) {
         X_non_missing = partition_by_indicator(partition, X, question);
     } else {
-        // There is no mask. NaN is not a distinct value, but its rows are not missing.
+        // As in partition_without_references().
         partition.missing_reference_values_exist_list = list({});
         X_non_missing = Ref::share(X);
-        // As in any call, the callee is looked up before its arguments are made.
+        // Looks the callee up before it makes the arguments, as a Python call does.
         const Ref get_unique_values = global("get_unique_values"_py);
         const Ref exclusion_list = list({global("np"_py).attr("nan"_py)});
         take_distinct(partition, get_unique_values({X_non_missing, exclusion_list}, {{"return_counts"_py, true}}));

@@ -1,4 +1,4 @@
-// The classifier's progress texts, printed if `debug` is true.
+// The progress messages of numpy_whatis, printed if `debug` is true.
 #pragma once
 
 #include "python/module_names.hpp"
@@ -10,12 +10,12 @@ class Progress {
   public:
     explicit Progress(Object debug) : debug_(debug) {}
 
-    void column(Object X);  // the first rows; starts the clock of the whole call
+    void column(Object X);  // prints the first rows and starts the clock of the call
     void scan_starts(Object XX);
     void scan_ends(Object XX) const;
     void datetime_starts(Object check_limit);
     void datetime_ends(Object check_limit) const;
-    // The texts of two checks that are not made.
+    // Prints the messages of two checks that no longer exist.
     void order_and_gaps(Object check_limit) const;
     void end() const;
 

@@ -26,7 +26,7 @@ bool is_boolean(Object elt) {
     return contains(text_of(Py_TYPE(elt.get())), "bool"_py) || is_instance(elt, global("np"_py).attr("bool_"_py));
 }
 
-// The scan through the interpreter.
+// The interpreter route of the scan.
 class InterpreterScan {
   public:
     explicit InterpreterScan(Scan& scan) : scan_(scan) {}
@@ -46,8 +46,8 @@ class InterpreterScan {
     std::optional<Kind> dtype_str_found_;
     bool found_nonmissing_flag_ = false;
     bool found_string_flag_ = false;
-    // A running kind that no longer follows once the stop rule holds. No result depends on it, but the rule compares
-    // the number of missing rows, which an odd number can observe.
+    // Follows the running kind until the stop rule holds. No result depends on it, but the rule compares the number of
+    // missing rows, which a number of a class with its own operators can observe.
     Kind dtype_str3_ = Kind::unknown;
     bool dtype_str3_stop_flag_ = false;
 };
@@ -67,13 +67,13 @@ void InterpreterScan::run(Object XX, Object xx_xounts, Object missing_values_lis
             classify_value(elt);
         }
         if (!dtype_str_found_) fail_unbound("dtype_str_found"_py);
-        // A value of no known kind is counted with the kind of the value before it.
+        // A value of unknown kind counts as the kind of the value before it.
         scan_.counts.add(*dtype_str_found_, 1, item(xx_xounts, i));
         apply_stop_rule();
     }
 }
 
-// A lone text above a number.
+// Whether elt is a lone text after a number or a number text.
 bool InterpreterScan::is_end_marker(Object elt) const {
     if (!found_nonmissing_flag_) return false;
     return equal(elt, ""_py) || (length(elt) == 1 && !truth(elt.attr("isalnum"_py)()));
@@ -92,7 +92,7 @@ void InterpreterScan::classify_text(Object XX, Py_ssize_t i, Object elt) {
     follow_kind();
 }
 
-// The texts below the first number text may be markers.
+// Records the texts before the first number text, which may be markers.
 void InterpreterScan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
     scan_.running = kind;
     dtype_str_found_ = kind;
@@ -104,10 +104,10 @@ void InterpreterScan::number_text_found(Kind kind, Object XX, Py_ssize_t i) {
     follow_kind();
 }
 
-// Three tests, and a later one overrides an earlier one: a Python bool is also an integer.
+// A later test overrides an earlier one: a bool is also an integer.
 void InterpreterScan::classify_value(Object elt) {
     if (is_float(elt)) {
-        // A whole number does not replace the running kind of a fraction.
+        // A whole number after a fraction leaves the running kind at float_num.
         const bool whole_valued = truth(elt.attr("is_integer"_py)());
         const Kind running = scan_.running;
         value_found(whole_valued ? Kind::float_int_num : Kind::float_num);
@@ -148,7 +148,7 @@ core::VerdictFacts Scan::facts(bool other_rows) const {
         const auto kind = static_cast<Kind>(i);
         if (counts.distinct(kind) != 0) facts.kinds.add(kind);
     }
-    // Compared a second time if nothing is counted, which an odd number can observe.
+    // Compared again if nothing is counted, which a number of a class with its own operators can observe.
     if (facts.kinds.empty()) facts.missing_rows = counts.any_missing_rows();
     facts.one_text = counts.distinct(Kind::char_str) == 1;
     facts.end_marker = PyList_GET_SIZE(weird_new_missing_values_list.get()) != 0;

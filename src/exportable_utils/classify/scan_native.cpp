@@ -1,4 +1,4 @@
-// The scan in memory.
+// The native route of the scan.
 #include <array>
 #include <optional>
 #include <utility>
@@ -17,7 +17,7 @@ namespace {
 
 using core::TextClass;
 
-// What is counted, before any of it is written into a Scan. Positions are those in XX.
+// The counts, before any of them is written to a Scan. Positions are positions in XX.
 struct Counted {
     struct Tally {
         Py_ssize_t distinct = 0;
@@ -42,14 +42,14 @@ struct Counted {
     [[nodiscard]] bool number_texts() const { return integer_texts || real_texts; }
 };
 
-// Consecutive distinct values and their numbers of rows. The first of them is at position `first` of XX.
+// A range of distinct values and their numbers of rows, which starts at position `first` of XX.
 struct Values {
     ArrayColumn values;
     ArrayColumn counts;
     std::size_t first;
 
     [[nodiscard]] npy_intp rows_of(std::size_t i) const { return *reinterpret_cast<const npy_intp*>(counts.at(i)); }
-    // numpy.unique() makes contiguous counts.
+    // True for the counts of numpy.unique().
     [[nodiscard]] bool contiguous_counts() const { return counts.stride == sizeof(npy_intp); }
     [[nodiscard]] const npy_intp* count_data() const { return reinterpret_cast<const npy_intp*>(counts.data); }
 };
@@ -74,7 +74,7 @@ bool count_text(core::TextView text, std::size_t position, npy_intp rows, Counte
     return true;
 }
 
-// Texts above the end marker are not counted, but they have to be texts.
+// Elements after the end marker are not counted, but must be texts.
 template <class Cells>
 bool count_texts(const Cells& cells, const Values& part, Counted& counted) {
     for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -87,7 +87,7 @@ bool count_texts(const Cells& cells, const Values& part, Counted& counted) {
     return true;
 }
 
-// Python's numbers, and the numpy scalars of the same kinds.
+// Counts Python numbers, and the numpy scalars of the same kinds.
 bool count_objects(const Values& part, Counted& counted) {
     const ObjectCells cells(part.values);
     for (std::size_t i = 0; i < part.values.rows; ++i) {

@@ -14,7 +14,8 @@ namespace quorin::classify {
 
 namespace {
 
-// The class of the first element that is neither null nor a reference. A column without one counts as numbers.
+// The class of an element: `unknown` for a null or a reference. The first other class decides which kind of column it
+// is; if there is none, the column counts as numbers.
 enum class First { text, other, unknown };
 
 First class_of(const ObjectCells& cells, const ArrayColumn& column, std::size_t row, const References& references) {
@@ -71,7 +72,7 @@ Ref marker_of(ShortFacts::Discovered& found) {
 Ref short_answer(NativeArguments& arguments, bool first_only) {
     ShortFacts facts;
     if (!arguments.known() || !gather(arguments, facts)) return {};
-    // With first_only the rows of the other references are not missing.
+    // With first_only the rows of all references but one are not missing: gives up.
     if (first_only && std::popcount(facts.references) > 1) return {};
     facts.verdict.missing_rows = facts.references != 0;
     const core::Verdict verdict = decide(facts.verdict, core::Rule::by_counts);
@@ -96,7 +97,7 @@ Ref least_texts(const NativeArguments& arguments, std::size_t most) {
                                                   : gather_range(ArrayTextCells(column), {first, last});
     });
     if (!gathered) return {};
-    // Nulls that are not missing are distinct values.
+    // Nulls that are not missing are distinct values: gives up.
     if (gatherer.nulls() && arguments.references->null_bits == 0 && !arguments.references->none()) return {};
     distinct::TakenElements taken;
     if (const std::optional<ArrayColumn> column = source.borrow()) {

@@ -1,4 +1,4 @@
-// Columns of numbers that are not objects.
+// Gathers the facts of arrays of numbers.
 #include <cmath>
 
 #include "core/column.hpp"
@@ -22,7 +22,7 @@ core::NumberFacts gather_others(const ArrayColumn& column, const References& ref
     core::NumberFacts facts;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const Number number = core::load<Number>(column, row);
-        // References are exact. An integer that is not exact as a 64-bit float equals none of them, unless rounded.
+        // Not compared if it is an integer of magnitude >= 2^53, which may be rounded here: all references are smaller.
         const auto value = static_cast<double>(number);
         ReferenceBits bits = 0;
         if constexpr (std::is_floating_point_v<Number>) {
@@ -68,10 +68,10 @@ bool gather_floats(NativeArguments& arguments, ShortFacts& facts) {
     const References& references = *arguments.references;
     core::NumberFacts numbers;
     if (!gather_numbers(arguments, numbers, facts.references)) return false;
-    // numpy warns of a signalling NaN.
+    // numpy warns about a signalling NaN.
     if (numbers.signalling_nan) return false;
     if (numbers.nulls && references.null_bits == 0 && !references.none()) {
-        // NaN that is not missing is a value with a fraction.
+        // A NaN that is not missing counts as a fraction.
         facts.verdict.kinds.add(Kind::float_num);
         return true;
     }

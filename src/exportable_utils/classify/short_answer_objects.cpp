@@ -1,4 +1,4 @@
-// Columns of objects that are numbers.
+// Gathers the facts of columns of objects that are numbers.
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -24,12 +24,12 @@ class NumberObjects {
     ReferenceBits found = 0;
     bool none = false;
     bool nan = false;
-    bool scalar_nan = false;  // of a numpy type
-    bool scalars = false;     // of numpy types
+    bool scalar_nan = false;  // a NaN of a numpy type
+    bool scalars = false;     // numbers of numpy types
     bool booleans = false;
     bool integers = false;
     bool reals = false;
-    bool fractions = false;   // real numbers with a fraction, and infinite ones
+    bool fractions = false;   // numbers with a fraction, and infinities
     bool other_text = false;  // a text that is not a reference
     [[nodiscard]] bool numbers() const noexcept { return reals || integers || booleans; }
 
@@ -41,7 +41,7 @@ class NumberObjects {
     const References& references_;
 };
 
-// Facts about floats. The least and the greatest rank hold three of them, without a branch.
+// Facts about floats. The least and the greatest nan_rank() determine three of them without a branch per element.
 class FloatFacts {
   public:
     void add(double real) noexcept {
@@ -61,8 +61,8 @@ class FloatFacts {
     bool fractions_ = false;
 };
 
-// Adds the exact floats of rows row, row + 1, ... up to the first other object, and returns its row; `last` if there is
-// none. Not inlined, so that the loop has all registers.
+// Adds the exact floats of the rows from `row` on, up to the first other object, and returns the row of that, or
+// `last`. Not inlined, so that the loop has all registers.
 [[gnu::noinline]] std::size_t add_floats(const ObjectCells& objects, std::size_t row, std::size_t last,
                                          FloatFacts& floats) noexcept {
     const ObjectCells cells = objects;
@@ -91,7 +91,7 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
         if (type == &PyFloat_Type && !compared) {
             row = add_floats(cells, row, last, floats) - 1;
         } else if (type == &PyLong_Type && !compared) {
-            whole_numbers = true;  // of any size
+            whole_numbers = true;  // the size does not matter
         } else if (!add(value)) {
             break;
         }
@@ -100,7 +100,7 @@ bool NumberObjects::gather(const ArrayColumn& column, std::size_t first, std::si
     reals = reals || floats.reals();
     fractions = fractions || floats.fractions();
     integers = integers || whole_numbers;
-    // numpy warns of a signalling NaN.
+    // numpy warns about a signalling NaN.
     return row == last && !floats.signalling_nan();
 }
 
@@ -155,7 +155,7 @@ void NumberObjects::add_kind(const ObjectNumber& number) {
     }
 }
 
-// Whether there is an integer that a numpy scalar may round or refuse when it is compared with it.
+// Whether there is an integer that may be rounded, or raise, when it is compared with a numpy scalar.
 bool any_beyond_exact(const ColumnSource& source) {
     const bool none = source.in_blocks([](const ArrayColumn& column, std::size_t row, std::size_t last) {
         for (; row < last; ++row) {
@@ -184,8 +184,8 @@ bool tally_numbers(const ArrayColumn& column, std::size_t first, std::size_t las
     return true;
 }
 
-// Equal numbers of different types are one distinct value, and the sort decides which type stands for it. Returns
-// whether two kinds occur all the same, because each has a value that no other kind equals.
+// Whether two kinds occur among the distinct values. Equal numbers of different types are one distinct value, whose
+// type depends on the sort; so each of the two kinds must have a value that equals no value of another kind.
 bool two_kinds(const NativeArguments& arguments) {
     const std::size_t rows = arguments.column->rows();
     ObjectTally tally(rows);
@@ -216,7 +216,7 @@ bool gather_number_objects(NativeArguments& arguments, ShortFacts& facts) {
     }
     if (objects.scalars && objects.integers && any_beyond_exact(*arguments.column)) return false;
     if (references.null_bits == 0 && !references.none()) {
-        // Nulls that are not missing: None has no order, and NaN is a value with a fraction.
+        // Nulls that are not missing: None cannot be sorted, and NaN counts as a fraction.
         if (objects.none || objects.scalar_nan) return false;
         objects.fractions = objects.fractions || objects.nan;
         objects.reals = objects.reals || objects.nan;

@@ -1,4 +1,4 @@
-// Columns of texts, also beside nulls and references.
+// Gathers the facts of columns of texts, nulls and references.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -16,10 +16,10 @@ using core::Ordered;
 using core::RowRange;
 using core::TextFacts;
 
-// A column with more distinct plain texts below its end marker has no short answer.
+// The short answer gives up if a column has more distinct plain texts below its end marker.
 constexpr std::size_t most_plain_below = 256;
 
-// Objects among which numbers may be references. These read as nulls and are remembered.
+// Cells of a column of objects in which references may be numbers. Such references read as nulls and are recorded.
 class CellsBesideNumbers {
   public:
     struct Found {
@@ -56,7 +56,7 @@ class CellsBesideNumbers {
     Found* found_;
 };
 
-// Whether the object is a number that equals no reference, for sure.
+// Whether the object is a number that certainly equals no reference.
 bool is_other_number(PyObject* value, const References& references) {
     if (value == nullptr) return false;
     const ObjectNumber number = object_number_of(value);
@@ -64,7 +64,7 @@ bool is_other_number(PyObject* value, const References& references) {
     return references.numbers.empty() || references.bits_of_object(number) == ReferenceBits{0};
 }
 
-// Walks over a column that is borrowed anew for each block of rows. The texts that are kept in between are read again,
+// Walks over a column that is borrowed for each block of rows. Texts that are kept between two blocks are read again,
 // by their rows. All functions return false to give up.
 template <class MakeCells>
 class TextColumn {
@@ -92,7 +92,7 @@ class TextColumn {
     MakeCells make_cells_;
 };
 
-// Not in_blocks(), because the gatherer may go back to an earlier row.
+// Not with in_blocks(), because the gatherer may return to an earlier row.
 template <class MakeCells>
 bool TextColumn<MakeCells>::gather(TextFacts& facts) const {
     const std::size_t rows = source().rows();
@@ -153,7 +153,8 @@ bool TextColumn<MakeCells>::discover(std::vector<Ordered>& plain, Ordered& least
     const auto cells = make_cells_(*column);
     const bool texts_left = core::refresh(cells, plain) && core::refresh(cells, least_number);
     if (!texts_left || !core::refresh(cells, end_marker)) return false;
-    // Of fixed-width texts, the scan lists those below the least number text as str and meets the others as elements.
+    // The result of the scan has a text of a fixed-width array as a str if it is below the least number text, and as a
+    // numpy.str_ otherwise.
     const auto owned = [&](const Ordered& text, bool element) -> ShortFacts::Discovered {
         if (column->storage == Storage::objects) return {Ref::share(column->object(text.row)), false};
         return {new_text(text.text), element};
@@ -172,7 +173,7 @@ void add_kinds(const TextFacts& texts, core::KindSet& kinds) {
     if (texts.reals) kinds.add(Kind::float_str);
 }
 
-// The facts of the texts that count, when the references and nulls are known.
+// Adds the facts of the texts that count. Requires that the references and nulls are known.
 template <class MakeCells>
 bool add_texts(const TextColumn<MakeCells>& column, bool fixed_width, const TextFacts& all, ShortFacts& facts) {
     Ordered least_number;
@@ -193,7 +194,8 @@ bool add_texts(const TextColumn<MakeCells>& column, bool fixed_width, const Text
     const bool texts_are_markers = decide(facts.verdict, core::Rule::by_counts).texts_are_markers;
     if (!texts_are_markers) plain.clear();
     if (plain.empty() && !end_marker.found) return true;
-    // A lone text is below all number texts here.
+    // If a lone text occurs, least_number is known, or that lone text is the only plain text and below all number
+    // texts.
     if (fixed_width && !all.lone && !column.find_least_number(least_number)) return false;
     return column.discover(plain, least_number, end_marker, facts);
 }
@@ -211,7 +213,7 @@ bool gather_texts(NativeArguments& arguments, MakeCells make_cells, const CellsB
         facts.references |= beside->numbers;
     }
     if (all.nulls) {
-        // Nulls that are not missing have no place in the order of the texts.
+        // Nulls that are not missing cannot be sorted together with texts.
         if (references.null_bits == 0 && !references.none()) return false;
         facts.references |= references.null_bits;
     }

@@ -1,4 +1,4 @@
-// Gathering the facts of a short answer, for each storage of a column. Each function returns false to give up.
+// Gathers the facts for the short answer, for each storage of a column. Each function returns false to give up.
 #pragma once
 
 #include <vector>
@@ -12,23 +12,23 @@ using core::Kind;
 using references::ReferenceBits;
 
 struct ShortFacts {
-    // A text that is a marker although it is not a reference.
+    // A text that is a marker but not a reference.
     struct Discovered {
         Ref text;
-        bool scalar = false;  // to be converted into an element of a fixed-width text array
+        bool scalar = false;  // to be converted to numpy.str_
     };
 
     core::VerdictFacts verdict;
-    ReferenceBits references = 0;  // that occur
-    // If the verdict is that texts are markers: these, ascending.
+    ReferenceBits references = 0;  // the references that occur
+    // The texts that are markers by the verdict, ascending.
     std::vector<Discovered> texts;
     Discovered end_marker;  // if there is one
 };
 
-// Objects of which the first that is neither null nor a reference is a text.
+// For objects of which the first that is neither null nor a reference is a text.
 bool gather_object_texts(NativeArguments& arguments, ShortFacts& facts);
 bool gather_fixed_texts(NativeArguments& arguments, ShortFacts& facts);
-// Objects that are numbers, nulls or references.
+// For objects that are numbers, nulls or references.
 bool gather_number_objects(NativeArguments& arguments, ShortFacts& facts);
 bool gather_floats(NativeArguments& arguments, ShortFacts& facts);
 bool gather_integers(NativeArguments& arguments, ShortFacts& facts);

@@ -16,7 +16,8 @@ Ref date_test() {
     return global("FCplus"_py).attr("is_column_string_in_datetime_format"_py);
 }
 
-// Whether the least distinct values are texts that the date test accepts. A false result is returned as it is.
+// Whether the smallest distinct values are texts that the date test accepts. A false result of the test is returned
+// unchanged.
 Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     const Ref check_limit = capped_row_count(XX);
     progress.datetime_starts(check_limit);
@@ -26,7 +27,7 @@ Ref find_datetime_flag(Object XX, Kind dtype_str, Progress& progress) {
     return flag;
 }
 
-// What the classifier has concluded from the scan.
+// The results that follow from the scan.
 struct Conclusion {
     Kind kind_by_last_value;
     Ref dtype_str_final;
@@ -56,9 +57,9 @@ Ref statistics(const Partition& partition, const Scan& scan, const Conclusion& c
     return stats_dict;
 }
 
-// The short answer, if only the pair is wanted. FC's own date test has no effect but its result, which the pair does
-// not depend on. A replacement may have other effects: it is called with the 50 least distinct texts, or, if these
-// cannot be found natively, there is no short answer.
+// The short answer, if only the pair is requested. The pair does not depend on the date test. FC's own test is pure, so
+// it is skipped; a replacement may have side effects and is called with the 50 smallest distinct texts. Gives up if
+// those cannot be found natively.
 Ref answer_shortly(const Question& question, NativeArguments& arguments) {
     constexpr std::size_t sample_size = 50;
     const bool pair_only = question.use_dtype_str1_flag.is(Py_True) && question.return_stats_flag.is(Py_False);
@@ -90,7 +91,7 @@ Ref markers_of(const Partition& partition, const Scan& scan, bool texts_are_mark
     return add(markers, scan.weird_new_missing_values_list);
 }
 
-// Scans the distinct values and decides.
+// Decides by the facts of the scan.
 Conclusion conclude(const Question& question, const Partition& partition, const Scan& scan, bool other_rows) {
     const core::VerdictFacts facts = scan.facts(other_rows);
     Conclusion conclusion;
@@ -102,7 +103,7 @@ Conclusion conclude(const Question& question, const Partition& partition, const 
     return conclusion;
 }
 
-// All steps: the rows that are missing, the distinct values, the scan, the date test.
+// All steps: missing rows, distinct values, scan, date test.
 Ref classify(const Question& question, const NativeArguments& arguments) {
     Progress progress(question.debug);
     progress.column(question.X);
@@ -118,7 +119,7 @@ Ref classify(const Question& question, const NativeArguments& arguments) {
     conclusion.unique_values_column_flag = unique_values_column_flag;
     conclusion.constant_column_flag = constant_column_flag;
     const auto pair = [&] { return tuple({conclusion.new_missing_values_list, conclusion.dtype_str_final}); };
-    // FC's own date test has no effect but its result, which only the statistics report.
+    // FC's own date test is pure and only the statistics contain its result, so it is skipped without them.
     if (partition.natively && question.return_stats_flag.is(Py_False) && lookup_state().date_test_unchanged) {
         return pair();
     }

@@ -72,7 +72,7 @@ Examples
 {'a': [1, 10], 'loga': [2, 20]}
 )",
     .body = [](Object self, Object fun) -> Ref {
-        // The names before the first new column: what the loop adds it does not process.
+        // Read once: columns that the loop adds are not processed.
         const Ref colnames = list_of(self.attr("df"_py).attr("columns"_py));
         const Py_ssize_t columns = length(colnames);
         for (Py_ssize_t i = 0; i < columns; ++i) {

@@ -13,7 +13,7 @@ namespace quorin::distinct {
 
 namespace {
 
-// Arrays that are made here are not known to other code: their memory does not change while foreign code runs.
+// No other code has a reference to the arrays that are made here: foreign code cannot change their memory.
 
 template <class Number>
 Number* data_of(Object array) noexcept {
@@ -28,13 +28,13 @@ PyArray_Descr* descriptor_of(Object dtype) noexcept {
     return reinterpret_cast<PyArray_Descr*>(dtype.get());
 }
 
-// numpy releases the GIL while it sorts.
+// Foreign code: numpy releases the GIL while it sorts.
 void sort(Object array) {
     foreign_code_may_run();
     if (PyArray_Sort(as_array(array), 0, NPY_QUICKSORT) < 0) throw PythonError(Where::current());
 }
 
-// The number of sorted numbers before the first NaN.
+// The number of elements before the first NaN of sorted numbers.
 template <class Number>
 std::size_t without_nulls(const Number* numbers, std::size_t size) {
     if constexpr (std::is_floating_point_v<Number>) {
@@ -46,7 +46,7 @@ std::size_t without_nulls(const Number* numbers, std::size_t size) {
     return size;
 }
 
-// Calls use(first, last) for ranges of sorted numbers that contain all equal numbers of those they contain.
+// Calls use(first, last) for consecutive ranges of sorted numbers. No run of equal numbers is split between two ranges.
 template <class Number, class Use>
 void in_whole_runs(const Number* sorted, std::size_t size, Use use) {
     SignalTimer timer;
@@ -61,7 +61,7 @@ void in_whole_runs(const Number* sorted, std::size_t size, Use use) {
     }
 }
 
-// Moves the distinct ones of sorted numbers to the front and returns their counts. NaN counts once.
+// Moves the distinct numbers of a sorted array to the front and returns their counts. All NaN are one distinct value.
 template <class Number>
 Ref collapse(Number* numbers, std::size_t size) {
     const std::size_t plain = without_nulls(numbers, size);
@@ -84,8 +84,8 @@ Ref collapse(Number* numbers, std::size_t size) {
     return counted;
 }
 
-// The first elements of an array that is made here. Most of a large array is given back rather than copied: memory that
-// is new to the process is slow.
+// The first `size` elements of an array that is made here. Shrinks the array in place if it keeps at least half of it:
+// a copy would need new memory, which costs page faults.
 template <class Number>
 Ref first_elements(Ref array, std::size_t size, Object dtype) {
     const std::size_t before = size_of(array);
@@ -109,7 +109,7 @@ ValuesAndCounts runs_of(Ref sorted, Object dtype) {
     return {first_elements<Number>(std::move(sorted), distinct, dtype), std::move(counts)};
 }
 
-// A new array of the numbers that are not excluded, or an empty Ref.
+// A new array of the numbers that are not excluded. Returns an empty Ref if the column has changed.
 template <class From, class To>
 Ref copy_included(const ColumnSource& column, const ExcludedRows& excluded, Object dtype) {
     Ref copy = new_array(column.rows() - excluded.marked(), descriptor_of(dtype));
@@ -132,25 +132,25 @@ std::optional<ValuesAndCounts> sorted_runs(const ColumnSource& column, const Exc
     return runs_of<To>(std::move(copy), dtype);
 }
 
-// Counts integers that are close together in a table, which is faster than any sort.
+// Counts integers of a small range in a table, which is faster than sorting.
 template <class Integer>
 class CountTable {
   public:
-    // False if the integers are too far apart. The size says how many there are in all.
+    // Extends the range. Returns false if it is too large for a table of `size` integers in total.
     bool include(const core::Range<Integer>& range, std::size_t size) noexcept {
         least_ = std::min(least_, range.least);
         greatest_ = std::max(greatest_, range.greatest);
         return span() < most_slots && span() <= size + small;
     }
     void allocate() { counts_.resize(static_cast<std::size_t>(span()) + 1); }
-    // False if an integer is outside the range.
+    // Counts integers. Returns false if one is outside the range.
     bool count(const core::StridedMemory& integers) noexcept {
         const auto [least, greatest] = core::range_of<Integer>(integers);
         if (least < least_ || greatest > greatest_) return false;
         count_in_range(integers);
         return true;
     }
-    // For integers that are known to be in the range.
+    // The same for integers that are known to be in the range.
     void count_in_range(const core::StridedMemory& integers) noexcept {
         core::count_each<Integer>(integers, least_, counts_.data());
     }
@@ -179,7 +179,8 @@ class CountTable {
     std::vector<npy_intp> counts_;
 };
 
-// The integers of a column, without a copy of it. Nothing if they are too far apart.
+// Counts the integers of a column without copying it. Returns nullopt if their range is too large or the column has
+// changed.
 template <class Integer>
 std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object dtype) {
     CountTable<Integer> table;
@@ -203,7 +204,7 @@ std::optional<ValuesAndCounts> counted_column(const ColumnSource& column, Object
     return table.arrays(dtype);
 }
 
-// The same of a copy.
+// The same for an array that is made here.
 template <class Integer>
 std::optional<ValuesAndCounts> counted_copy(Object copy, Object dtype) {
     CountTable<Integer> table;
@@ -235,7 +236,7 @@ std::optional<ValuesAndCounts> distinct_integers(const ColumnSource& column, con
     return runs_of<Integer>(std::move(copy), dtype);
 }
 
-// Whether all booleans are the byte 0 or 1. numpy's result for other bytes is not defined here.
+// Whether all booleans are stored as the byte 0 or 1; other bytes take the interpreter route.
 bool are_bits(const ColumnSource& column) {
     return column.in_blocks([](const ArrayColumn& flags, std::size_t first, std::size_t last) {
         return core::range_of<std::uint8_t>(flags.part(first, last)).greatest <= 1;
@@ -273,7 +274,7 @@ std::optional<ValuesAndCounts> distinct_as_float64(const ColumnSource& column, c
     if (core::has_unlike_equals(data_of<float>(copy), size_of(copy))) {
         return sorted_runs<float, double>(column, excluded, float64);
     }
-    // Half the width sorts faster, and the result is the same because equal numbers are alike.
+    // float32 sorts faster, and the result is the same because equal numbers have equal bits.
     sort(copy);
     Ref counts = collapse(data_of<float>(copy), size_of(copy));
     const std::size_t distinct = size_of(counts);

@@ -7,13 +7,13 @@
 
 namespace quorin::distinct {
 
-// numpy.unique(column[~mask], return_counts=True) of a column of numbers. Nothing for any other column.
+// numpy.unique(column[~mask], return_counts=True) of a column of numbers. Returns nullopt to give up.
 //
-// Which of several equal numbers numpy returns can be seen if they are zeros of both signs or NaN. Floats are therefore
-// sorted by numpy itself, in the order in which numpy.unique() sorts them.
+// If zeros of both signs or different NaN occur, the result depends on which of several equal numbers the sort puts
+// first. Floats are therefore sorted by numpy itself, with the algorithm of numpy.unique().
 std::optional<ValuesAndCounts> distinct_numbers(const ColumnSource& column, const ExcludedRows& excluded);
 
-// The same of column.astype(float), for a column of floats.
+// The same for column.astype(float), for a column of floats.
 std::optional<ValuesAndCounts> distinct_as_float64(const ColumnSource& column, const ExcludedRows& excluded);
 
 }  // namespace quorin::distinct

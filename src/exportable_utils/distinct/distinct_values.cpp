@@ -15,15 +15,15 @@ namespace quorin::distinct {
 
 namespace {
 
-using Order = std::vector<std::uint32_t>;  // numbers of entries
+using Order = std::vector<std::uint32_t>;  // indices of entries
 
-// Sorted entries are spread over memory.
+// Entries in sorted order are spread over memory, so they are prefetched this far ahead.
 constexpr std::size_t prefetched = 16;
 
-// Entries are spread over memory: so many take a few milliseconds.
+// This many entries take a few milliseconds, because of cache misses.
 constexpr std::size_t entries_between_signals = std::size_t{1} << 14U;
 
-// Puts an object in a place of an array of objects, which holds None or null so far.
+// Puts an object into a slot of a new array of objects, which holds None or null.
 void put(char* place, Ref object) noexcept {
     Ref::adopt(std::exchange(*reinterpret_cast<PyObject**>(place), object.give()));
 }
@@ -69,7 +69,7 @@ Ref array_of_counts(const std::vector<Entry>& entries, const Order& order) {
     return array;
 }
 
-// The entries in this order, which is empty if they cannot be sorted.
+// The entries in `order`. Returns nullopt if it is empty, which means that they cannot be sorted.
 template <class Entry>
 std::optional<ValuesAndCounts> arrays_of(const ColumnSource& column, const std::vector<Entry>& entries,
                                          const Order& order, std::vector<Ref>& objects) {
@@ -84,7 +84,8 @@ std::optional<ValuesAndCounts> arrays_of(const ColumnSource& column, const std::
     return found;
 }
 
-// Answers signals. Whole numbers are sorted as such. Beside fractions they have to be exact as 64-bit floats.
+// The ascending order of numbers; empty if they cannot be sorted natively. Integers are sorted as int64. If floats
+// occur too, all are sorted as float64, for which each integer has to be exact. Answers signals.
 Order ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
     const bool reals = std::any_of(entries.begin(), entries.end(), [](const ObjectTally::Entry& entry) {
         return entry.number.type == NumberType::real;
@@ -114,7 +115,7 @@ Order ascending_numbers(const std::vector<ObjectTally::Entry>& entries) {
     return order;
 }
 
-// Whether numpy can sort the elements so far: all are texts or all are numbers, and none is null.
+// Whether numpy can sort the elements: all are texts or all are numbers, and none is null.
 bool sortable(const ObjectTally& tally) noexcept {
     return !tally.nulls() && (tally.texts().empty() || tally.texts().size() == tally.entries().size());
 }
@@ -156,8 +157,8 @@ std::optional<ValuesAndCounts> sorted_texts(const ColumnSource& column, Distinct
     return arrays_of(column, entries, order, texts.objects());
 }
 
-// Whether an ObjectTally may be able to sort a column that starts with a text, of which `row` and the rows behind it
-// are not hashed yet: the next element that is not a str has to be a text scalar of numpy.
+// Whether an ObjectTally may be able to sort a column that starts with a text and of which the rows from `row` on are
+// not hashed yet: the next element that is not a str has to be a numpy.str_.
 bool has_text_scalar_next(const ColumnSource& column, const ExcludedRows& excluded, std::size_t row) {
     const std::optional<ArrayColumn> objects = column.borrow();
     if (!objects || objects->storage != Storage::objects) return false;
@@ -179,7 +180,7 @@ bool starts_with_text(const ColumnSource& column, const ExcludedRows& excluded) 
     return is_exact_text(objects->object(row));
 }
 
-// The walk continues after `enough` values: an element further on may not be sortable.
+// Checks all rows, also after `enough` values: a later element may not be sortable.
 std::optional<std::size_t> count_distinct_objects(const ColumnSource& column, std::size_t enough, bool texts) {
     ObjectTally tally(column.rows());
     const bool done = tally.add_in_blocks(column, [&](const ArrayColumn& objects, std::size_t first, std::size_t last) {
@@ -199,7 +200,7 @@ std::optional<std::size_t> count_distinct_objects(const ColumnSource& column, st
     return tally.entries().size();
 }
 
-// The number of values that the dtype has, or a greater number.
+// An upper bound of the number of distinct values, by the dtype and the number of rows.
 std::size_t possible_numbers(const ColumnSource& column) noexcept {
     constexpr std::size_t bytes = 256;
     if (column.storage() == Storage::boolean) return 2;
@@ -212,7 +213,7 @@ std::optional<ValuesAndCounts> distinct_values(const ColumnSource& column, const
     if (column.storage() != Storage::objects && column.storage() != Storage::fixed_text) {
         return distinct_numbers(column, excluded);
     }
-    // numpy makes an array of another dtype of nothing.
+    // numpy returns an array of another dtype if no element is left.
     if (excluded.marked() == column.rows() || column.rows() > core::TextTable::most_rows) return std::nullopt;
     if (KnownUnsortable::is(column.array())) return std::nullopt;
     if (starts_with_text(column, excluded)) {

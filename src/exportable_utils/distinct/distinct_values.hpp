@@ -1,7 +1,7 @@
 // The distinct values of a column.
 //
-// Columns are passed as ColumnSource. Functions that take one allocate and answer signals: the caller has nothing
-// borrowed. They return nothing, or an empty Ref, if numpy's result cannot be computed here or if the column changes.
+// Functions that take a ColumnSource allocate and answer signals, so the caller must not hold a borrow. They return
+// nullopt, or an empty Ref, if numpy's result cannot be computed natively or if the column changes.
 #pragma once
 
 #include <algorithm>
@@ -17,11 +17,11 @@
 namespace quorin::distinct {
 
 struct DistinctRow {
-    std::size_t row;  // of the first occurrence
+    std::size_t row;  // the row of the first occurrence
     npy_intp count;
 };
 
-// The rows that are skipped. Their mask, which no one else may know, stays with the caller.
+// The rows to skip. The caller keeps the mask alive; no other code may have a reference to it.
 class ExcludedRows {
   public:
     ExcludedRows() noexcept = default;
@@ -43,12 +43,12 @@ struct ValuesAndCounts {
 };
 
 // numpy.unique(column[~mask], return_counts=True). Texts, and numbers in an array of objects, are hashed first, so that
-// only the distinct ones are sorted. Nothing if numpy's sort would fail, or if it could return any of several objects
-// that are equal but not alike: 1, 1.0 and True; 0.0 and -0.0.
+// only the distinct ones are sorted. Returns nullopt if numpy's sort would fail, or if the result depends on which of
+// several equal but different objects the sort puts first: 1, 1.0 and True; 0.0 and -0.0.
 std::optional<ValuesAndCounts> distinct_values(const ColumnSource& column, const ExcludedRows& excluded);
 
-// While one lives, distinct_values() gives up for this array at once: its elements are known not to be sortable here.
-// For callers that pass the array on to get_unique_values() by name.
+// While one exists, distinct_values() gives up at once for this array, which is known not to be sortable natively. For
+// callers that pass the array to get_unique_values() by name.
 class KnownUnsortable {
   public:
     explicit KnownUnsortable(Object array) noexcept : array_(Ref::share(array)), outer_(std::exchange(inner, this)) {}
@@ -70,9 +70,8 @@ class KnownUnsortable {
     static inline thread_local KnownUnsortable* inner = nullptr;
 };
 
-// The number of distinct values that numpy.unique() finds in a column of numbers of any dtype, objects included;
-// `enough` if it finds at least as many. NaN counts once. Nothing for texts, and for objects with a null or another
-// type among them.
+// min(enough, number of distinct values that numpy.unique() finds), for a column of numbers of any dtype, objects
+// included. All NaN count as one value. Returns nullopt for texts, and if an object is null or of another type.
 std::optional<std::size_t> count_distinct_numbers(const ColumnSource& column, std::size_t enough);
 
 // The same for a column of texts.
@@ -82,7 +81,7 @@ std::optional<std::size_t> count_distinct_texts(const ColumnSource& column, std:
 class TakenElements {
   public:
     void add(const ArrayColumn& column, std::size_t row);
-    // A new array of the column's dtype with these elements. Foreign code; nothing may be borrowed any more.
+    // A new array of the column's dtype with these elements. Foreign code: nothing may be borrowed.
     Ref array(const ColumnSource& column);
 
   private:
@@ -95,18 +94,19 @@ class DistinctTexts {
   public:
     // For a column of this many rows.
     explicit DistinctTexts(std::size_t rows) : table_(rows) {}
-    // Adds the rows `first` to `last` - 1 for which skip(row) is false. False if one of these is not a text.
+    // Adds the rows `first` to `last` - 1 for which skip(row) is false. Returns false if one of them is not a text.
     template <class Skip>
     bool add(const ArrayColumn& column, std::size_t first, std::size_t last, Skip skip) {
         if (column.storage == Storage::fixed_text) {
             return core::add_rows(table_, ArrayTextCells(column), first, last, skip);
         }
         if (!core::add_rows(table_, ObjectCells(column), first, last, skip)) return false;
-        // Owned, so that the entries stay valid when the column no longer is borrowed.
+        // Owned, so that the entries stay valid after the borrow.
         take_objects(column, entries(), objects_);
         return true;
     }
-    // Adds all rows of a column for which skip(column, row) is false. False as for add(), or if the column changes.
+    // Adds all rows of a column for which skip(column, row) is false. Returns false as add() does, or if the column
+    // changes.
     template <class Skip>
     bool add_all(const ColumnSource& column, Skip skip) {
         constexpr std::size_t step = rows_between_signals / 4;
@@ -122,15 +122,15 @@ class DistinctTexts {
             return true;
         });
     }
-    // Grows the table in steps, between which signals are answered.
+    // Grows the table in steps, and answers signals between them.
     void make_room(std::size_t more, std::size_t rows_so_far) {
         SignalTimer timer;
         grow(table_, timer, more, rows_so_far);
         if (!objects_.empty()) grow(objects_, timer, more);
     }
-    // The rows that add_all() has added.
+    // The number of rows that add_all() has added.
     [[nodiscard]] std::size_t added() const noexcept { return added_; }
-    // Of fixed-width text the entries view the array's memory; check that it has not changed before reading them.
+    // For fixed-width text the entries view the array's memory: check that it has not changed before you read them.
     [[nodiscard]] const std::vector<core::DistinctText>& entries() const noexcept { return table_.entries(); }
     [[nodiscard]] std::vector<core::DistinctText> take_entries() noexcept { return table_.take_entries(); }
     // The object of each entry, for a column of objects.

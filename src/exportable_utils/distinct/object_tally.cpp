@@ -9,7 +9,7 @@ namespace quorin::distinct {
 
 namespace {
 
-// The least whole number that is too large for a signed 64-bit integer.
+// 2^63, the smallest integer that does not fit in a signed 64-bit integer.
 constexpr double beyond_64_bits = 9223372036854775808.0;
 
 bool can_be_distinguished(const ObjectNumber& left, const ObjectNumber& right) noexcept {
@@ -35,7 +35,7 @@ bool ObjectTally::add(const ArrayColumn& column, const ObjectCells& cells, std::
     cells.prefetch(row + core::prefetch_distance);
     PyObject* value = column.object(row);
     if (value == nullptr) return false;
-    // Neighbours are often the same object.
+    // Short cut: consecutive elements are often the same object.
     if (value == last_) {
         ++entries_[last_number_].count;
         return true;
@@ -73,7 +73,7 @@ void ObjectTally::make_room(std::size_t more, std::size_t rows_so_far) {
 
 void ObjectTally::hold(const ArrayColumn& column) {
     take_objects(column, entries_, held_);
-    // Not an entry's object, so it may be freed while foreign code runs.
+    // It may be an object that no entry owns, which foreign code can free.
     last_ = nullptr;
 }
 
@@ -84,7 +84,7 @@ void ObjectTally::add_object(PyObject* value, std::size_t row, const ObjectNumbe
 
 bool ObjectTally::add_number(PyObject* value, std::size_t row, const ObjectNumber& number) {
     if (number.type == NumberType::large) return false;
-    // numpy rounds the integers that it compares a scalar with.
+    // numpy rounds large integers when it compares them with a scalar.
     scalars_ = scalars_ || number.scalar;
     beyond_exact_ = beyond_exact_ || number.beyond_exact();
     if (scalars_ && beyond_exact_) return false;

@@ -1,5 +1,5 @@
-// How often the distinct elements of an array of objects occur, in the order of first occurrence. Elements are equal as
-// Python defines it: 1, 1.0 and True are equal, no text equals a number, NaN equals only itself.
+// Counts the distinct elements of an array of objects, in the order of first occurrence. Equality is that of a Python
+// dictionary: 1, 1.0 and True are equal, no text equals a number, a NaN equals only the identical object.
 #pragma once
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 
 namespace quorin::distinct {
 
-// Extends `objects` by the objects of the entries that have none there yet.
+// Appends to `objects` the objects of entries[objects.size()] and the following entries.
 template <class Entry>
 void take_objects(const ArrayColumn& column, const std::vector<Entry>& entries, std::vector<Ref>& objects) {
     constexpr std::size_t ahead = 16;
@@ -27,17 +27,18 @@ void take_objects(const ArrayColumn& column, const std::vector<Entry>& entries, 
 class ObjectTally {
   public:
     struct Entry {
-        std::size_t row;  // of the first occurrence
+        std::size_t row;  // the row of the first occurrence
         npy_intp count;
-        ObjectNumber number;  // of the first occurrence; of type `none` if it is not a number
-        std::uint8_t types;   // of all equal elements, a bit for each
-        bool alike;           // whether the equal elements differ in identity only
+        ObjectNumber number;  // the first occurrence; of type `none` if it is not a number
+        std::uint8_t types;   // the types of all equal elements, one bit each; see bit_of()
+        bool alike;           // whether the equal elements differ only in identity
     };
 
     // For a column of this many rows.
     explicit ObjectTally(std::size_t rows) : text_table_(rows) {}
 
-    // Counts one row. False for an element whose equality is not known here. `cells` are those of `column`.
+    // Counts one row. Returns false if the equality of the element is not known natively. `cells` are those of
+    // `column`.
     bool add(const ArrayColumn& column, const ObjectCells& cells, std::size_t row);
     // Calls use(objects, first, last), which adds these rows, for consecutive ranges of the rows of a column, as
     // ColumnSource::in_blocks() does. The tables grow between two ranges.
@@ -51,15 +52,15 @@ class ObjectTally {
             return objects && use(*objects, first, last);
         });
     }
-    // Takes the objects of the entries over. Call it while the column still is borrowed: the entries view their texts.
+    // Takes references to the objects of the entries, which view their texts. Call it before the borrow ends.
     void hold(const ArrayColumn& column);
 
     [[nodiscard]] const std::vector<Entry>& entries() const noexcept { return entries_; }
-    // The object of each entry, as far as hold() took them over.
+    // The objects of the entries, up to the last call of hold().
     [[nodiscard]] std::vector<Ref>& objects() noexcept { return held_; }
     // The texts among the entries, in their order.
     [[nodiscard]] const std::vector<core::DistinctText>& texts() const noexcept { return text_table_.entries(); }
-    // Whether None or NaN is among them.
+    // Whether an entry is None or NaN.
     [[nodiscard]] bool nulls() const noexcept { return nulls_; }
 
     static std::uint8_t bit_of(NumberType type) noexcept {
@@ -77,12 +78,12 @@ class ObjectTally {
 
     std::vector<Entry> entries_;
     std::vector<Ref> held_;
-    std::vector<std::uint32_t> text_entries_;  // their numbers among the entries
+    std::vector<std::uint32_t> text_entries_;  // the index in entries_ of each text in text_table_
     core::TextTable text_table_;
-    core::NumberTable wholes_;   // of any type
-    core::NumberTable others_;   // fractions, and whole numbers that 64 bits do not hold
-    core::NumberTable objects_;  // None and the NaN, by identity
-    PyObject* last_ = nullptr;   // the element of the row before
+    core::NumberTable wholes_;   // whole numbers of any type
+    core::NumberTable others_;   // fractions, and whole numbers beyond 64 bits
+    core::NumberTable objects_;  // None and NaN, by identity
+    PyObject* last_ = nullptr;   // the element of the previous row
     std::uint32_t last_number_ = 0;
     bool nulls_ = false;
     bool scalars_ = false;

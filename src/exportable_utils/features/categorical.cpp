@@ -17,7 +17,7 @@ namespace quorin::features {
 
 namespace {
 
-// A column with fewer distinct values and fewer rows than these is categorical.
+// A column with fewer than few_values distinct values and fewer than few_rows rows is categorical.
 constexpr Py_ssize_t few_values = 5;
 constexpr Py_ssize_t few_rows = 30;
 
@@ -41,7 +41,7 @@ double ratio(Py_ssize_t part, Py_ssize_t whole) {
     return static_cast<double>(part) / static_cast<double>(whole);
 }
 
-// Returns whether the column has few distinct values. Counts no more of them than decide it: max(uni_max, few_values).
+// Whether the column has few distinct values. Stops counting them at max(uni_max, few_values), which decides it.
 Ref native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
     constexpr long most_counted = 100000;
     return native_route([&]() -> Ref {
@@ -60,8 +60,8 @@ Ref native_few_values(Object dfc, Object uni_max, Object uni_ratio) {
     });
 }
 
-// In an array of numbers only numbers are in the list: a null read from such an array is a new object, which equals
-// nothing.
+// For an array of numbers only the numbers of the list matter: a NaN read from such an array is a new object, which is
+// neither identical nor equal to an element of the list.
 Ref native_without(Object y, Object misslist) {
     return native_route([&]() -> Ref {
         if (!PyList_CheckExact(misslist.get())) return {};
@@ -93,7 +93,7 @@ Ref has_few_values(Object y) {
 
 // The list of the columns for which a test of FCplus returns true.
 Ref find_columns(Name test, Object X, Object missing_values_reference_list) {
-    // The test is looked up before its argument is made, as in a Python call.
+    // Looks the test up before it makes the argument, as a Python call does.
     const auto accepted = [&](const auto& make_column) {
         const Ref method = global("FCplus"_py).attr(test);
         return truth(method({make_column()}, {{"missing_values_reference_list"_py, missing_values_reference_list}}));

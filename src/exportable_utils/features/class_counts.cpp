@@ -101,7 +101,7 @@ class NumberClasses {
             }
             const std::uint64_t key = core::key_of(value);
             const auto next = static_cast<std::uint32_t>(classes_.size());
-            // Runs of one value need no search.
+            // Searches once for a run of equal values.
             if (!any || key != last_key) {
                 last_class = table_.find_or_add(key, next);
                 last_key = key;
@@ -139,7 +139,7 @@ std::optional<Classes> number_classes(const ColumnSource& column, const Excluded
     return Classes{std::move(counted.classes()), {}};
 }
 
-// Counting two values needs no search.
+// Counts false and true without a hash table.
 std::optional<Classes> boolean_classes(const ColumnSource& column, const ExcludedRows& excluded) {
     std::array<DistinctRow, 2> found{};
     const bool known = column.in_blocks([&](const ArrayColumn& values, std::size_t first, std::size_t last) {
@@ -159,7 +159,7 @@ std::optional<Classes> boolean_classes(const ColumnSource& column, const Exclude
     return classes;
 }
 
-// array[row]. The two most frequent dtypes without numpy's general function.
+// array[row], with a fast path for the two most frequent dtypes.
 Ref scalar_at(const ArrayColumn& column, std::size_t row) {
     const int type = PyArray_TYPE(column.array);
     if (type == NPY_DOUBLE) {
@@ -176,7 +176,7 @@ Ref scalar_at(const ArrayColumn& column, std::size_t row) {
     return Ref::take(PyArray_Scalar(data, PyArray_DESCR(column.array), reinterpret_cast<PyObject*>(column.array)));
 }
 
-// A str for an element of fixed-width text.
+// array[row], but a str for an element of fixed-width text; see make_text_scalars().
 Ref number_or_text_at(const ArrayColumn& column, std::size_t row) {
     if (column.storage != Storage::fixed_text) return scalar_at(column, row);
     core::TextView text{};
@@ -195,7 +195,7 @@ bool copy_elements(const ColumnSource& column, const std::vector<DistinctRow>& r
     return true;
 }
 
-// Makes an array's scalars of str objects.
+// Converts str objects to numpy.str_, the scalars of a text array.
 void make_text_scalars(std::vector<Ref>& texts) {
     SignalTimer timer;
     for (std::size_t i = 0; i < texts.size(); ++i) {

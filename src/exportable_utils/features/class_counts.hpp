@@ -1,4 +1,4 @@
-// The classes of a column: its distinct elements as a dictionary counts them.
+// The classes of a column: its distinct elements and their counts, as in a collections.Counter.
 #pragma once
 
 #include <optional>
@@ -15,12 +15,12 @@ struct Classes {
 };
 
 // The classes in the order of first occurrence, without the elements that are in the list `excluded`. A null is in the
-// list only if it is the same object, so no null of an array of numbers is; each NaN of such an array is a class of its
-// own. Nothing if an element is of no known type. Foreign code may run.
+// list only if it is the identical object, which is never true for an array of numbers; each NaN of such an array is a
+// class of its own. Returns nullopt if the type of an element is not known. Foreign code may run.
 std::optional<Classes> classes_of(const ColumnSource& column, const references::References& excluded);
 
-// The elements of the classes, as indexing the array returns them. Takes over `classes.objects`. Nothing if the column
-// has changed. Foreign code may run.
+// The elements of the classes, as indexing the array returns them. Takes over `classes.objects`. Returns nullopt if the
+// column has changed. Foreign code may run.
 std::optional<std::vector<Ref>> elements_of(const ColumnSource& column, Classes& classes);
 
 }  // namespace quorin::features

@@ -1,4 +1,4 @@
-// Calls of the classifier and of its companions, which the methods share.
+// Calls of numpy_whatis and related routines that the methods of FCplus share.
 #pragma once
 
 #include "python/ref.hpp"
@@ -14,6 +14,7 @@ struct Classified {
 };
 
 // numpy_whatis. Classifier()(column, markers) looks it up before it evaluates the arguments, as a Python call does.
+// Each object looks the name up once.
 class Classifier {
   public:
     explicit Classifier(Where where = Where::current());

@@ -1,4 +1,4 @@
-// Checks of a whole data set. Each of them classifies every column.
+// Checks of a whole data set. Each classifies the columns one by one.
 #include <algorithm>
 #include <functional>
 #include <optional>
@@ -19,10 +19,10 @@ namespace quorin::features {
 
 namespace {
 
-// What a column is checked for.
+// The properties that a column is checked for.
 struct Check {
     bool missing;  // missing values
-    bool text;     // text, numbers as text included
+    bool text;     // text, including number text
 };
 
 enum class Wanted { first, all };
@@ -34,7 +34,7 @@ bool holds(Check check, const Classified& column) {
            equal(column.dtype_str, "float_str"_py);
 }
 
-// How the columns of a table lie in memory.
+// The memory layout of the columns of a table.
 struct ColumnLayout {
     std::size_t columns;
     std::ptrdiff_t stride;
@@ -47,8 +47,8 @@ ColumnLayout layout_of(Object X) noexcept {
     return {static_cast<std::size_t>(PyArray_DIM(array, 1)), PyArray_STRIDE(array, 1)};
 }
 
-// Calls use(table) for consecutive ranges of the rows of a table of floats, and answers signals between them. Ends when
-// `use` returns false. Returns false if the table changes meanwhile.
+// Calls use(table) for consecutive ranges of the rows of a table of floats, and answers signals between them. Stops
+// when `use` returns false. Returns false if a signal handler changes the table.
 template <class Use>
 bool in_row_ranges(Object X, const ColumnSource& first_column, Use use) {
     constexpr std::size_t numbers_between_signals = std::size_t{1} << 20U;
@@ -69,8 +69,8 @@ bool any_set(const std::vector<bool>& flags) {
     return std::find(flags.begin(), flags.end(), true) != flags.end();
 }
 
-// For each column of a table of floats whether it holds a null. With Wanted::first the search ends with the first null.
-// Nothing if the table changes meanwhile.
+// For each column of a table of floats, whether it holds a null. With Wanted::first the search ends with the first
+// null. Returns nullopt if a signal handler changes the table.
 template <class Float>
 std::optional<std::vector<bool>> find_null_columns(Object X, const ColumnSource& first_column, Wanted wanted) {
     std::vector<bool> found(layout_of(X).columns);
@@ -83,8 +83,8 @@ std::optional<std::vector<bool>> find_null_columns(Object X, const ColumnSource&
     return found;
 }
 
-// Whether one of the first `columns` columns holds a signalling NaN, of which numpy warns. Also true if the table
-// changes meanwhile.
+// Whether one of the first `columns` columns holds a signalling NaN, about which numpy warns. Also returns true if a
+// signal handler changes the table.
 template <class Float>
 bool may_signal(Object X, const ColumnSource& first_column, std::size_t columns) {
     bool signalling = false;
@@ -96,8 +96,8 @@ bool may_signal(Object X, const ColumnSource& first_column, std::size_t columns)
     return signalling || !done;
 }
 
-// Nothing if numpy would warn of a signalling NaN in a column that the classifier reads: with Wanted::first it reads
-// the columns up to the first with a null.
+// For each column, whether it holds a null; all false unless `nulls`. Returns nullopt if numpy would warn about a
+// signalling NaN in a column that the classifier reads: with Wanted::first these are the columns up to the first null.
 template <class Float>
 std::optional<std::vector<bool>> float_columns(Object X, const ColumnSource& first_column, Wanted wanted, bool nulls) {
     std::vector<bool> found(layout_of(X).columns);
@@ -114,12 +114,12 @@ std::optional<std::vector<bool>> float_columns(Object X, const ColumnSource& fir
     return found;
 }
 
-// The columns of a table of numbers for which the check holds. Numbers are not text; if no reference is a number, only
-// nulls are missing. Nothing for any other table.
+// For each column of a table of numbers, whether the check holds. Requires that no reference is a number, so that only
+// nulls are missing. Returns nullopt to give up.
 std::optional<std::vector<bool>> native_columns(Check check, Wanted wanted, Object X, Object references_list) {
     const std::optional<references::References> references = references::read_references(references_list);
     if (!references || !references->numbers.empty()) return std::nullopt;
-    // The first column has the dtype and the rows of all others.
+    // All columns have the dtype and the number of rows of the first.
     const std::optional<ColumnSource> column = ColumnSource::of_table(X, 0);
     if (!column || column->storage() == Storage::objects || column->storage() == Storage::fixed_text) {
         return std::nullopt;
@@ -130,7 +130,7 @@ std::optional<std::vector<bool>> native_columns(Check check, Wanted wanted, Obje
     return std::vector<bool>(layout_of(X).columns);
 }
 
-// Calls on_column(j) for each column for which the check holds, until it returns false.
+// Calls on_column(j) for each column for which the check holds, until on_column returns false.
 template <class OnColumn>
 void classify_columns(Check check, Object X, Object references_list, OnColumn on_column) {
     const Py_ssize_t columns = count(column_count(X));
@@ -139,7 +139,7 @@ void classify_columns(Check check, Object X, Object references_list, OnColumn on
     }
 }
 
-// Whether the check holds for no column. The first column for which it holds ends the search.
+// Whether the check holds for no column. The search ends at the first column for which it holds.
 template <Check check>
 constexpr auto no_column = [](Object X, Object missing_values_reference_list) -> Ref {
     const Ref references_list = markers_in_force(missing_values_reference_list);

@@ -1,4 +1,4 @@
-// Tests that FCplus passes on to FC.
+// Methods of FCplus that call the method of FC.
 #include "exportable_utils/features/features.hpp"
 #include "python/module_names.hpp"
 #include "python/operations.hpp"

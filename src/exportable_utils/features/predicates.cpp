@@ -14,7 +14,7 @@ namespace {
 
 enum class Result { as_returned, by_bool_method };
 
-// A test of FC for columns of numbers: false, without calling it, if the first cell is a text.
+// Calls a test of FC for columns of numbers. Returns False, without calling it, if the first cell is a text.
 template <Literal Test, Result result>
 constexpr auto test_of_numbers = [](Object dfc) -> Ref {
     if (first_cell_is_text(dfc)) return Ref::truth(false);
@@ -23,7 +23,7 @@ constexpr auto test_of_numbers = [](Object dfc) -> Ref {
     return answer;
 };
 
-// Returns whether a column has more than two distinct values; all missing ones count as one.
+// Whether a column has more than two distinct values; all NaN count as one value.
 Ref native_several_values(Object dfc) {
     constexpr std::size_t several = 3;
     return native_route([&]() -> Ref {
@@ -93,7 +93,7 @@ False
             const Ref common = global("pd"_py).attr("core"_py).attr("dtypes"_py).attr("common"_py);
             return common.attr(test)({series});
         };
-        // No short cut: the second test is always called.
+        // Not `or`: the second test is called even if the first is true.
         const Ref is_datetime = dtype_test("is_datetime64_ns_dtype"_py);
         return either(is_datetime, dtype_test("is_timedelta64_ns_dtype"_py));
     },

@@ -1,4 +1,4 @@
-// Whether a column holds a person's sex.
+// is_column_sex, the test for a column of persons' sexes.
 #include <array>
 #include <cstdint>
 #include <optional>
@@ -20,7 +20,7 @@ core::TextView view(std::string_view text) noexcept {
     return {text.data(), text.size(), 1};
 }
 
-// pandas compares texts up to their first zero, so a text that holds one takes the interpreter route.
+// pandas compares texts only up to the first NUL, so the route gives up at a text with a NUL.
 bool holds_zero(core::TextView text) noexcept {
     for (std::size_t i = 0; i < text.size; ++i) {
         if (core::unit(text, i) == 0) return true;
@@ -30,7 +30,7 @@ bool holds_zero(core::TextView text) noexcept {
 
 struct SexWord {
     std::string_view text;
-    std::uint64_t characters;  // the first one lowest
+    std::uint64_t characters;  // one byte each, the first in the lowest byte
 };
 
 consteval SexWord sex_word(std::string_view text) {
@@ -52,7 +52,7 @@ class SexWords {
     SexWords() noexcept {
         for (const SexWord& word : {male, female, m, f}) static_cast<void>(words_.add(view(word.text)));
     }
-    // The bit of the word that the text equals, or 0. Without branches on the word: they could not be predicted.
+    // The bit of the word that equals the text, or 0. Has no branch on the word, which could not be predicted.
     [[nodiscard]] core::ReferenceBits find(core::TextView text) const noexcept {
         if (!text.is_padded() || text.size - 1 >= sizeof(std::uint64_t)) return words_.find(text);
         const std::uint64_t characters = core::short_text(text);
@@ -94,7 +94,7 @@ class SexColumn {
     bool others_ = false;
 };
 
-// Returns whether the column holds one of the two pairs of words, in any order.
+// Whether the column holds exactly one of the two pairs of words, in any order.
 Ref native_sex(Object series) {
     return native_route([&]() -> Ref {
         if (!Object(Py_TYPE(series.get())).is(global("pd"_py).attr("Series"_py))) return {};

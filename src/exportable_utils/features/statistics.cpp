@@ -1,4 +1,4 @@
-// Whether a column looks like a person's height, weight or age.
+// Tests for columns of persons' heights, weights and ages.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -27,7 +27,7 @@ struct Bounds {
     Object num_stds;
 };
 
-// NaN fails none of the three tests: every ordered comparison with it is false.
+// NaN never fails: every ordered comparison with it is false.
 bool fails(Object elt, const Bounds& bounds) {
     const Ref deviation = absolute(subtract(elt, bounds.mean_value));
     const Ref allowed = multiply(bounds.num_stds, bounds.std_value);
@@ -42,7 +42,7 @@ bool vector_passes(Object X, Object k, const Bounds& bounds) {
     return true;
 }
 
-// A failing value ends its row only. The rows after it are tested as well.
+// A failing value ends its row only; the following rows are tested as well.
 bool matrix_passes(Object X, Object k, const Bounds& bounds) {
     bool flag = true;
     const Py_ssize_t rows = count(row_count(X));
@@ -60,8 +60,8 @@ bool matrix_passes(Object X, Object k, const Bounds& bounds) {
 
 constexpr double modest_limit = 1e15;
 
-// An exact float or int whose arithmetic as a 64-bit float has the interpreter's result: no integer is so large that
-// only an int is exact.
+// The value of an exact float or int with |value| <= 1e15; nullopt otherwise. float64 arithmetic with it has the
+// interpreter's result, because every integer of that size is exact as a float64.
 std::optional<double> modest_number(Object value) noexcept {
     double number = 0.0;
     if (PyFloat_CheckExact(value.get())) {
@@ -77,17 +77,17 @@ std::optional<double> modest_number(Object value) noexcept {
     return number;
 }
 
-// The arithmetic of a column, and the magnitudes for which that of the kernels has the interpreter's results without a
-// warning of numpy.
+// The arithmetic of a column, and the magnitudes for which the kernels compute the interpreter's results and numpy does
+// not warn.
 struct Arithmetic {
     enum class As { float64, float32, whole, boolean } as;
-    double most;          // of the elements
-    double most_factor;   // of the factors
+    double most;          // |element| <= most
+    double most_factor;   // |factor| <= most_factor
     double least_normal;  // a smaller product can underflow
 };
 
 std::optional<Arithmetic> arithmetic_of(const core::Column& values) noexcept {
-    // Products of integers stay below the first that a float does not hold.
+    // Products of integers are exact as a float64: 1e9 * 1e6 < 2^53.
     constexpr double most_whole = 1e9;
     constexpr double most_whole_factor = 1e6;
     constexpr double least_float64 = std::numeric_limits<double>::min();
@@ -100,7 +100,7 @@ std::optional<Arithmetic> arithmetic_of(const core::Column& values) noexcept {
         case Storage::boolean:
             return Arithmetic{Arithmetic::As::boolean, 1.0, most_whole_factor, least_float64};
         case Storage::integer:
-            // Narrow and unsigned integers overflow by other rules.
+            // The overflow rules of numpy differ for narrow and unsigned integers.
             if (values.width != sizeof(std::int64_t) || !values.is_signed) break;
             return Arithmetic{Arithmetic::As::whole, most_whole, most_whole_factor, least_float64};
         case Storage::objects:
@@ -110,7 +110,7 @@ std::optional<Arithmetic> arithmetic_of(const core::Column& values) noexcept {
     return std::nullopt;
 }
 
-// Nothing unless all factors are plain numbers within the limits of the arithmetic.
+// Returns nullopt unless all factors are exact numbers within the limits of the arithmetic.
 std::optional<std::vector<double>> read_factors(Object unit_factors_list, const Arithmetic& arithmetic) {
     std::vector<double> factors;
     for (Py_ssize_t i = 0; i < PyList_GET_SIZE(unit_factors_list.get()); ++i) {
@@ -121,7 +121,7 @@ std::optional<std::vector<double>> read_factors(Object unit_factors_list, const 
     return factors;
 }
 
-// Nothing unless all bounds are plain numbers.
+// Returns nullopt unless all bounds are exact numbers with a magnitude of at most 1e15.
 std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
     const auto mean = modest_number(bounds.mean_value);
     const auto deviation = modest_number(bounds.std_value);
@@ -138,12 +138,12 @@ std::optional<core::Limits> read_limits(const Bounds& bounds) noexcept {
 // underflows: if it is smaller than the least normal number, it is exact.
 core::Ordinary ordinary_numbers(double factor, const Arithmetic& arithmetic) noexcept {
     const double least = factor == 0 ? 0.0 : 2 * arithmetic.least_normal / std::fabs(factor);
-    // Within the range of float32, and above every number that the kernels compute with.
+    // 2 * modest_limit is in the range of float32 and above every number that the kernels accept.
     return {std::min(least, 2 * modest_limit), arithmetic.most};
 }
 
-// Since numpy 2 the product and the difference of a float32 and a Python number are float32, before it they may be
-// float64. The numpy in use is tried, before the column is opened: an operator is foreign code.
+// Whether the product and the difference of a float32 and a Python number are float32. This holds from numpy 2 on;
+// before, they may be float64. Evaluates operators, which is foreign code: call it before the column is borrowed.
 bool products_stay_float32() {
     float number = 1;
     const Ref dtype = Ref::take(reinterpret_cast<PyObject*>(PyArray_DescrFromType(NPY_FLOAT)));
@@ -153,8 +153,8 @@ bool products_stay_float32() {
            is_float32(subtract(one, 1.0));
 }
 
-// Whether all elements fit with some factor. Gives up if an element that the interpreter route may reach overflows,
-// underflows or is a signalling NaN: numpy may warn or raise then.
+// Whether there is a factor with which all elements fit. Gives up if an element that the interpreter route may reach
+// overflows, underflows or is a signalling NaN, because numpy may then warn or raise.
 template <class Number>
 Ref passes(const ColumnSource& column, const Arithmetic& arithmetic, const std::vector<double>& factors,
            const core::Limits& limits) {
@@ -166,7 +166,7 @@ Ref passes(const ColumnSource& column, const Arithmetic& arithmetic, const std::
             return fit == core::Fit::all;
         });
         if (done) return Ref::truth(true);
-        if (fit != core::Fit::not_all) return {};  // or the column has changed meanwhile
+        if (fit != core::Fit::not_all) return {};  // an element needs the interpreter route, or the column has changed
     }
     return Ref::truth(false);
 }
@@ -285,7 +285,7 @@ True
     .lookups = {"FCplus.check_statistics"},
     .body = [](Object dfc) -> Ref {
         if (first_cell_is_text(dfc)) return Ref::truth(false);
-        // mean = (69.1 + 63.7) / 2, deviation = (2.9 ** 2 + 2.7 ** 2) / 4
+        // mean_value = (69.1 + 63.7) / 2, std_value = (2.9 ** 2 + 2.7 ** 2) / 4
         return check({dfc, 66.4, 3.9250000000000003, 21.49, 107.08, 3, list({1, 2.54})});
     },
 };

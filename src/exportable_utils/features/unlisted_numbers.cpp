@@ -10,13 +10,13 @@ namespace quorin::features {
 
 namespace {
 
-// Collects the elements that are not in the list. Its functions return false, to give up, unless all of these are
-// integers of 64 bits or all are floats.
+// A visitor for visit_unlisted() that collects the elements that are not in the list. Its functions return false, to
+// give up, unless all of them are ints of at most 64 bits or all are floats.
 class Kept {
   public:
     explicit Kept(std::size_t rows) { bits_.reserve(rows); }
     [[nodiscard]] NumberType type() const noexcept { return type_; }
-    // Of an integer or of a float.
+    // The bits of the int64 or float64 values.
     [[nodiscard]] const std::vector<std::uint64_t>& bits() const noexcept { return bits_; }
 
     static bool on_listed(std::size_t /*row*/) noexcept { return true; }

@@ -16,7 +16,7 @@ struct FoundReferences {
     Ref values = list({});
 };
 
-// One pass over the column for each value of the list.
+// The interpreter route: one pass over the column for each value of the list.
 FoundReferences find_references(Object X, Object missing_values_list, Object stop_at_one_missing_value_flag,
                                 Object debug) {
     FoundReferences found;
@@ -46,12 +46,12 @@ FoundReferences find_references(Object X, Object missing_values_list, Object sto
     return found;
 }
 
-// If no reference occurs, the list of masks holds the elements of the all-false mask.
+// The result if no reference occurs: in place of the masks stands the list of the elements of the all-false mask.
 Ref nothing_found(const Ref& mask) {
     return tuple({mask, list_of(mask), list({})});
 }
 
-// list(mask) of an all-false mask.
+// list(mask) for an all-false mask of that many rows.
 Ref all_false(std::size_t rows) {
     const Ref value = list({PyArrayScalar_False});
     const auto repeated = [&](std::size_t first, std::size_t last) {
@@ -67,7 +67,7 @@ Ref all_false(std::size_t rows) {
     return values;
 }
 
-// The union of the masks. If there is only one, that mask itself.
+// The union of the masks; the mask itself if there is only one.
 Ref cumulated(Object masks) {
     Ref cum_missing_mask_arr;
     const Ref iterator = iterate(masks);
@@ -78,7 +78,7 @@ Ref cumulated(Object masks) {
     return cum_missing_mask_arr;
 }
 
-// One pass over the column for all references.
+// The native route: one pass over the column for all references.
 Ref native_indicator(Object X, Object list_of_values, bool first_only) {
     const std::optional<ColumnSource> column = ColumnSource::single(X);
     if (!column || !PyList_CheckExact(list_of_values.get())) return {};

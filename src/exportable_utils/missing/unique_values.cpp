@@ -12,19 +12,19 @@ namespace quorin::missing {
 
 namespace {
 
-// numpy's error when it sorts texts beside values of another type.
+// Whether message is numpy's error for sorting texts together with values of another type.
 bool is_mixed_text_failure(Object message) {
     return contains(message, "not supported between instances of"_py) && contains(message, "'str'"_py);
 }
 
-// Without counts, newer releases of numpy find the distinct floats in another way, which may return another one of
-// several equal floats.
+// Whether the native route returns the same values as numpy.unique(). Without counts, newer versions of numpy use
+// another algorithm for floats, which may return another one of several equal floats such as 0.0 and -0.0.
 bool is_known_to_numpy_unique(const ColumnSource& column, bool return_counts) noexcept {
     return return_counts || !(column.storage() == Storage::float64 || column.storage() == Storage::float32);
 }
 
-// The distinct values that are not in the list, with their counts if wanted. Sets `unsortable` if the values cannot be
-// sorted natively.
+// The distinct values that are not in the list, with their counts if return_counts. Sets `unsortable` if the values
+// cannot be sorted natively.
 Ref native_unique(Object y, Object exclusion_list, bool return_counts, bool& unsortable) {
     const std::optional<ColumnSource> column = ColumnSource::flat(y);
     if (!column || !is_known_to_numpy_unique(*column, return_counts)) return {};
@@ -93,7 +93,7 @@ array(['a', 'b'], dtype=object)
                Object fast_str_conversion_flag) -> Ref {
         const bool plain_question =
             return_index.is(Py_False) && return_inverse.is(Py_False) && PyBool_Check(return_counts.get());
-        // Values that cannot be sorted natively are not sorted again before they are converted to text.
+        // Skips a second native sort if the first one failed, until the values are converted to text.
         bool unsortable = false;
         const auto unique_natively = [&](Object values, Object excluded) -> Ref {
             if (!plain_question || unsortable) return {};
@@ -124,7 +124,7 @@ array(['a', 'b'], dtype=object)
             }
             global("QSR_raise_exception"_py)({}, {{"exception_obj"_py, e}, {"exception_trace_flag"_py, true}});
         }
-        // Only reached if QSR_raise_exception was replaced by a function that returns.
+        // Reached only if an application replaced QSR_raise_exception by a function that returns.
         fail_unbound("result"_py);
     },
 };

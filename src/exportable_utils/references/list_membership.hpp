@@ -1,5 +1,5 @@
 // `element in list`, for the cells of a column and a list of reference values. Unlike in numpy_isin(), nulls are
-// compared by identity: None is in a list with None, and NaN is in a list with the same object.
+// compared by identity: a NaN is in a list only if the identical object is.
 #pragma once
 
 #include <optional>
@@ -16,17 +16,17 @@ inline bool is_listed(double value, const References& references) noexcept {
     return !references.numbers.empty() && references.bits_of_number(value) != 0;
 }
 
-// For None and NaN.
+// The same for None and NaN.
 bool is_same_null_listed(PyObject* null, const References& references) noexcept;
 
-// For an exact int or bool. Nothing if the numbers are too large to compare.
+// The same for an exact int or bool. Returns nullopt if the numbers are too large to compare.
 std::optional<bool> is_integer_listed(PyObject* integer, const References& references) noexcept;
 
-// Visits the rows of a column of objects, or of a part of one (rows_of()): calls on_listed(row) for each element that
-// is in the list, and for each other element one of
+// Visits the rows of a column of objects: calls on_listed(row) for each element that is in the list, and for each other
+// element one of
 //     on_text(row, TextView), on_float(row, double), on_integer(row, PyObject*).
-// These return false to give up. An element of another type, or a None that is not listed, gives up too. The column is
-// borrowed: the visitor runs no foreign code.
+// Returns false, to give up, if one of these does, and at an element of another type or a None that is not listed. The
+// column is borrowed: the visitor must not run foreign code.
 template <class Visitor>
 bool visit_unlisted(const ArrayColumn& column, const References& references, Visitor& visitor) {
     const ObjectCells cells(column);
@@ -64,7 +64,7 @@ bool visit_unlisted(const ArrayColumn& column, const References& references, Vis
     return true;
 }
 
-// The same for a column of fixed-width text, whose elements equal no reference but texts.
+// The same for a column of fixed-width text, whose elements can only equal references that are texts.
 template <class Visitor>
 bool visit_unlisted_texts(const ArrayColumn& column, const References& references, Visitor& visitor) {
     const ArrayTextCells cells(column);

@@ -14,19 +14,20 @@ namespace quorin::references {
 
 namespace {
 
-// Bytes of a mask. A mask is an array that only this call knows: its bytes do not move while foreign code runs.
+// The bytes of a mask. No other code has a reference to a mask that is made here: foreign code cannot change or move
+// its bytes.
 std::uint8_t* bytes_of(Object mask) noexcept {
     return reinterpret_cast<std::uint8_t*>(PyArray_BYTES(as_array(mask)));
 }
 
-// Which references each row equals, as a number in a byte: 0 if none. Equality divides the references into classes, so
-// that the references of two rows are the same or have nothing in common:
+// The references that each row equals, as a code of one byte; 0 if none. Equality divides the references into classes,
+// so the references of two rows are either the same or disjoint:
 //     bits(row) == classes[codes[row] - 1], for all rows with codes[row] != 0.
 class RowCodes {
   public:
     RowCodes() noexcept {}  // NOLINT(*-member-init, *-use-equals-default): see `classes_`
     void write_to(std::uint8_t* codes) noexcept { codes_ = codes; }
-    // Rows from `first` on. A local one is kept in registers.
+    // The rows from `first` on. Use a local object, which the compiler keeps in registers.
     class Block {
       public:
         Block(RowCodes& all, std::size_t first) noexcept : classes_(all.classes_.data()), codes_(all.codes_ + first) {}
@@ -49,7 +50,7 @@ class RowCodes {
         bits_ |= block.bits_;
         marked_ += block.marked_;
     }
-    // Codes written by other means: `nulls` rows more are 1, and `bits` is the one class.
+    // For codes that were written directly: `nulls` more rows have the code 1, and `bits` is the only class.
     void add_only_class(ReferenceBits bits, std::size_t nulls) noexcept {
         if (nulls == 0) return;
         classes_[0] = bits;
@@ -60,7 +61,7 @@ class RowCodes {
     [[nodiscard]] std::uint8_t* codes() const noexcept { return codes_; }
     [[nodiscard]] ReferenceBits bits() const noexcept { return bits_; }
     [[nodiscard]] std::size_t marked() const noexcept { return marked_; }
-    // Whether all codes are 0 or 1, which are the bytes of a mask.
+    // Whether all codes are 0 or 1, so that they are a mask.
     [[nodiscard]] bool are_mask() const noexcept {
         return marked_ == 0 || only_class_ || ((bits_ & 1U) != 0 && classes_[0] == bits_);
     }
@@ -77,19 +78,20 @@ class RowCodes {
 
   private:
     std::uint8_t* codes_ = nullptr;
-    std::array<ReferenceBits, core::most_references> classes_;  // not initialised: the codes in use have one
+    std::array<ReferenceBits, core::most_references> classes_;  // initialised only for the codes in use
     ReferenceBits bits_ = 0;
     std::size_t marked_ = 0;
     bool only_class_ = false;
 };
 
-// What an element may equal: `null_bits` are 0 if nulls do not match.
+// The references to compare with. `null_bits` is 0 if nulls do not match.
 struct Wanted {
     const References& references;
     ReferenceBits null_bits;
 };
 
-// Of an element that is not a str, not null and not an exact number: a numpy scalar that equals and hashes as these do.
+// The references that equal an element that is neither a str nor null, such as a numpy scalar. Returns nullopt if that
+// is not known.
 std::optional<ReferenceBits> bits_of_other(PyObject* value, const Wanted& wanted) noexcept {
     const References& references = wanted.references;
     if (value == nullptr) return std::nullopt;
@@ -102,18 +104,18 @@ std::optional<ReferenceBits> bits_of_other(PyObject* value, const Wanted& wanted
     }
     if (std::isnan(number.real)) return wanted.null_bits;
     if (references.numbers.empty()) return 0;
-    // numpy rounds the integers that it compares a scalar with.
+    // numpy rounds large integers when it compares them with a scalar.
     if (number.scalar && number.beyond_exact()) return std::nullopt;
     return references.bits_of_object(number);
 }
 
-// numpy warns of a signalling NaN, whatever it is compared with.
+// A signalling NaN does not count: numpy warns at any comparison with it.
 bool is_exact_number(PyObject* value) noexcept {
     if (PyFloat_CheckExact(value)) return !core::is_signalling_nan(PyFloat_AS_DOUBLE(value));
     return PyLong_CheckExact(value);
 }
 
-// Each of these calls on_match(row, bits) for the rows that equal a reference, and returns false to give up.
+// Each match function calls on_match(row, bits) for the rows that equal a reference, and returns false to give up.
 
 template <class OnMatch>
 bool match_objects(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
@@ -179,7 +181,7 @@ bool match_floats(const ArrayColumn& column, const Wanted& wanted, OnMatch on_ma
     return true;
 }
 
-// Only whole references equal an integer. They are compared as integers, so that no element is rounded.
+// Only whole references can equal an integer. They are compared as integers, so that no element is rounded.
 template <class Integer, class OnMatch>
 bool match_integers(const ArrayColumn& column, const Wanted& wanted, OnMatch on_match) {
     struct Whole {
@@ -194,7 +196,7 @@ bool match_integers(const ArrayColumn& column, const Wanted& wanted, OnMatch on_
     }
     if (whole_references.empty()) return true;
     for (std::size_t row = 0; row < column.rows; ++row) {
-        const auto value = +core::load<Integer>(column, row);  // a boolean is compared as 0 or 1
+        const auto value = +core::load<Integer>(column, row);  // promotes a boolean to int
         ReferenceBits bits = 0;
         for (const Whole& whole : whole_references) {
             if (std::cmp_equal(value, whole.value)) bits |= whole.bit;
@@ -222,7 +224,8 @@ bool is_float(Storage storage) noexcept {
     return storage == Storage::float64 || storage == Storage::float32;
 }
 
-// Marks NaN and counts it; nothing if one of them is signalling. Both tests read a block while it is in the cache.
+// Marks and counts the NaN; returns nullopt if one is signalling. Works in blocks, so that the second test reads from
+// the cache.
 template <class Float>
 std::optional<std::size_t> mark_nulls(const ArrayColumn& column, std::uint8_t* mask) noexcept {
     constexpr std::size_t block_size = 2048;
@@ -236,7 +239,7 @@ std::optional<std::size_t> mark_nulls(const ArrayColumn& column, std::uint8_t* m
     return marked;
 }
 
-// The rows of a column of floats that are NaN.
+// Writes the codes of a column of floats in which only nulls match.
 bool find_null_codes(const ColumnSource& column, ReferenceBits null_bits, RowCodes& codes) {
     return column.in_blocks([&](const ArrayColumn& rows, std::size_t first, std::size_t last) {
         const ArrayColumn block = rows_of(rows, first, last);
@@ -258,7 +261,7 @@ bool find_row_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& 
     });
 }
 
-// An array of codes, or an empty Ref to give up.
+// Returns the array of codes, or an empty Ref to give up.
 Ref find_codes(const ColumnSource& column, const Wanted& wanted, RowCodes& codes) {
     const bool nulls_only = is_float(column.storage()) && wanted.references.numbers.empty() && wanted.null_bits != 0;
     Ref array = nulls_only ? new_array(column.rows(), NPY_BOOL) : new_zeros(column.rows(), NPY_BOOL);
@@ -286,7 +289,7 @@ Ref code_mask(const RowCodes& codes, std::size_t rows, std::uint8_t code) {
     return mask;
 }
 
-// Turns codes into the mask of one code. Returns the number of its rows.
+// Converts the codes in place into the mask of the rows of one code. Returns the number of these rows.
 std::size_t keep_code(const RowCodes& codes, std::size_t rows, std::uint8_t code) {
     std::size_t marked = 0;
     in_blocks(rows, [&](std::size_t first, std::size_t last) {

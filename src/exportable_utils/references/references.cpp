@@ -8,7 +8,7 @@ namespace quorin::references {
 
 namespace {
 
-// An exact number as a 64-bit float, if that holds it exactly.
+// The value of a number as a float64; nullopt if it is of a numpy type or not exact as a float64.
 std::optional<double> exact_float(PyObject* value) noexcept {
     const ObjectNumber number = object_number_of(value);
     if (number.type == NumberType::none || number.scalar || number.beyond_exact()) return std::nullopt;
@@ -48,8 +48,8 @@ bool add_all(References& references, Object list, Texts texts) {
     return true;
 }
 
-// References is large: both functions build the one object that they return in the caller's place, and do not begin
-// with an empty one, all of which the compiler would fill with zeros.
+// References is large. Both functions construct the result directly in the return value; from an empty optional the
+// compiler would fill all of it with zeros.
 std::optional<References> read_list(Object list, Texts texts) {
     std::optional<References> references(std::in_place);
     if (!add_all(*references, list, texts)) references.reset();

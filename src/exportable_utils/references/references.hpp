@@ -1,4 +1,4 @@
-// Reference values: the values of a list that the cells of a column are compared with, such as missing-value markers.
+// Reference values: a list of values that the cells of a column are compared with, such as markers of missing values.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@ namespace quorin::references {
 
 using core::ReferenceBits;
 
-// The objects of a list, owned, in its order. Room that is not used is not initialised.
+// Owns the objects of a list, in the order of the list. Unused elements are not initialised.
 class OwnedObjects {
   public:
     OwnedObjects() noexcept {}  // NOLINT(*-use-equals-default): the union has no active member yet
@@ -55,22 +55,22 @@ class OwnedObjects {
 };
 
 // Reference i of the list has the bit 1 << i. The objects are owned, so that the texts stay valid while foreign code
-// runs. Only exact str, float, int, bool, None and elements of fixed-width text arrays are held: their end runs no
-// foreign code, so that References may also end while a column is borrowed.
+// runs. All are exact str, float, int, bool, None or numpy.str_: releasing them runs no foreign code, so References may
+// be destroyed while a column is borrowed.
 struct References {
     struct Number {
-        double value;  // exact, also of an integer
+        double value;  // exact, also for an integer
         ReferenceBits bit;
     };
-    References() noexcept {}  // NOLINT(*-use-equals-default): a default one would initialise all room
+    References() noexcept {}  // NOLINT(*-use-equals-default): a defaulted one would initialise unused elements
     OwnedObjects objects;
     core::ReferenceTexts texts;
-    core::InplaceVector<ReferenceBits, core::most_references> text_bits;  // of each text in `texts`
+    core::InplaceVector<ReferenceBits, core::most_references> text_bits;  // the bit in the list of each text in `texts`
     ReferenceBits null_bits = 0;
     core::InplaceVector<Number, core::most_references> numbers;
 
     [[nodiscard]] bool none() const noexcept { return objects.empty(); }
-    // Turns bits of `texts` into bits of the list.
+    // Converts bits of `texts` to bits of the list.
     [[nodiscard]] ReferenceBits bits_of_texts(ReferenceBits found) const noexcept {
         ReferenceBits bits = 0;
         for (; found != 0; found &= found - 1) bits |= text_bits[static_cast<std::size_t>(std::countr_zero(found))];
@@ -83,7 +83,8 @@ struct References {
         }
         return bits;
     }
-    // Of a number that is not NaN. Nothing for an integer that a 64-bit float may not hold, if a reference is as large.
+    // The references that equal a number that is not NaN. Returns nullopt if the number is an integer that may not be
+    // exact as a float64 and beyond_exact().
     [[nodiscard]] std::optional<ReferenceBits> bits_of_object(const ObjectNumber& number) const noexcept {
         if (number.type == NumberType::none) return 0;
         if (number.type == NumberType::real) return bits_of_number(number.real);
@@ -91,7 +92,7 @@ struct References {
         if (beyond_exact()) return std::nullopt;
         return 0;
     }
-    // Whether a reference is so large that an integer that is not exact as a 64-bit float may equal it.
+    // Whether a reference is so large that it may equal an integer that is not exact as a float64.
     [[nodiscard]] bool beyond_exact() const noexcept {
         for (const Number& number : numbers) {
             if (std::fabs(number.value) >= exact_limit) return true;
@@ -100,11 +101,11 @@ struct References {
     }
 };
 
-// Reads None or an exact list of at most `most_references` texts, nulls and exact numbers; nothing for any other list.
-// Runs no foreign code.
+// Reads None or an exact list of at most `most_references` texts, nulls and exact numbers. Returns nullopt for any
+// other list. Runs no foreign code.
 std::optional<References> read_references(Object list);
 
-// The same for a column of this storage. The texts of the list are skipped if no element can equal a text.
+// The same for a column of this storage. Does not read the texts of the list if no element can equal a text.
 std::optional<References> read_references(Object list, Storage storage);
 inline std::optional<References> read_references(Object list, const ColumnSource& column) {
     return read_references(list, column.storage());
@@ -113,14 +114,14 @@ inline std::optional<References> read_references(Object list, const ArrayColumn&
     return read_references(list, column.storage);
 }
 
-// The same for the members of an exact set. Nothing if one of them is a null, which equals only itself in a set.
+// The same for the members of an exact set. Returns nullopt if one of them is a null, which a set matches by identity.
 std::optional<References> read_members(Object set);
 
-// Whether numpy.asarray() does not change the references that are not null. It turns numbers beside texts into texts,
-// and it removes zeros at the end of a text.
+// Whether numpy.asarray() leaves the references that are not null unchanged. It converts numbers to texts if there are
+// texts too, and it removes NUL characters at the end of a text.
 bool unchanged_by_asarray(const References& references) noexcept;
 
-// The references of these bits in the order of the list.
+// The references with these bits, in the order of the list.
 std::vector<Ref> held(const References& references, ReferenceBits bits);
 
 // The same as a new list.

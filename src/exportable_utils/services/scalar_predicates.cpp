@@ -11,14 +11,14 @@ namespace {
 
 using core::NumberText;
 
-// Text is judged by its grammar, so that a plain word costs no exception.
+// Classifies a text by its grammar, so that plain text costs no exception.
 NumberText number_text(Object text) {
     const Characters characters = characters_of(text.get());
     if (characters.data == nullptr) throw PythonError(Where::current());
     return core::classify_number({characters.data, static_cast<std::size_t>(characters.length), characters.width});
 }
 
-// The answer of a conversion that has been tried: a ValueError says no, any other exception is the caller's.
+// Whether a conversion succeeded. Clears a ValueError and returns false; any other exception propagates.
 bool accepted(PyObject* converted, Where where = Where::current()) {
     if (Ref::adopt(converted)) return true;
     if (!PythonError::matches(PyExc_ValueError)) throw PythonError(where);
@@ -37,7 +37,7 @@ bool int_accepts(Object value) {
     return accepted(PyNumber_Long(value.get()));
 }
 
-// An integer of 64 bits, which no float is too small for.
+// Whether value is an int or bool of at most 64 bits, whose conversion to a float cannot overflow.
 bool is_moderate_integer(Object value) {
     if (!PyLong_CheckExact(value.get()) && !PyBool_Check(value.get())) return false;
     int overflow = 0;

@@ -1,4 +1,4 @@
-// Shared services: reporting errors and asking single values what they are.
+// Error reporting, and predicates of single values.
 #pragma once
 
 #include "python/routine.hpp"

@@ -29,7 +29,7 @@ using references::References;
 
 enum class Action { keep, squeeze, digest, write_nan };
 
-// What is done with a label.
+// Chooses the action for a label.
 class Rules {
   public:
     Rules(const References& missing, Object compress_type)
@@ -56,11 +56,11 @@ Ref digest_number(TextView text) {
     return Ref::take(whole_from_bytes(digest.data(), digest.size()));
 }
 
-// The texts of the elements of an object array. Those of numbers are made here and live as long as this.
+// The texts of the elements of an object array. Owns the texts that it makes of numbers.
 class Labels {
   public:
     explicit Labels(const ArrayColumn& column) noexcept : column_(column), cells_(column) {}
-    // Nothing for an element whose str() may be foreign code, or if its characters cannot be read.
+    // nullopt if str() of the element may be foreign code, or if its characters cannot be read.
     std::optional<TextView> at(std::size_t row) {
         cells_.prefetch(row + core::prefetch_distance);
         TextView text{};
@@ -78,15 +78,15 @@ class Labels {
     std::vector<Ref> made_;
 };
 
-// What each row of an object array becomes; empty for a row that is kept.
+// The new object of each row of an object array; empty for a row that is kept.
 class CompressedObjects {
   public:
     CompressedObjects(const Rules& rules, std::size_t rows) : rules_(rules), missing_(global("np"_py).attr("nan"_py)) {
         objects_.reserve(rows);
     }
 
-    // False if a label cannot be compressed here. Results of equal texts are shared within a block only: a signal
-    // handler may change the column, and with it free the texts.
+    // Returns false if a label cannot be compressed natively. Equal texts share a result within a block only, because a
+    // signal handler may change the column and free the texts.
     bool add(const ArrayColumn& part) {
         Labels labels(part);
         core::RecentTexts<Ref> recent(part.rows);
@@ -108,7 +108,7 @@ class CompressedObjects {
         }
     }
 
-    // The same for all rows from `first` on, element by element, for an X that no longer is the same memory.
+    // The same for all rows from `first` on, through X's item assignment, after the memory of X has changed.
     void assign_to(Object X, std::size_t first) const {
         for (std::size_t row = first; row < objects_.size(); ++row) {
             if (objects_[row]) set_item(X, static_cast<Py_ssize_t>(row), objects_[row]);
@@ -135,13 +135,13 @@ class CompressedObjects {
     std::vector<Ref> objects_;
 };
 
-// One element of a fixed-width array, four bytes a character.
+// One element of a fixed-width array, four bytes per character.
 class FixedElement {
   public:
     FixedElement(const ArrayColumn& column, std::size_t row) noexcept
         : at_(reinterpret_cast<std::uint32_t*>(const_cast<char*>(column.at(row)))),
           length_(column.width / sizeof(std::uint32_t)) {}
-    // Cuts off what does not fit.
+    // Truncates the characters to the width of the element.
     void write(const char* characters, std::size_t size) noexcept {
         size = std::min(size, length_);
         for (std::size_t i = 0; i < size; ++i) at_[i] = static_cast<std::uint8_t>(characters[i]);
@@ -171,7 +171,7 @@ bool all_encodable(const ArrayColumn& part) noexcept {
     return true;
 }
 
-// All texts are encodable.
+// Requires all_encodable(part).
 void compress_in_place(const ArrayColumn& part, const Rules& rules) noexcept {
     const ArrayTextCells cells(part);
     TextView text{};
@@ -194,16 +194,16 @@ void compress_in_place(const ArrayColumn& part, const Rules& rules) noexcept {
     }
 }
 
-// Raises what hashlib.md5() raises, as in an interpreter that was built without MD5.
+// Raises what hashlib.md5() raises, for example in an interpreter that was built without MD5.
 void try_digest() {
     const Ref md5 = global("hashlib"_py).attr("md5"_py);
     md5({Ref::take(PyBytes_FromStringAndSize(nullptr, 0))});
 }
 
-// One call of the routine. Two passes over the rows. The first one finds out whether every label can be compressed
-// here and writes nothing, so that giving up is possible. The second one writes block by block: if a signal handler
-// raises, the rows before are written, as in the interpreter route. Giving up is not possible then, because a digest
-// would be digested again.
+// One call of the routine, in two passes over the rows. The first pass checks that every label can be compressed
+// natively and writes nothing, so it may give up. The second pass writes block by block: if a signal handler raises,
+// the rows before are written, as in the interpreter route. It cannot give up, because the interpreter route would
+// digest the digests.
 class Compression {
   public:
     Compression(Object X, Object misslist, Object compress_type) noexcept

@@ -5,7 +5,7 @@
 
 namespace quorin::transform {
 
-// Compresses the labels of X in place and returns X; an empty Ref, with nothing written, to give up.
+// Compresses the labels of X in place and returns X. Returns an empty Ref, with nothing written, to give up.
 Ref native_compress_str_column(Object X, Object misslist, Object compress_type);
 
 // One row of the interpreter route: compresses the label `text` and writes the result into X.

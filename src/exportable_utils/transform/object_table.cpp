@@ -14,11 +14,11 @@ namespace quorin::transform {
 
 namespace {
 
-// The rows of one column that are copied together, and where to.
+// A range of rows of one column, and their destination.
 struct Part {
     ArrayColumn column;
     Mask mask;
-    char* out;  // the place of the first row
+    char* out;  // the slot of the first row
     std::ptrdiff_t out_stride;
 };
 
@@ -51,7 +51,7 @@ Ref object_of(Integer value) {
     }
 }
 
-// An empty place counts as None.
+// A null element counts as None.
 void write_shared(const Part& part, const Replacement& replacement) {
     const ArrayColumn& column = part.column;
     write(part, replacement, [&](std::size_t row) {
@@ -86,8 +86,7 @@ void write_part(const Part& part, const Replacement& replacement) {
     }
 }
 
-// The objects of a table lie row by row, and as a rule its numbers do as well: some rows of all columns stay in the
-// cache.
+// The result, and usually the table, is stored row by row: this many rows of all columns stay in the cache.
 constexpr std::size_t rows_together = 256;
 
 }  // namespace

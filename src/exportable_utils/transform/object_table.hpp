@@ -1,4 +1,4 @@
-// Tables copied into arrays of objects, with another object in the place of some elements.
+// Copies tables into arrays of objects and replaces some elements by another object.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 
 namespace quorin::transform {
 
-// Where the elements of an array of one or two dimensions lie. Not a borrow: to compare with and to allocate by.
+// The memory layout of an array of one or two dimensions. Not a borrow: used to allocate and to detect changes.
 struct TableMemory {
     core::Column first;  // the first column
     std::ptrdiff_t column_stride = 0;
@@ -36,7 +36,7 @@ struct Table {
     }
 };
 
-// Nothing unless X is an exact, non-empty array of one or two dimensions whose dtype is known.
+// Borrows X; nullopt unless X is an exact, non-empty array of one or two dimensions whose dtype is known.
 std::optional<Table> open_table(Object X) noexcept;
 
 // A byte for each row of a column.
@@ -53,14 +53,14 @@ struct Replacement {
     Object filling;
 };
 
-// A new array of objects, with empty places, in the shape of the table.
+// A new array of objects, all null, of the same shape as the table.
 Ref new_objects_like(const TableMemory& memory);
 
-// Writes objects for the rows first <= row < last, as numpy's astype(object) makes them, into empty places of `Y`, an
-// array of objects of the same shape that is stored row by row.
+// Writes the objects that numpy's astype(object) makes for the rows first <= row < last into null elements of `Y`, an
+// array of objects of the same shape in C order.
 void write_rows(const Table& table, const Replacement& replacement, Object Y, std::size_t first, std::size_t last);
 
-// How many rows are written between two answers to signals.
+// The number of rows to write between two polls for signals.
 std::size_t rows_in_block(const TableMemory& memory) noexcept;
 
 }  // namespace quorin::transform

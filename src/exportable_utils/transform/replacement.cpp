@@ -18,7 +18,7 @@ namespace {
 
 using references::References;
 
-// Whether numpy puts the value into every place of the mask as it is. It would iterate over a sequence.
+// Whether numpy.putmask() writes the value itself to each element; it would iterate over a sequence.
 bool is_plain_filling(Object value) noexcept {
     return value.is_none() || PyUnicode_CheckExact(value.get()) || PyFloat_CheckExact(value.get()) ||
            PyLong_CheckExact(value.get()) || PyBool_Check(value.get());
@@ -31,13 +31,13 @@ bool is_mask_for(Object mask, Object X) noexcept {
            PyArray_CompareLists(PyArray_DIMS(as_array(mask)), PyArray_DIMS(array), PyArray_NDIM(array)) != 0;
 }
 
-// astype() keeps the layout of X; the native route writes row by row.
+// Whether astype() of X returns an array in C order, as the native route does.
 bool keeps_row_order(Object X) noexcept {
     return PyArray_NDIM(as_array(X)) == 1 || PyArray_IS_C_CONTIGUOUS(as_array(X)) != 0;
 }
 
 // Calls work(table, first, last) for blocks of rows of X, and answers signals between them. Returns false if `work`
-// does, or if X no longer is the table that `memory` describes.
+// does, or if X is no longer the table that `memory` describes.
 template <class Work>
 bool in_table_blocks(Object X, const TableMemory& memory, Work work) {
     const auto block = [&](std::size_t first, std::size_t last) {
@@ -53,7 +53,7 @@ std::optional<TableMemory> table_memory(Object X) noexcept {
     return table->memory();
 }
 
-// The columns of an array of booleans.
+// One mask for each column of an array of booleans.
 std::vector<Mask> masks_in(Object array, std::size_t width) {
     PyArrayObject* mask = as_array(array);
     std::vector<Mask> columns(width, Mask{PyArray_BYTES(mask), PyArray_STRIDE(mask, 0)});
@@ -100,19 +100,19 @@ Ref column_mask(Object X, std::size_t j, const std::optional<References>& refere
 }
 
 // For each column the mask of the elements that equal a reference value. `lists` is one list of reference values for
-// all columns, or a list of such lists. Nothing to give up.
+// all columns, or a list of such lists. Returns nullopt to give up.
 std::optional<std::vector<Ref>> column_masks(Object X, const TableMemory& memory, Object lists) {
     const bool list_for_each = PyList_Check(PyList_GET_ITEM(lists.get(), 0));
-    // Nothing for a list of lists.
+    // nullopt for a list of lists.
     const std::optional<References> shared = references_for_isin(lists);
     std::vector<Ref> masks;
-    std::size_t unanswered = 0;  // elements since signals were answered
+    std::size_t unanswered = 0;  // elements since the last poll for signals
     for (std::size_t j = 0; j < memory.width; ++j, unanswered += memory.first.rows) {
         if (unanswered >= rows_between_signals) {
             answer_signals();
             unanswered = 0;
         }
-        // The size is read anew for each column, because foreign code may have changed the list.
+        // Read the size for each column: foreign code may have changed the list.
         const auto index = static_cast<Py_ssize_t>(j);
         if (list_for_each && index >= PyList_GET_SIZE(lists.get())) return std::nullopt;
         Ref mask = list_for_each ? column_mask(X, j, references_for_isin(PyList_GET_ITEM(lists.get(), index)))
@@ -130,7 +130,7 @@ Ref native_replace_values(Object X, Object filling, Object lists, Object invert_
         const bool inverted = invert_flag.is(Py_True);
         const std::optional<TableMemory> memory = table_memory(X);
         if (!memory) return {};
-        // Of a table the result comes first: if it is too large to exist, no column is read.
+        // The result of a table is allocated first: if memory runs out, no column has been read.
         Ref Y = memory->dimensions == 1 ? Ref{} : new_objects_like(*memory);
         const std::optional<std::vector<Ref>> masks = column_masks(X, *memory, lists);
         if (!masks) return {};
@@ -240,7 +240,7 @@ array([[-1, 2],
         for (Py_ssize_t j = 0; j < columns; ++j) {
             const bool flat = equal(X.attr("ndim"_py), 1);
             const Ref Xcol = flat ? Ref::share(X) : matrix_column(X, j);
-            // Not used, but an array without rows fails here.
+            // Not used, but raises IndexError for an array without rows.
             const Ref Ycol = flat ? item(Y, j) : Ref::share(Y);
             const Ref reference_values_list_col =
                 list2_flag ? item(reference_values_list, j) : Ref::share(reference_values_list);

@@ -11,8 +11,8 @@ void warn(const Operand& text) {
     global("logger"_py).attr("warning"_py)({text.object});
 }
 
-// No number is below 0 and beyond the last column at once, so numbers never get past the test: an index out of range
-// is numpy's to refuse. An index of another kind may, and then the message fails, since the counter is no text.
+// The condition index < 0 and index >= x_numelts holds for no number, so numpy reports an index that is out of range.
+// It may hold for an object with its own operators; the message then raises TypeError, because the counter i is an int.
 bool warned_of_range(Object columns_indices_list, Object x_numelts) {
     const Ref indices = iterate(columns_indices_list);
     Py_ssize_t i = 0;

@@ -26,7 +26,7 @@ double* floats_in(Object array) noexcept {
     return reinterpret_cast<double*>(PyArray_BYTES(as_array(array)));
 }
 
-// float() of a text; nothing if it is not a number, because the interpreter route then prints messages.
+// float() of a text. Returns nullopt, to give up, if it is not a number: the interpreter route then prints messages.
 std::optional<double> float_of(core::TextView text) {
     double value = 0;
     if (core::value_of_number(text, value)) return value;
@@ -52,7 +52,7 @@ class FloatWriter {
         return true;
     }
     bool on_integer(std::size_t row, PyObject* value) noexcept {
-        // Not PyLong_AsDouble(): making its OverflowError may start garbage collection, which is foreign code.
+        // Not PyLong_AsDouble(): allocating its OverflowError may start garbage collection, which is foreign code.
         int overflow = 0;
         out_[row] = static_cast<double>(PyLong_AsLongLongAndOverflow(value, &overflow));
         return overflow == 0;
@@ -67,11 +67,11 @@ class FloatWriter {
     double* out_;
 };
 
-// NaN for the numbers that are listed. The interpreter route writes it into a copy of the column's own dtype: this
-// raises for integers, and writes true into booleans.
+// Converts listed numbers to NaN. The interpreter route writes NaN into a copy of the same dtype, which raises for
+// integers and stores true in booleans.
 template <class Number>
 bool unlisted_to_floats(const ArrayColumn& part, const References& missing, double* out) {
-    // How a float32 compares with a Python number depends on the version of numpy.
+    // The comparison of a float32 with a Python number depends on the version of numpy.
     if (std::is_same_v<Number, float>) return false;
     for (std::size_t row = 0; row < part.rows; ++row) {
         double value = static_cast<double>(core::load<Number>(part, row));
@@ -99,7 +99,7 @@ bool numbers_to_floats(const ArrayColumn& part, const References& missing, doubl
     });
 }
 
-// A narrower text array cannot hold "nan", which the interpreter route writes in place of a missing element.
+// The interpreter route writes "nan" in place of a missing element; a narrower text array truncates it.
 constexpr std::size_t narrowest_nan = 3 * sizeof(std::uint32_t);
 
 bool write_floats(const ArrayColumn& part, const References& missing, double* out) {
@@ -129,7 +129,7 @@ Ref native_floatstr2float(Object X, Object list) {
     });
 }
 
-// Which booleans are missing values.
+// Whether false and true are missing values.
 struct MissingBooleans {
     bool of_false = false;
     bool of_true = false;
@@ -137,7 +137,7 @@ struct MissingBooleans {
     [[nodiscard]] bool any() const noexcept { return of_false || of_true; }
 };
 
-// Nothing if the list cannot be read, or NaN cannot be written into X.
+// Returns nullopt if the list cannot be read natively or X is not writeable.
 std::optional<MissingBooleans> missing_booleans(const ColumnSource& source, Object list) {
     if (list.is_none()) return MissingBooleans{};
     const std::optional<References> missing = references::read_references(list, source);
@@ -146,7 +146,7 @@ std::optional<MissingBooleans> missing_booleans(const ColumnSource& source, Obje
     return MissingBooleans{references::is_listed(0.0, *missing), references::is_listed(1.0, *missing)};
 }
 
-// NaN written into an array of booleans is true, and is stored as the byte 1 whichever byte was there.
+// numpy stores NaN in an array of booleans as true, the byte 1, even if the element was another non-zero byte.
 void write_nan(const ArrayColumn& column, MissingBooleans missing) noexcept {
     for (std::size_t row = 0; row < column.rows; ++row) {
         char& flag = *const_cast<char*>(column.at(row));
@@ -162,7 +162,7 @@ Ref native_boolean2float(Object X, Object list) {
         if (!missing) return {};
         Ref Y = new_array(source->rows(), NPY_DOUBLE);
         if (missing->any()) {
-            // All rows at once, as the interpreter route writes them: a signal handler sees none or all of them.
+            // Not in blocks: a signal handler sees either none or all of the rows written, as in the interpreter route.
             const std::optional<ArrayColumn> column = source->borrow();
             if (!column || PyArray_ISWRITEABLE(column->array) == 0) return {};
             write_nan(*column, *missing);
@@ -176,7 +176,7 @@ Ref native_boolean2float(Object X, Object list) {
     });
 }
 
-// Y[i] = float(X[i]), or NaN and two printed lines where that fails.
+// Y[i] = float(X[i]). If that fails, sets Y[i] to NaN and prints two lines.
 void convert_or_report(Object X, Object Y, const Operand& i) {
     try {
         set_item(Y, i, Object(&PyFloat_Type)({item(X, i)}));

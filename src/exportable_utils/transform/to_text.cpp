@@ -9,7 +9,7 @@ namespace quorin::transform {
 
 namespace {
 
-// '?' for a null, no fraction for a whole float, str() for the rest.
+// "?" for a null, str(int(elt)) for a whole float, str(elt) for any other element.
 Ref float_text(Object elt) {
     if (truth(global("pd"_py).attr("isnull"_py)({elt}))) return Ref::share("?"_py.text);
     if (is_instance(elt, numpy_alias("float"_py, &PyFloat_Type)) && truth(elt.attr("is_integer"_py)())) {

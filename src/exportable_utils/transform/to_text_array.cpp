@@ -18,7 +18,7 @@ namespace {
 
 using core::FloatText;
 
-// numpy stores the width of an element, in bytes, as an int.
+// numpy stores the width of an element in bytes, as an int.
 constexpr std::size_t longest_fixed = std::numeric_limits<int>::max() / sizeof(std::uint32_t);
 
 // The width, in characters, that numpy gives to the text of a float64.
@@ -28,18 +28,18 @@ std::uint32_t* characters_in(Object array) noexcept {
     return reinterpret_cast<std::uint32_t*>(PyArray_BYTES(as_array(array)));
 }
 
-// Fills an element with zeros after the text.
+// Fills the rest of an element with zeros.
 void end_text(std::uint32_t* element, std::size_t length, std::size_t width) noexcept {
     std::memset(element + length, 0, (width - length) * sizeof(std::uint32_t));
 }
 
-// The texts of an array of objects, in two walks: the first one finds the width, the second one writes. The array of
-// texts is allocated in between, so the objects may be others in the second walk; it relies on no length of the first.
+// Converts an array of objects to texts in two passes: measure() finds the width, write() writes. The array of texts is
+// allocated in between, which is foreign code: write() checks types and lengths again.
 class ObjectTexts {
   public:
     explicit ObjectTexts(std::size_t rows) noexcept : rows_(rows) {}
 
-    // False if str() of an element is not known here.
+    // Returns false if str() of an element cannot be computed natively.
     bool measure(const ArrayColumn& column, std::size_t first, std::size_t last) {
         const ObjectCells cells(column);
         FloatText room;
@@ -60,7 +60,7 @@ class ObjectTexts {
     }
     [[nodiscard]] std::size_t width() const noexcept { return width_; }
 
-    // False if a row that held a text no longer does, or one that is longer than all before.
+    // Returns false if an element that was a text in measure() is now another object or a text longer than width().
     bool write(const ArrayColumn& column, std::size_t first, std::size_t last, std::uint32_t* to) noexcept {
         const ObjectCells cells(column);
         to += first * width_;
@@ -91,8 +91,8 @@ class ObjectTexts {
         made_.append(made);
     }
     std::size_t rows_;
-    std::string made_;                        // the texts of all elements that are not texts themselves
-    std::vector<std::uint8_t> made_lengths_;  // by row; 0 for an element that is a text; empty if all are
+    std::string made_;                        // the texts of all elements that are not texts, concatenated
+    std::vector<std::uint8_t> made_lengths_;  // by row; 0 if the element is a text; empty if all are texts
     std::size_t width_ = 1;
     std::size_t written_ = 0;
 };
@@ -150,7 +150,7 @@ Ref text_of_ascii_number(std::string_view characters) {
 }
 
 Ref scalar_text_object(PyObject* value) {
-    // Constants of the interpreter.
+    // Their repr() is a cached object.
     if (value == Py_None || PyBool_Check(value)) return Ref::take(Py_TYPE(value)->tp_repr(value));
     FloatText room;
     const std::string_view text = scalar_text(value, room);

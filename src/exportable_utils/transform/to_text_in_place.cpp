@@ -17,13 +17,13 @@ namespace quorin::transform {
 
 namespace {
 
-// A double of at least this size does not fit 64 bits.
-constexpr double whole_limit = 9223372036854775808.0;  // 2 ** 63
+// A whole number fits a signed 64-bit integer if |number| < 2^63.
+constexpr double whole_limit = 9223372036854775808.0;
 
-// -1.7976931348623157e308 has a sign and 309 digits.
+// The longest text, of -1.7976931348623157e308, has a sign and 309 digits.
 using WholeText = std::array<char, 312>;
 
-// str(int(number)), made without foreign code: the conversion of an int to text answers signals.
+// str(int(number)) without foreign code. The interpreter's conversion of an int to text handles signals.
 Ref whole_text(double number) {
     WholeText room;
     std::size_t size = 0;
@@ -43,14 +43,13 @@ Ref text_in_place_of(PyObject* value) {
     if (PyUnicode_CheckExact(value)) return Ref::share(value);
     if (PyFloat_CheckExact(value)) {
         const double number = PyFloat_AS_DOUBLE(value);
-        if (std::isnan(number)) return {};  // a signalling one: numpy warns when it is compared
+        if (std::isnan(number)) return {};  // a signalling NaN: numpy warns when it is compared
         if (is_whole(number)) return whole_text(number);
     }
     return scalar_text_object(value);
 }
 
-// Two passes over the rows of a part. The first one makes the texts; until it is done nothing is written. The second
-// one cannot fail.
+// Two passes over the rows of a part. The first makes all texts and writes nothing; the second cannot fail.
 bool replace_objects(const ArrayColumn& part) {
     std::vector<Ref> texts;
     texts.reserve(part.rows);
@@ -61,15 +60,15 @@ bool replace_objects(const ArrayColumn& part) {
         if (!text) return false;
         texts.push_back(std::move(text));
     }
-    // The old objects are of exact built-in types: dropping them, together with `texts`, runs no foreign code.
+    // The old objects are of exact built-in types: releasing them, at the end of `texts`, runs no foreign code.
     for (std::size_t row = 0; row < part.rows; ++row) {
         texts[row] = replace_object(object_slot(part, row), std::move(texts[row]));
     }
     return true;
 }
 
-// Each text is converted back into the number that it was made of, except that -0.0 becomes 0.0. The text of NaN, "?",
-// cannot be converted back.
+// The interpreter route writes a text into a float array, which converts it back to the same number, except that -0.0
+// becomes 0.0. The text of NaN, "?", cannot be converted back.
 bool replace_floats(const ArrayColumn& part) noexcept {
     for (std::size_t row = 0; row < part.rows; ++row) {
         auto& number = *reinterpret_cast<double*>(const_cast<char*>(part.at(row)));
@@ -79,8 +78,8 @@ bool replace_floats(const ArrayColumn& part) noexcept {
     return true;
 }
 
-// Replaces a block of rows at a time, so that a signal handler that raises leaves the rows before it written, as the
-// interpreter route does.
+// Replaces the rows block by block: if a signal handler raises, the rows before are written, as in the interpreter
+// route.
 template <class Replace>
 Ref replace_rows(const ColumnSource& source, Replace replace) {
     const auto replace_block = [&](const ArrayColumn& column, std::size_t first, std::size_t last) {
@@ -97,7 +96,7 @@ Ref native_text_in_place(Object X) {
         const std::optional<ColumnSource> source = ColumnSource::flat_writable(X);
         if (!source) return {};
         if (source->storage() == Storage::objects) return replace_rows(*source, replace_objects);
-        // The text of an integer is converted back into the same integer.
+        // The interpreter route writes a text into an integer array, which converts it back to the same integer.
         if (source->storage() == Storage::integer) return Ref::share(X);
         if (source->storage() != Storage::float64 || !numpy_writes_all_digits()) return {};
         return replace_rows(*source, replace_floats);

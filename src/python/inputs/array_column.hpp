@@ -1,4 +1,4 @@
-// A column as it lies in memory, for native routes.
+// Columns of numpy arrays in memory, for native routes.
 #pragma once
 
 #include <bit>
@@ -17,7 +17,7 @@ namespace quorin {
 
 using core::Storage;
 
-// A column of a numpy array, borrowed: no foreign code may run while this lives. X itself belongs to the caller.
+// A borrowed column of a numpy array: no foreign code may run while this exists. The caller keeps the array alive.
 struct ArrayColumn : core::Column {
     PyArrayObject* array;
     [[no_unique_address]] Borrow
@@ -26,29 +26,29 @@ struct ArrayColumn : core::Column {
     [[nodiscard]] PyObject* object(std::size_t row) const noexcept {
         return *reinterpret_cast<PyObject* const*>(at(row));
     }
-    // Whether another view, taken before foreign code ran, is of the same memory and type.
+    // Whether `before`, taken before foreign code ran, describes the same memory and type.
     [[nodiscard]] bool is_same_memory(const core::Column& before) const noexcept {
         return data == before.data && stride == before.stride && rows == before.rows && storage == before.storage &&
                width == before.width && is_signed == before.is_signed;
     }
 };
 
-// The first column of X, which is an exact array of one dimension or more, if it is not empty and its dtype is known.
+// The first column of X, an exact array of at least one dimension; nullopt if it is empty, not aligned, byte-swapped or
+// of a dtype that native routes do not read.
 std::optional<ArrayColumn> first_column(Object X) noexcept;
 
-// The column that numpy_flatten_column() makes of an array of shape (n,) or (n, 1); nothing for anything but an exact,
-// non-empty array of a known dtype.
+// The same for an array of shape (n,) or (n, 1), which numpy_flatten_column() flattens to this column; nullopt if X is
+// not an exact array or has another shape.
 std::optional<ArrayColumn> single_column(Object X) noexcept;
 
-// The same for an array of one dimension only, and of one storage where that matters.
+// The same for an array of one dimension only. The second overload also requires the storage.
 std::optional<ArrayColumn> flat_column(Object X) noexcept;
 std::optional<ArrayColumn> flat_column(Object X, Storage storage) noexcept;
 
-// Rows that share memory would see what is written into one another.
+// Whether no two rows share memory, so that a write to one row does not change another.
 bool rows_are_disjoint(const ArrayColumn& column) noexcept;
 
-// Null as pandas means it, among the types that native routes know. A signalling NaN is not one of them: numpy warns
-// when it is compared.
+// Whether value is exactly None or a quiet float NaN. A signalling NaN does not count: numpy warns when it is compared.
 inline bool is_exact_null(PyObject* value) noexcept {
     if (!PyFloat_CheckExact(value)) return value == Py_None;
     const double number = PyFloat_AS_DOUBLE(value);
@@ -59,21 +59,21 @@ inline bool is_exact_text(PyObject* value) noexcept {
     return value != nullptr && PyUnicode_CheckExact(value);
 }
 
-// Elements of an object array, as far as kernels over texts know them.
+// Elements of an object array, for kernels over texts.
 class ObjectCells {
   public:
     explicit ObjectCells(const ArrayColumn& column) noexcept : column_(column) {}
     [[nodiscard]] std::size_t size() const noexcept { return column_.rows; }
     [[nodiscard]] PyObject* object(std::size_t row) const noexcept { return column_.object(row); }
-    // Of a compact ASCII text, the line of its header and that of its first characters, which may be one and the same.
-    // To gcc a call that does nothing but prefetch has no effect and can go, unless it is inlined before that is known.
+    // Prefetches the cache lines of the header and of the first characters of a compact ASCII text. gcc removes a call
+    // of a function that only prefetches, unless it is inlined early.
     [[gnu::always_inline]] void prefetch(std::size_t row) const noexcept {
         if (row >= column_.rows) return;
         const char* object = reinterpret_cast<const char*>(column_.object(row));
         __builtin_prefetch(object);
         __builtin_prefetch(object + sizeof(PyASCIIObject));
     }
-    // A text that an old interpreter has yet to bring together has length 0 until then.
+    // False for a legacy text before PyUnicode_READY(): its length is still 0.
     [[nodiscard]] bool longer_than(std::size_t row, std::size_t length) const noexcept {
         PyObject* value = column_.object(row);
         if (value == nullptr) return false;
@@ -127,7 +127,7 @@ class ArrayTextCells : public core::FixedWidthText {
         : FixedWidthText(column.data, column.stride, column.rows, column.width / sizeof(std::uint32_t)) {}
 };
 
-// The view of an exact str, or nothing where its characters do not lie side by side.
+// The view of an exact str; nullopt for a legacy text whose characters are not contiguous before PyUnicode_READY().
 inline std::optional<core::TextView> text_view_of(PyObject* text) noexcept {
 #if PY_VERSION_HEX < 0x030C0000
     if (!is_ready_text(text)) return std::nullopt;

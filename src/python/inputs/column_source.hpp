@@ -1,4 +1,4 @@
-// A column that is borrowed several times. Between two borrows foreign code may run.
+// A column that is borrowed several times; foreign code may run between two borrows.
 #pragma once
 
 #include <optional>
@@ -16,24 +16,24 @@ inline ArrayColumn rows_of(const ArrayColumn& column, std::size_t first, std::si
     return part;
 }
 
-// Says where a column is, without borrowing it: a route reads rows() and storage(), allocates what it needs, and then
+// Identifies a column without borrowing it: a route reads rows() and storage(), allocates what it needs, and then
 // borrows. The caller keeps the array alive.
 //
 //     const std::optional<ColumnSource> column = ColumnSource::single(X);
-//     if (!column) return {};                            // not a column that native routes know
+//     if (!column) return {};                            // not a column that native routes read
 //     Ref mask = new_zeros(column->rows(), NPY_BOOL);    // foreign code
 //     const bool done = column->in_blocks(
 //         [&](const ArrayColumn& column, std::size_t first, std::size_t last) { ...; return true; });
 class ColumnSource {
   public:
-    // The column of single_column(), that is of an array of shape (n,) or (n, 1).
+    // The column of single_column(), from an array of shape (n,) or (n, 1).
     static std::optional<ColumnSource> single(Object X) noexcept { return ColumnSource(X, -1).if_known(); }
     // The column of flat_column().
     static std::optional<ColumnSource> flat(Object X) noexcept {
         if (!is_exact_array(X) || PyArray_NDIM(as_array(X)) != 1) return std::nullopt;
         return single(X);
     }
-    // The same, if a routine may write into it: it is writeable and no two of its rows share memory.
+    // The same if it is writeable and no two of its rows share memory.
     static std::optional<ColumnSource> flat_writable(Object X) noexcept;
     // Column j of an array of two dimensions.
     static std::optional<ColumnSource> of_table(Object X, npy_intp j) noexcept { return ColumnSource(X, j).if_known(); }
@@ -42,7 +42,7 @@ class ColumnSource {
     [[nodiscard]] std::size_t rows() const noexcept { return before_.rows; }
     [[nodiscard]] Storage storage() const noexcept { return before_.storage; }
     [[nodiscard]] std::size_t width() const noexcept { return before_.width; }
-    // The column as it was when the source was made: not to be read, its memory may be gone.
+    // The column when the source was made. Its memory may have been freed: do not read it.
     [[nodiscard]] const core::Column& layout() const noexcept { return before_; }
 
     // The array's dtype, owned. Empty if the column has changed.
@@ -50,7 +50,7 @@ class ColumnSource {
         const std::optional<ArrayColumn> column = borrow();
         return column ? Ref::share(reinterpret_cast<PyObject*>(PyArray_DESCR(column->array))) : Ref();
     }
-    // Borrows the column. Nothing if its memory, shape or type has changed since the source was made.
+    // Borrows the column; nullopt if its memory, shape or type has changed since the source was made.
     [[nodiscard]] std::optional<ArrayColumn> borrow() const noexcept {
         if (is_known_vector()) return ArrayColumn{before_, as_array(array_), {}};
         std::optional<ArrayColumn> column = look();
@@ -58,9 +58,8 @@ class ColumnSource {
         return column;
     }
 
-    // Calls use(column, first, last) for consecutive ranges of rows, with the column borrowed anew for each. Answers
-    // signals between two ranges, with nothing borrowed. Returns false, to give up, if `use` does or if the column has
-    // changed.
+    // Calls use(column, first, last) for consecutive ranges of rows and borrows the column for each of them. Answers
+    // signals between two ranges, with nothing borrowed. Returns false if `use` does or if the column has changed.
     template <class Use>
     bool in_blocks(Use use, Where where = Where::current()) const {
         const auto use_block = [&](std::size_t first, std::size_t last) {
@@ -72,8 +71,8 @@ class ColumnSource {
 
   private:
     ColumnSource(Object X, npy_intp j) noexcept : array_(X), j_(j) {}
-    // Whether the array has one dimension and is the column that the source was made of. Cheaper than look(), which
-    // finds out all of it again.
+    // Whether the array has one dimension and is the unchanged column of this source. Cheaper than look() and a
+    // comparison.
     [[nodiscard]] bool is_known_vector() const noexcept {
         PyArrayObject* array = as_array(array_);
         return j_ < 0 && is_exact_array(array_) && PyArray_NDIM(array) == 1 && PyArray_BYTES(array) == before_.data &&
@@ -92,18 +91,18 @@ class ColumnSource {
     }
 
     Object array_;
-    npy_intp j_;  // of a table; -1 for an array that is one column
+    npy_intp j_;  // column of a table; -1 for an array that is one column
     core::Column before_{};
     int type_ = -1;  // the dtype's number
 };
 
-// A column that stays borrowed through a long loop, except while signals are answered.
+// A column that stays borrowed during a long loop, except while signals are answered.
 class LongBorrow {
   public:
     explicit LongBorrow(const ColumnSource& source) noexcept : source_(source), column_(source.borrow()) {}
     // Empty if the column has changed.
     [[nodiscard]] const std::optional<ArrayColumn>& column() const noexcept { return column_; }
-    // Answers signals with nothing borrowed. False if the column has changed meanwhile. Call it every few milliseconds.
+    // Answers signals with nothing borrowed. Returns false if the column has changed. Call it every few milliseconds.
     bool pause(Where where = Where::current()) {
         column_.reset();
         timer_.poll(where);

@@ -1,4 +1,4 @@
-// Numbers that stand as objects in a column.
+// Numbers that are Python objects.
 #pragma once
 
 #include <cmath>
@@ -9,7 +9,7 @@
 
 namespace quorin {
 
-// Below this every whole number is exact as a 64-bit float.
+// 2^53: every integer n with |n| <= 2^53 is exact as a float64.
 constexpr double exact_limit = 9007199254740992.0;
 constexpr long long exact_whole_limit = 1LL << 53U;
 
@@ -25,16 +25,16 @@ enum class NumberType : std::uint8_t {
 struct ObjectNumber {
     NumberType type = NumberType::none;
     bool scalar = false;  // of a numpy type
-    long long whole = 0;  // of a boolean or an integer
+    long long whole = 0;  // the value of a boolean or an integer
     double real = 0;
 
-    // Whether it is an integer that a 64-bit float might not hold.
+    // Whether it is an integer that a float64 might not represent exactly.
     [[nodiscard]] bool beyond_exact() const noexcept {
         return type == NumberType::large || whole > exact_whole_limit || whole < -exact_whole_limit;
     }
 };
 
-// A signalling NaN has no known type: numpy warns when it is compared.
+// NumberType::none for a signalling NaN: numpy warns when it is compared.
 inline ObjectNumber object_number_of(double value, bool scalar) noexcept {
     return {core::is_signalling_nan(value) ? NumberType::none : NumberType::real, scalar, 0, value};
 }
@@ -57,8 +57,8 @@ inline ObjectNumber object_number_of(PyObject* value) noexcept {
     return {};
 }
 
-// Whether it is a number of these types that surely has its place among all others: no NaN and no numpy scalar,
-// which rounds large integers.
+// Whether value is a number that sorts exactly among such numbers: not NaN, not beyond 64 bits, and not a numpy scalar,
+// which rounds large integers when it is compared.
 inline bool is_sortable_number(PyObject* value) noexcept {
     const PyTypeObject* type = Py_TYPE(value);
     if (type == &PyFloat_Type) return !std::isnan(PyFloat_AS_DOUBLE(value));
@@ -66,7 +66,7 @@ inline bool is_sortable_number(PyObject* value) noexcept {
     return number.type != NumberType::none && number.type != NumberType::large && !number.scalar;
 }
 
-// Neither a fraction nor infinite. NaN is not whole.
+// Whether value is finite and has no fractional part.
 inline bool is_whole(double value) noexcept {
     if (std::fabs(value) < exact_limit) return static_cast<double>(static_cast<std::int64_t>(value)) == value;
     return std::isfinite(value);
