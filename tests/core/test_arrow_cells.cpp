@@ -97,7 +97,7 @@ void check_cells(const Rows& rows, const Cells& cells, const std::string& what) 
         const bool seen = cells.glance(row, glanced);
         for (const std::size_t size : {0U, 1U, 4U, 12U, 13U, 40U}) {
             const bool longer = cells.longer_than(row, size);
-            check(!longer || (rows[row] && to_utf8(*rows[row]).size() > size), what + ": longer than");
+            check(longer == (rows[row] && to_utf8(*rows[row]).size() > size), what + ": longer than");
         }
         if (!rows[row]) {
             check(!seen, what + ": a null at a glance");

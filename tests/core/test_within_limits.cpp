@@ -116,7 +116,8 @@ void fit_of_numbers_that_are_not_ordinary() {
                 const std::string what = std::to_string(min) + " " + std::to_string(place);
                 check(core::fit<Float>(memory, 1, limits, ordinary) == core::Fit::unknown, what);
                 column[0] = Float{70};
-                const bool same_block = place < 4096;
+                // At place 0 it has just been replaced.
+                const bool same_block = place != 0 && place < 4096;
                 const core::Fit fit = core::fit<Float>(memory, 1, limits, ordinary);
                 check(fit == core::Fit::not_all || (same_block && fit == core::Fit::unknown), what + " after 70");
             }

@@ -14,9 +14,9 @@ namespace quorin::core {
 namespace {
 
 // The number of rows whose marks fill one register.
-constexpr std::size_t together = sizeof(Bytes);
+constexpr std::size_t rows_at_once = sizeof(Bytes);
 
-// 1 for each null of `together` rows, 0 for the others.
+// 1 for each null of `rows_at_once` rows, 0 for the others.
 template <class Float, class Stride>
 Bytes null_marks(const Elements<Float, Float, Stride>& elements, std::size_t row) noexcept {
     const auto nulls = [&](std::size_t i) { return is_null<Float>(elements.pack(row + i * lanes<Float>)); };
@@ -28,16 +28,16 @@ Bytes null_marks(const Elements<Float, Float, Stride>& elements, std::size_t row
     }
 }
 
-// The sum of marks_at(row), bytes that are 0 or 1, over all multiples of `together` below `rows`.
+// The sum of marks_at(row), bytes that are 0 or 1, over all multiples of `rows_at_once` below `rows`.
 template <class MarksAt>
 std::size_t sum_of_marks(std::size_t rows, MarksAt marks_at) noexcept {
     // A byte counts to 255.
-    constexpr std::size_t block = 255 * together;
+    constexpr std::size_t block = 255 * rows_at_once;
     std::size_t total = 0;
     for (std::size_t row = 0; row < rows;) {
         const std::size_t end = std::min(rows, row + block);
         Bytes counts{};
-        for (; row < end; row += together) counts += marks_at(row);
+        for (; row < end; row += rows_at_once) counts += marks_at(row);
         total += sum(counts);
     }
     return total;
@@ -47,7 +47,7 @@ std::size_t sum_of_marks(std::size_t rows, MarksAt marks_at) noexcept {
 
 template <class Float>
 std::size_t mark_nulls(const StridedMemory& column, char* mask) noexcept {
-    const std::size_t in_packs = column.rows - column.rows % together;
+    const std::size_t in_packs = column.rows - column.rows % rows_at_once;
     return with_elements<Float>(column, [=, rows = column.rows](auto elements) {
         std::size_t nulls = sum_of_marks(in_packs, [=](std::size_t row) {
             const Bytes marks = null_marks(elements, row);
@@ -65,7 +65,7 @@ std::size_t mark_nulls(const StridedMemory& column, char* mask) noexcept {
 }
 
 std::size_t count_marked(const char* mask, std::size_t rows) noexcept {
-    const std::size_t in_packs = rows - rows % together;
+    const std::size_t in_packs = rows - rows % rows_at_once;
     std::size_t marked = sum_of_marks(in_packs, [=](std::size_t row) {
         Bytes bytes{};
         std::memcpy(&bytes, mask + row, sizeof bytes);
@@ -137,10 +137,9 @@ Range<Integer> range_of(const StridedMemory& column) noexcept {
     });
 }
 
-// Copies `memory`, because the stores through `table` may alias it.
+// By value: the stores through `table` could otherwise change the view.
 template <class Integer>
-void count_each(const StridedMemory& memory, Integer least, std::ptrdiff_t* table) noexcept {
-    const StridedMemory column = memory;
+void count_each(StridedMemory column, Integer least, std::ptrdiff_t* table) noexcept {
     using Distance = std::make_unsigned_t<Integer>;
     for (std::size_t row = 0; row < column.rows; ++row) {
         const auto value = static_cast<Distance>(load<Integer>(column, row));
@@ -206,9 +205,9 @@ template void copy_kept<float, double>(const StridedMemory&, const char*, double
     template void copy_kept<Number, Number>(const StridedMemory&, const char*, Number*, std::size_t) noexcept; \
     template std::size_t count_runs<Number>(const Number*, std::size_t) noexcept;                              \
     template void write_runs<Number>(const Number*, std::size_t, std::size_t, Number*, std::ptrdiff_t*) noexcept;
-#define QUORIN_FOR_INTEGER(Integer)                                                             \
-    template Range<Integer> range_of<Integer>(const StridedMemory&) noexcept;                   \
-    template void count_each<Integer>(const StridedMemory&, Integer, std::ptrdiff_t*) noexcept; \
+#define QUORIN_FOR_INTEGER(Integer)                                                      \
+    template Range<Integer> range_of<Integer>(const StridedMemory&) noexcept;            \
+    template void count_each<Integer>(StridedMemory, Integer, std::ptrdiff_t*) noexcept; \
     QUORIN_FOR_NUMBER(Integer)
 
 QUORIN_FOR_NUMBER(double)

@@ -39,7 +39,7 @@ Range<Integer> range_of(const StridedMemory& column) noexcept;
 
 // Adds 1 to table[x - least] for each integer x.
 template <class Integer>
-void count_each(const StridedMemory& column, Integer least, std::ptrdiff_t* table) noexcept;
+void count_each(StridedMemory column, Integer least, std::ptrdiff_t* table) noexcept;
 
 // Whether zeros of both signs or NaN occur: equal numbers then can have different bits, so that the result of an
 // unstable sort is not unique.

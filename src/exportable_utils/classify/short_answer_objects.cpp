@@ -63,9 +63,8 @@ class FloatFacts {
 
 // Adds the exact floats of the rows from `row` on, up to the first other object, and returns the row of that, or
 // `last`. Not inlined, so that the loop has all registers.
-[[gnu::noinline]] std::size_t add_floats(const ObjectCells& objects, std::size_t row, std::size_t last,
+[[gnu::noinline]] std::size_t add_floats(const ObjectCells& cells, std::size_t row, std::size_t last,
                                          FloatFacts& floats) noexcept {
-    const ObjectCells cells = objects;
     FloatFacts facts = floats;
     for (; row < last; ++row) {
         cells.prefetch(row + core::prefetch_distance);

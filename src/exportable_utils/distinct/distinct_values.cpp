@@ -10,6 +10,7 @@
 #include "core/distinct/number_table.hpp"
 #include "exportable_utils/distinct/distinct_numbers.hpp"
 #include "python/errors.hpp"
+#include "python/inputs/object_slots.hpp"
 
 namespace quorin::distinct {
 
@@ -25,7 +26,7 @@ constexpr std::size_t entries_between_signals = std::size_t{1} << 14U;
 
 // Puts an object into a slot of a new array of objects, which holds None or null.
 void put(char* place, Ref object) noexcept {
-    Ref::adopt(std::exchange(*reinterpret_cast<PyObject**>(place), object.give()));
+    replace_object(reinterpret_cast<PyObject**>(place), std::move(object));
 }
 
 Ref array_of_objects(PyArray_Descr* dtype, const Order& order, std::vector<Ref>& objects) {

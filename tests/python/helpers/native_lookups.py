@@ -2,56 +2,13 @@
 
 from __future__ import annotations
 
-from typing import Any, Dict, List
+from typing import Any, List
 
 from hypothesis import strategies as st
 
 from .comparison import find_owner, find_routine, module
 
-# The look-ups of each interpreter route and of the routines that it calls. A fallback for callables
-# without the attribute `_native_lookups`.
-FLATTEN = ["numpy_flatten_column", "np", "np.ndarray", "np.concatenate", "numpy_remove_second_dim"]
-MASK = ["indicator_mask", "np", "np.vectorize"]
-ISIN = FLATTEN + MASK + ["numpy_isin", "pd", "pd.isnull", "np.any", "np.asarray"]
-INDICATOR = ISIN + ["numpy_compute_missing_indicator", "np.zeros"]
-UNIQUE = ISIN + ["get_unique_values", "np.unique", "numpy_column_float2str"]
-WHATIS = INDICATOR + UNIQUE + [
-    "numpy_whatis", "isint", "isfloat", "six", "six.string_types", "numbers", "numbers.Integral",
-    "np.nan", "np.float", "np.integer", "np.bool_", "FCplus",
-    "FCplus.is_column_string_in_datetime_format", "FC", "FC.is_string_in_datetime_format",
-]  # fmt: skip
-DEFAULT = ["setValueOrDefault", "global_missing_values_reference_list"]
-FEW_DISTINCT = ["np", "np.unique"]
-CATEGORICAL = WHATIS + DEFAULT + FEW_DISTINCT + ["FCplus.is_num_column_categorical"]
-LOOKED_UP: Dict[str, List[str]] = {
-    "indicator_mask": MASK,
-    "numpy_isin": ISIN,
-    "numpy_compute_missing_indicator": INDICATOR,
-    "get_unique_values": UNIQUE,
-    "numpy_whatis": WHATIS,
-    "numpy_isintstr": ["isint", "numpy_isintstr"],
-    "numpy_floatstr2float": ["isfloat", "np", "np.nan", "numpy_floatstr2float"],
-    "numpy_boolean2float": ISIN + ["np.nan", "numpy_boolean2float"],
-    "numpy_column_float2str": [
-        "pd", "pd.isnull", "np", "np.float", "np.int", "numpy_column_float2str",
-    ],
-    "numpy_putmask": ["np", "np.putmask", "numpy_putmask"],
-    "numpy_replace_values": ISIN
-    + ["np.empty", "np.putmask", "numpy_putmask", "numpy_replace_values"],
-    "compress_str_column": [
-        "compress_string", "hashlib", "hashlib.md5", "pd", "pd.isnull", "np", "np.nan",
-    ],
-    "FCplus.is_num_column_categorical": FEW_DISTINCT,
-    "FCplus.is_column_categorical": CATEGORICAL,
-    "FCplus.is_column_categorical_mult_cats": CATEGORICAL + ["FCplus.is_column_categorical"],
-    "numpy_get_categories": WHATIS + ["compress_string", "numpy_get_categories"],
-    "FCplus.getClasses": WHATIS + DEFAULT + ["Counter"],
-    "FCplus.check_statistics": ["FCplus.check_statistics"],
-    "FCplus.is_column_height": ["FCplus", "FCplus.check_statistics"],
-    "FCplus.is_column_weight": ["FCplus", "FCplus.check_statistics"],
-    "FCplus.is_column_age": WHATIS + DEFAULT + ["FCplus.check_statistics"],
-    "FCplus.is_column_sex": ["pd", "pd.Series", "pd.Series.unique"],
-}  # fmt: skip
+# The checks of a whole data set, all of which have the same two routes.
 DATASET_CHECKS = [
     "is_dataset_preprocessed",
     "is_dataset_missing",
@@ -59,16 +16,11 @@ DATASET_CHECKS = [
     "is_dataset_numeric",
     "get_dataset_non_numeric_columns",
 ]
-for _check in DATASET_CHECKS:
-    LOOKED_UP["FCplus." + _check] = WHATIS + DEFAULT
 
 
 def declared(routine: str) -> List[str]:
     """The names that the native route of a routine depends on, those of its callees included."""
-    names = getattr(find_routine(module, routine), "_native_lookups", None)
-    if names is None:
-        names = LOOKED_UP.get(routine, ())
-    return list(dict.fromkeys(names))
+    return list(find_routine(module, routine)._native_lookups)
 
 
 def is_bound(dotted: str) -> bool:
